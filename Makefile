@@ -1,0 +1,31 @@
+# The two commands of a fresh machine:
+#   make run   — install what is missing, build, run the main job on samples/
+#   make test  — install what is missing, build, run every test
+BUILD_DIR ?= build
+JOBS ?= $(shell nproc)
+
+.PHONY: setup configure build run test bench fuzz clean install
+
+setup:
+	@bash scripts/setup.sh
+
+configure: setup
+	@cmake -S . -B $(BUILD_DIR) -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+
+build: configure
+	@cmake --build $(BUILD_DIR) -j $(JOBS)
+
+run: build
+	@bash scripts/run-main-job.sh $(BUILD_DIR)
+
+test: build
+	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+
+bench: build
+	@bash scripts/run-benchmarks.sh $(BUILD_DIR)
+
+install: build
+	@cmake --install $(BUILD_DIR)
+
+clean:
+	@rm -rf $(BUILD_DIR)

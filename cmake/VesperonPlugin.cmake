@@ -1,0 +1,20 @@
+# vesperon_add_plugin(NAME SOURCES... [LIBRARIES ...])
+# Builds a codec plug-in: a shared module named NAME.vcodec in the plug-in folder, linked against
+# the library it plugs into.
+set(VESPERON_PLUGIN_SUFFIX ".vcodec")
+function(vesperon_add_plugin name)
+  cmake_parse_arguments(P "" "OUTPUT_DIRECTORY" "SOURCES;LIBRARIES" ${ARGN})
+  if(NOT P_OUTPUT_DIRECTORY)
+    set(P_OUTPUT_DIRECTORY ${VESPERON_PLUGIN_OUTPUT_DIR})
+  endif()
+  set(target vesperon_plugin_${name})
+  add_library(${target} MODULE ${P_SOURCES})
+  set_target_properties(${target} PROPERTIES PREFIX "" OUTPUT_NAME ${name} SUFFIX ${VESPERON_PLUGIN_SUFFIX}
+    LIBRARY_OUTPUT_DIRECTORY ${P_OUTPUT_DIRECTORY} CXX_VISIBILITY_PRESET hidden)
+  target_link_libraries(${target} PRIVATE vesperon ${P_LIBRARIES})
+  vesperon_warnings(${target})
+  if(NOT P_OUTPUT_DIRECTORY STREQUAL VESPERON_PLUGIN_OUTPUT_DIR)
+    return()
+  endif()
+  install(TARGETS ${target} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}/${VESPERON_PLUGIN_SUBDIR})
+endfunction()

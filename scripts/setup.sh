@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs every Debian package that Vesperon's build, tests, tools and benchmarks need.
+# This is the one list: add a package here, nowhere else. Quiet and quick when all are present.
+set -euo pipefail
+
+PACKAGES=(
+  # build
+  build-essential cmake ninja-build pkg-config
+  # libraries the code links
+  libglib2.0-dev libcairo2-dev libpango1.0-dev liblcms2-dev
+  libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev
+  nlohmann-json3-dev libfmt-dev
+  # tests and benchmarks
+  googletest libgtest-dev libgmock-dev libbenchmark-dev
+  # peers the tests and benchmarks compare against, and fuzzing
+  libimage-exiftool-perl libexiv2-dev libvips-tools imagemagick libjpeg-turbo-progs
+  clang libclang-rt-14-dev hyperfine time
+)
+
+missing=()
+for p in "${PACKAGES[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'ok installed' || missing+=("$p")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "setup: installing ${missing[*]}"
+SUDO=""
+[ "$(id -u)" -ne 0 ] && SUDO="sudo"
+export DEBIAN_FRONTEND=noninteractive
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

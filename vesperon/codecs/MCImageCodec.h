@@ -1,0 +1,97 @@
+#pragma once
+// The codec plug-in contract.
+//
+// A codec plug-in is a shared module with the suffix ".vcodec" that exports one C entry point,
+// `MCImageCodecPlugInEntry`, answering an MCImageCodecPlugInInfo: the ABI version it was built
+// against and a function that makes its MCImageCodec. MCImageCodecManager loads modules with
+// dlopen, refuses another ABI version, and never unloads a module. Write a plug-in as
+//
+//     class MyCodec : public MCImageCodec { … };
+//     MC_IMAGE_CODEC_PLUGIN(MyCodec)
+//
+// An MCImageCodec opens image sources (readers of one file) and image destinations (writers).
+
+#include <vesperon/codecs/MCImageDestinationOptions.h>
+#include <vesperon/codecs/MCImageSourceOptions.h>
+#include <vesperon/codecs/MCMetadataReadingOptions.h>
+#include <vesperon/codecs/MCThumbnailReadingOptions.h>
+#include <vesperon/core/MCValue.h>
+#include <vesperon/platform/MCRasterImage.h>
+
+#include <atomic>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// One opened file. Operations may return none; the "new" results belong to the caller.
+class MCImageSource {
+ public:
+  virtual ~MCImageSource() = default;
+  /// The decoded image, or none.
+  virtual MCRasterImageRef newImage() = 0;
+  /// A thumbnail as the options ask, or none.
+  virtual MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) = 0;
+  /// The nested image property dictionary, or none.
+  virtual std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) = 0;
+};
+
+/// One file being written. `finalize` writes it; false on failure, with no partial file left.
+class MCImageDestination {
+ public:
+  virtual ~MCImageDestination() = default;
+  /// Adds an image with an optional nested property dictionary; false when it cannot be taken.
+  virtual bool addImage(const MCRasterImageRef& image, const MCDictionary* properties) = 0;
+  virtual bool finalize() = 0;
+};
+
+class MCImageCodec {
+ public:
+  virtual ~MCImageCodec() = default;
+
+  virtual std::shared_ptr<MCImageSource> imageSourceWithURL(const std::filesystem::path& url,
+                                                            const MCImageSourceOptions& options) = 0;
+  virtual std::shared_ptr<MCImageDestination> imageDestinationAtURL(const std::filesystem::path& url,
+                                                                    const MCImageDestinationOptions& options) = 0;
+
+  /// Unique per plug-in, such as "org.vesperon.codec.jpeg".
+  virtual std::string extensionIdentifier() const = 0;
+  virtual std::string extensionDisplayName() const = 0;
+  virtual std::string extensionDescription() const = 0;
+  /// The higher, the earlier tried.
+  virtual double defaultPriority() const = 0;
+  virtual std::vector<std::string> sourceImageTypes() const = 0;
+  virtual std::vector<std::string> sourceVideoTypes() const { return {}; }
+  virtual std::vector<std::string> destinationImageTypes() const { return {}; }
+  virtual std::vector<std::string> destinationVideoTypes() const { return {}; }
+
+  bool isAvailableAsSource() const { return availableAsSource_.load(); }
+  void setIsAvailableAsSource(bool available) { availableAsSource_.store(available); }
+  virtual bool isAlwaysAvailableAsSource() const { return false; }
+
+ private:
+  std::atomic<bool> availableAsSource_{false};
+};
+
+/// Bumped whenever MCImageCodec, MCImageSource, MCImageDestination or the records they take change.
+inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 1;
+
+extern "C" {
+struct MCImageCodecPlugInInfo {
+  uint32_t abiVersion;
+  MCImageCodec* (*createCodec)();
+};
+typedef const MCImageCodecPlugInInfo* (*MCImageCodecPlugInEntryFunction)();
+}
+
+/// The name of the entry point that every plug-in exports.
+inline constexpr const char* MCImageCodecPlugInEntryName = "MCImageCodecPlugInEntry";
+
+#define MC_IMAGE_CODEC_PLUGIN(CodecClass)                                                          \
+  extern "C" __attribute__((visibility("default"))) const MCImageCodecPlugInInfo* MCImageCodecPlugInEntry() { \
+    static const MCImageCodecPlugInInfo info{MC_IMAGE_CODEC_ABI_VERSION,                           \
+                                             []() -> MCImageCodec* { return new CodecClass(); }};  \
+    return &info;                                                                                  \
+  }

@@ -1,0 +1,23 @@
+#pragma once
+// MCThumbnailReadingOptions: what a client asks of a thumbnail read. Every field starts at zero,
+// false or none.
+
+#include <vesperon/codecs/MCMetadataReadingOptions.h>
+
+#include <cstdint>
+#include <optional>
+
+struct MCThumbnailReadingOptions {
+  std::optional<MCMetadataReadingOptions> metadataReadingOptions;
+  /// Make the thumbnail from the full image even if the file holds one.
+  bool createThumbnailFromImageAlways = false;
+  /// Make it from the full image only if the file holds none.
+  bool createThumbnailFromImageIfAbsent = false;
+  /// Apply the orientation to the thumbnail.
+  bool createThumbnailWithTransform = false;
+  uint64_t thumbnailMinPixelSize = 0;  ///< smallest acceptable larger side
+  uint64_t thumbnailMaxPixelSize = 0;  ///< largest wanted side
+  uint64_t orientation = 0;            ///< Exif orientation to apply; 0: the file's own
+
+  friend bool operator==(const MCThumbnailReadingOptions&, const MCThumbnailReadingOptions&) = default;
+};

@@ -1,0 +1,16 @@
+#pragma once
+// MCOperation: an operation that carries an identifier, by which MCOperationQueue finds and
+// cancels it. Subclasses put their work in `main`.
+
+#include <vesperon/core/MCAnyHashable.h>
+#include <vesperon/platform/MCPlatformOperation.h>
+
+class MCOperation : public MCPlatformOperation {
+ public:
+  explicit MCOperation(MCAnyHashable identifier) : identifier_(std::move(identifier)) {}
+
+  const MCAnyHashable& identifier() const { return identifier_; }
+
+ private:
+  const MCAnyHashable identifier_;
+};

@@ -1,0 +1,34 @@
+#include <vesperon/core/MCValue.h>
+
+std::optional<double> MCValue::doubleValue() const {
+  if (auto* b = std::get_if<bool>(&storage_)) return *b ? 1.0 : 0.0;
+  if (auto* i = std::get_if<int64_t>(&storage_)) return static_cast<double>(*i);
+  if (auto* d = std::get_if<double>(&storage_)) return *d;
+  if (auto* r = std::get_if<MCExifRational>(&storage_)) return r->numberValue();
+  return std::nullopt;
+}
+
+std::optional<int64_t> MCValue::integerValue() const {
+  if (auto* b = std::get_if<bool>(&storage_)) return *b ? 1 : 0;
+  if (auto* i = std::get_if<int64_t>(&storage_)) return *i;
+  if (auto* d = std::get_if<double>(&storage_)) return static_cast<int64_t>(*d);
+  return std::nullopt;
+}
+
+bool operator==(const MCValue& a, const MCValue& b) {
+  if (a.isNumber() && b.isNumber() && a.storage_.index() != b.storage_.index()) {
+    if (a.isDouble() || b.isDouble()) return *a.doubleValue() == *b.doubleValue();
+    return *a.integerValue() == *b.integerValue();
+  }
+  return a.storage_ == b.storage_;
+}
+
+const MCValue* MCDictionaryGet(const MCDictionary& dictionary, const std::string& key) {
+  auto it = dictionary.find(key);
+  return it == dictionary.end() ? nullptr : &it->second;
+}
+
+const MCDictionary* MCDictionaryGetDictionary(const MCDictionary& dictionary, const std::string& key) {
+  const MCValue* v = MCDictionaryGet(dictionary, key);
+  return v ? v->dictionary() : nullptr;
+}
