@@ -1,0 +1,29 @@
+#pragma once
+// MCIndexMap: a compact growable table from position to a 64-bit unsigned index, the storage of
+// the layout matrix's index spaces. Not thread-safe.
+
+#include <cstdint>
+#include <vector>
+
+class MCIndexMap {
+ public:
+  MCIndexMap() = default;
+
+  uint64_t count() const { return indexes_.size(); }
+  /// Appends one entry.
+  void addIndex(uint64_t index) { indexes_.push_back(index); }
+  /// Appends `count` entries, all equal to `index` (not index, index + 1, …). A count of 0 adds nothing.
+  void addIndex(uint64_t index, uint64_t count) { indexes_.insert(indexes_.end(), count, index); }
+  /// The value at `position`. Throws std::out_of_range
+  /// ("*** MCIndexMap::indexAtIndex: index %ld is out of range [0..%ld]") at or past `count`.
+  uint64_t indexAtIndex(uint64_t position) const;
+  /// Sets the length to zero.
+  void removeAllIndexes() { indexes_.clear(); }
+  /// Reserves room for `capacity` entries without changing the count.
+  void reserve(uint64_t capacity) { indexes_.reserve(capacity); }
+
+  const uint64_t* data() const { return indexes_.data(); }
+
+ private:
+  std::vector<uint64_t> indexes_;
+};
