@@ -3,9 +3,19 @@
 // platform's CGImage. Width, height, bits per component and per pixel, row bytes, colour space,
 // bitmap info and the pixel bytes, row after row from the top.
 //
-// Bitmap info keeps the platform's values: the alpha info in the low five bits (MCImageAlpha…)
-// and the byte order in bits 12 to 14.
+// Layouts. A pixel holds the colour space's components (1 gray, 3 RGB, 4 CMYK) and, unless the
+// alpha info is MCImageAlphaNone, one more component: alpha, or an unused byte for the "skip"
+// infos. Components are 8 or 16 bits; bits per pixel must be exactly the sum of the components.
+// "Last" and "first" place the extra component after or before the colour. Premultiplied alpha
+// means the colour components are already multiplied by alpha.
+//
+// Byte order (bits 12 to 14 of the bitmap info), as on the platform: with 8-bit components and
+// MCBitmapByteOrder32Little each 4-byte pixel is stored reversed (premultiplied-first little is
+// B, G, R, A in memory). 16-bit components are big-endian unless MCBitmapByteOrder16Little is set.
+//
+// An image without a colour space is read as sRGB (or gray 2.2 for one component).
 
+#include <vesperon/core/MCGeometry.h>
 #include <vesperon/platform/MCColorSpace.h>
 
 #include <cstddef>
@@ -45,6 +55,12 @@ class MCRasterImage {
   static std::shared_ptr<const MCRasterImage> createRGBA8(std::size_t width, std::size_t height,
                                                           std::vector<uint8_t> pixels);
 
+  /// The part of `image` inside `rect`, in the image's pixel coordinates with the origin at the top
+  /// left (CGImageCreateWithImageInRect): the rectangle is made integral and cut to the image's
+  /// bounds. None when the image is absent or nothing is left.
+  static std::shared_ptr<const MCRasterImage> createWithImageInRect(const std::shared_ptr<const MCRasterImage>& image,
+                                                                    const MCRect& rect);
+
   std::size_t width() const { return width_; }
   std::size_t height() const { return height_; }
   std::size_t bitsPerComponent() const { return bitsPerComponent_; }
@@ -53,6 +69,13 @@ class MCRasterImage {
   const std::shared_ptr<const MCColorSpace>& colorSpace() const { return colorSpace_; }
   uint32_t bitmapInfo() const { return bitmapInfo_; }
   MCImageAlphaInfo alphaInfo() const { return MCImageAlphaInfo(bitmapInfo_ & MCBitmapAlphaInfoMask); }
+  /// True for the alpha infos with a real alpha component (1 to 4 and 7).
+  bool hasAlpha() const {
+    const auto info = alphaInfo();
+    return info != MCImageAlphaNone && info != MCImageAlphaNoneSkipLast && info != MCImageAlphaNoneSkipFirst;
+  }
+  /// The model of the colour space; RGB for an image without one and more than two components.
+  MCColorSpace::Model colorModel() const;
   const std::vector<uint8_t>& pixels() const { return pixels_; }
   const uint8_t* row(std::size_t y) const { return pixels_.data() + y * bytesPerRow_; }
 
