@@ -78,7 +78,8 @@ TEST(BitmapCompare, FastDistanceCountsWholeGroupsOnly) {
   EXPECT_TRUE(std::isnan(MCBitmapCompareFast(a.data(), b.data(), 0)));
 
   // Large enough to cross the 2^24-byte blocks of the 32-bit partial sums.
-  std::vector<uint8_t> big(std::size_t(1) << 25, 0), bigFull(std::size_t(1) << 25, 255);
+  const std::size_t bigLength = (std::size_t(1) << 24) + (std::size_t(1) << 17);  // 255 × this passes 2^32
+  std::vector<uint8_t> big(bigLength, 0), bigFull(bigLength, 255);
   EXPECT_EQ(MCBitmapCompareFast(big.data(), bigFull.data(), big.size()), 1.0f);
 }
 
