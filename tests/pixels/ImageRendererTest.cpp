@@ -52,3 +52,36 @@ TEST(ImageRenderer, ScaleAndFailures) {
   auto noSpace = std::make_shared<MCImageRendererFormat>(MCImageAlphaPremultipliedLast, nullptr);
   EXPECT_FALSE(MCImageRenderer::create(MCMakeSize(4, 4), 1, noSpace));
 }
+
+#include <vesperon/pixels/MCCachableImage.h>
+
+TEST(CachableImage, ScalesOncePerSize) {
+  auto image = MCRasterImage::createRGBA8(2, 2, {255, 0, 0, 255, 255, 0, 0, 255, 0, 0, 255, 255, 0, 0, 255, 255});
+  MCCachableImage cachable(image);
+  EXPECT_EQ(cachable.cachedImage(), image);
+  EXPECT_EQ(cachable.cachedSize(), MCMakeSize(2, 2));
+
+  auto context = MCGraphicsContext::create(4, 4, 8, 0, MCColorSpace::sRGB(), MCImageAlphaPremultipliedLast);
+  context->setInterpolationQuality(MCInterpolationQuality::None);
+  cachable.drawInRect(*context, MCMakeRect(0, 0, 2, 2));
+  EXPECT_EQ(cachable.cachedImage(), image) << "same size: no new copy";
+  cachable.drawInRect(*context, MCMakeRect(0, 0, 4, 4));
+  auto copy = cachable.cachedImage();
+  ASSERT_TRUE(copy);
+  EXPECT_NE(copy, image);
+  EXPECT_EQ(copy->width(), 4u);
+  cachable.drawInRect(*context, MCMakeRect(0, 0, 4, 4));
+  EXPECT_EQ(cachable.cachedImage(), copy) << "drawn again at that size: the copy is reused";
+  const uint8_t* data = context->data();
+  EXPECT_EQ(data[0], 255) << "top row red";
+  EXPECT_EQ(data[3 * 16 + 2], 255) << "bottom row blue";
+
+  // A fractional size: the copy has whole pixels, and only the covered part is drawn.
+  auto fresh = MCGraphicsContext::create(4, 4, 8, 0, MCColorSpace::sRGB(), MCImageAlphaPremultipliedLast);
+  cachable.drawInRect(*fresh, MCMakeRect(0, 0, 2.5, 2.5));
+  EXPECT_EQ(cachable.cachedImage()->width(), 3u);
+  const uint8_t* d = fresh->data();
+  EXPECT_EQ(d[3 * 16 + 2], 255) << "bottom left blue";
+  EXPECT_EQ(d[0 * 16 + 3], 0) << "the top row lies outside the 2.5-high rectangle";
+  EXPECT_EQ(d[3 * 16 + 3 * 4 + 3], 0) << "the fourth column too";
+}
