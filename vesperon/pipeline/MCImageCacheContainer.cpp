@@ -1,0 +1,55 @@
+#include <vesperon/pipeline/MCImageCacheContainer.h>
+#include <vesperon/pixels/MCImageFiles.h>
+
+#include <fmt/format.h>
+
+#include <atomic>
+#include <unistd.h>
+
+MCImageCacheContainer::MCImageCacheContainer(std::filesystem::path directoryURL, std::shared_ptr<MCLog> log)
+    : directoryURL_(std::move(directoryURL)),
+      log_(std::move(log)),
+      syncQueue_(std::make_unique<MCDispatchQueue>("com.quillary.image-cache.container",
+                                                   MCDispatchQueue::Kind::Concurrent)) {}
+
+std::filesystem::path MCImageCacheContainer::imageURL(int64_t id) const {
+  const auto hex = [](int64_t value) { return fmt::format("{:02x}", uint64_t(value)); };
+  return directoryURL_ / hex(id >> 16) / hex(id >> 8) / (hex(id) + ".JPG");
+}
+
+bool MCImageCacheContainer::imageExists(const std::filesystem::path& url) const {
+  std::error_code ec;
+  return std::filesystem::exists(url, ec) && !ec;
+}
+
+MCRasterImageRef MCImageCacheContainer::image(const std::filesystem::path& url) const {
+  return MCCreateImageWithURL(url);
+}
+
+void MCImageCacheContainer::saveImage(const MCRasterImageRef& image, const std::filesystem::path& url, int64_t imageId) {
+  static std::atomic<uint64_t> counter{0};
+  const auto temporary =
+      url.parent_path() / fmt::format(".{}.{}.{}.tmp", url.filename().string(), ::getpid(), counter.fetch_add(1));
+  std::error_code ec;
+  bool saved = MCSaveImageToURL(image, temporary);
+  if (saved) {
+    std::filesystem::rename(temporary, url, ec);
+    saved = !ec;
+  }
+  if (!saved) {
+    std::filesystem::remove(temporary, ec);
+    log_->logError(fmt::format("Couldn't cache image with ID: {}", imageId));
+  }
+}
+
+void MCImageCacheContainer::removeImage(const std::filesystem::path& url, int64_t imageId) {
+  std::error_code ec;
+  if (!std::filesystem::remove(url, ec) || ec)
+    log_->logError(fmt::format("Couldn't remove from cache image with ID: {}", imageId));
+}
+
+void MCImageCacheContainer::clean() {
+  std::error_code ec;
+  if (std::filesystem::remove_all(directoryURL_, ec) == 0 || ec)
+    log_->logError(fmt::format("Couldn't clean caches container at: {}", directoryURL_.string()));
+}

@@ -1,0 +1,56 @@
+#pragma once
+// MCImageCacheContainer: one directory of the persistent image cache, holding the JPEG files of
+// one pixel size.
+//
+// The file of image identifier `id` lies at <directory>/<a>/<b>/<c>.JPG with
+//   a = id >> 16, b = id >> 8, c = id   (arithmetic shifts, the whole number, not a byte)
+// each printed as 64-bit two's complement in lower-case hexadecimal of at least two digits:
+//   5 → 00/00/05.JPG, 418 → 00/01/1a2.JPG, 1193046 → 12/1234/123456.JPG.
+// The files are plain JPEGs; there is no index and no record of age or use.
+//
+// The container does no locking of its own: its owner runs imageExists and image as plain items
+// on `syncQueue`, and saveImage, removeImage and clean as barrier items. A save writes a hidden
+// temporary file in the target folder and renames it into place, so neither a crash nor a reader
+// in another process ever sees half a file.
+
+#include <vesperon/core/MCLog.h>
+#include <vesperon/platform/MCDispatchQueue.h>
+#include <vesperon/platform/MCRasterImage.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+
+class MCImageCacheContainer {
+ public:
+  /// The directory need not exist yet.
+  MCImageCacheContainer(std::filesystem::path directoryURL, std::shared_ptr<MCLog> log);
+  MCImageCacheContainer(const MCImageCacheContainer&) = delete;
+  MCImageCacheContainer& operator=(const MCImageCacheContainer&) = delete;
+
+  const std::filesystem::path& directoryURL() const { return directoryURL_; }
+  const std::shared_ptr<MCLog>& log() const { return log_; }
+  /// Concurrent, labelled "com.quillary.image-cache.container"; one per container.
+  MCDispatchQueue& syncQueue() const { return *syncQueue_; }
+
+  /// The file of `id`, without touching the disk.
+  std::filesystem::path imageURL(int64_t id) const;
+  /// Whether a file is there; an error counts as no.
+  bool imageExists(const std::filesystem::path& url) const;
+  /// The decoded file (MCCreateImageWithURL, which reports a broken file), or none.
+  MCRasterImageRef image(const std::filesystem::path& url) const;
+  /// Writes the image as a JPEG, replacing a file that is there and creating the folders. On
+  /// failure logs "Couldn't cache image with ID: <id>" and leaves no file behind.
+  void saveImage(const MCRasterImageRef& image, const std::filesystem::path& url, int64_t imageId);
+  /// Deletes the file; on failure (also when there is none) logs
+  /// "Couldn't remove from cache image with ID: <id>".
+  void removeImage(const std::filesystem::path& url, int64_t imageId);
+  /// Deletes the whole directory; on failure logs "Couldn't clean caches container at: <path>".
+  /// The container stays usable: the next save makes the folders again.
+  void clean();
+
+ private:
+  std::filesystem::path directoryURL_;
+  std::shared_ptr<MCLog> log_;
+  std::unique_ptr<MCDispatchQueue> syncQueue_;
+};
