@@ -1,0 +1,201 @@
+// Bitmap operations against libvips on the same 4000 × 3000 RGBA pixels, and MCBitmapCompareFast
+// against memcpy over 64 MB, in one run; the ratios are printed at the end.
+//
+// Pairs: tent blur (kernel 9, variance 4) ↔ vips_gaussblur (sigma 2); equalisation ↔
+// vips_hist_equal; histograms and the histogram hash ↔ vips_hist_find. libvips runs on one thread
+// (vips_concurrency_set(1)) with its operation cache off, like our single-threaded loops; it is
+// loaded at run time (libvips.so.42, from the libvips-tools package), so the build needs no
+// development files of it. Without it only our side runs.
+
+#include <vesperon/pixels/MCBitmapCompare.h>
+#include <vesperon/pixels/MCBitmapCounting.h>
+#include <vesperon/pixels/MCBitmapFilters.h>
+#include <vesperon/pixels/MCBitmapHistograms.h>
+
+#include <benchmark/benchmark.h>
+#include <dlfcn.h>
+
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr int kWidth = 4000, kHeight = 3000;
+
+struct VipsImage;
+struct Vips {
+  int (*init)(const char*) = nullptr;
+  void (*concurrencySet)(int) = nullptr;
+  void (*cacheSetMax)(int) = nullptr;
+  VipsImage* (*newFromMemory)(const void*, size_t, int, int, int, int) = nullptr;
+  int (*gaussblur)(VipsImage*, VipsImage**, double, ...) = nullptr;
+  int (*histEqual)(VipsImage*, VipsImage**, ...) = nullptr;
+  int (*histFind)(VipsImage*, VipsImage**, ...) = nullptr;
+  void* (*writeToMemory)(VipsImage*, size_t*) = nullptr;
+  void (*unref)(void*) = nullptr;
+  void (*gfree)(void*) = nullptr;
+  bool loaded = false;
+
+  Vips() {
+    void* lib = dlopen("libvips.so.42", RTLD_NOW | RTLD_GLOBAL);
+    if (!lib) return;
+    init = reinterpret_cast<decltype(init)>(dlsym(lib, "vips_init"));
+    concurrencySet = reinterpret_cast<decltype(concurrencySet)>(dlsym(lib, "vips_concurrency_set"));
+    cacheSetMax = reinterpret_cast<decltype(cacheSetMax)>(dlsym(lib, "vips_cache_set_max"));
+    newFromMemory = reinterpret_cast<decltype(newFromMemory)>(dlsym(lib, "vips_image_new_from_memory"));
+    gaussblur = reinterpret_cast<decltype(gaussblur)>(dlsym(lib, "vips_gaussblur"));
+    histEqual = reinterpret_cast<decltype(histEqual)>(dlsym(lib, "vips_hist_equal"));
+    histFind = reinterpret_cast<decltype(histFind)>(dlsym(lib, "vips_hist_find"));
+    writeToMemory = reinterpret_cast<decltype(writeToMemory)>(dlsym(lib, "vips_image_write_to_memory"));
+    unref = reinterpret_cast<decltype(unref)>(dlsym(RTLD_DEFAULT, "g_object_unref"));
+    gfree = reinterpret_cast<decltype(gfree)>(dlsym(RTLD_DEFAULT, "g_free"));
+    loaded = init && concurrencySet && cacheSetMax && newFromMemory && gaussblur && histEqual && histFind &&
+             writeToMemory && unref && gfree && init("bench_pixels") == 0;
+    if (loaded) {
+      concurrencySet(1);
+      cacheSetMax(0);
+    }
+  }
+
+  // Runs one operation on the pixels and makes libvips compute all of its output.
+  template <typename Operation>
+  bool run(const std::vector<uint8_t>& pixels, Operation operation) {
+    VipsImage* in = newFromMemory(pixels.data(), pixels.size(), kWidth, kHeight, 4, 0 /* uchar */);
+    VipsImage* out = nullptr;
+    bool ok = in && operation(in, &out) == 0 && out;
+    if (ok) {
+      size_t size = 0;
+      void* memory = writeToMemory(out, &size);
+      benchmark::DoNotOptimize(memory);
+      ok = memory != nullptr;
+      gfree(memory);
+    }
+    if (out) unref(out);
+    if (in) unref(in);
+    return ok;
+  }
+};
+
+Vips& vips() {
+  static Vips instance;
+  return instance;
+}
+
+// A photograph-like image: smooth gradients with a little noise, opaque.
+const std::vector<uint8_t>& image() {
+  static const std::vector<uint8_t> pixels = [] {
+    std::vector<uint8_t> p(std::size_t(kWidth) * kHeight * 4);
+    std::mt19937 random(7);
+    for (int y = 0; y < kHeight; ++y)
+      for (int x = 0; x < kWidth; ++x) {
+        uint8_t* q = &p[(std::size_t(y) * kWidth + x) * 4];
+        const int noise = int(random() % 9) - 4;
+        q[0] = uint8_t(std::clamp(x * 200 / kWidth + 20 + noise, 0, 255));
+        q[1] = uint8_t(std::clamp(y * 180 / kHeight + 40 + noise, 0, 255));
+        q[2] = uint8_t(std::clamp((x + y) * 120 / (kWidth + kHeight) + 60 + noise, 0, 255));
+        q[3] = 255;
+      }
+    return p;
+  }();
+  return pixels;
+}
+
+const MCSize kSize = MCMakeSize(kWidth, kHeight);
+
+void Ours_TentBlur9(benchmark::State& state) {
+  std::vector<uint8_t> out(image().size());
+  for (auto _ : state) benchmark::DoNotOptimize(MCBitmapBlur_4C_8(image().data(), out.data(), 9, kSize));
+}
+void Vips_GaussBlurSigma2(benchmark::State& state) {
+  if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
+  for (auto _ : state)
+    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().gaussblur(in, out, 2.0, nullptr); }))
+      return state.SkipWithError("vips_gaussblur failed");
+}
+void Ours_Equalize(benchmark::State& state) {
+  std::vector<uint8_t> out(image().size());
+  for (auto _ : state) benchmark::DoNotOptimize(MCBitmapEqualize_4C_8(image().data(), out.data(), kSize));
+}
+void Vips_HistEqual(benchmark::State& state) {
+  if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
+  for (auto _ : state)
+    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().histEqual(in, out, nullptr); }))
+      return state.SkipWithError("vips_hist_equal failed");
+}
+void Ours_Histograms(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(MCBitmapCalculateHistograms_4C_8(image().data(), kSize));
+}
+void Ours_HistogramHash(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(mc_detail::histogramHash(image().data(), 4, 3, 2, kSize));
+}
+void Vips_HistFind(benchmark::State& state) {
+  if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
+  for (auto _ : state)
+    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().histFind(in, out, nullptr); }))
+      return state.SkipWithError("vips_hist_find failed");
+}
+
+constexpr std::size_t kCompareBytes = std::size_t(64) << 20;
+std::vector<uint8_t>& bufferA() { static std::vector<uint8_t> b(kCompareBytes, 1); return b; }
+std::vector<uint8_t>& bufferB() { static std::vector<uint8_t> b(kCompareBytes, 200); return b; }
+
+void Ours_CompareFast64MB(benchmark::State& state) {
+  for (auto _ : state) benchmark::DoNotOptimize(MCBitmapCompareFast(bufferA().data(), bufferB().data(), kCompareBytes));
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(kCompareBytes));
+}
+void Peer_Memcpy64MB(benchmark::State& state) {
+  for (auto _ : state) {
+    std::memcpy(bufferB().data(), bufferA().data(), kCompareBytes);
+    benchmark::ClobberMemory();
+  }
+  state.SetBytesProcessed(int64_t(state.iterations()) * int64_t(kCompareBytes));
+}
+
+BENCHMARK(Ours_TentBlur9)->Unit(benchmark::kMillisecond);
+BENCHMARK(Vips_GaussBlurSigma2)->Unit(benchmark::kMillisecond);
+BENCHMARK(Ours_Equalize)->Unit(benchmark::kMillisecond);
+BENCHMARK(Vips_HistEqual)->Unit(benchmark::kMillisecond);
+BENCHMARK(Ours_Histograms)->Unit(benchmark::kMillisecond);
+BENCHMARK(Ours_HistogramHash)->Unit(benchmark::kMillisecond);
+BENCHMARK(Vips_HistFind)->Unit(benchmark::kMillisecond);
+BENCHMARK(Ours_CompareFast64MB)->Unit(benchmark::kMillisecond);
+BENCHMARK(Peer_Memcpy64MB)->Unit(benchmark::kMillisecond);
+
+// Keeps each benchmark's time per iteration for the ratios.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  std::map<std::string, double> times;
+  void ReportRuns(const std::vector<Run>& runs) override {
+    for (const auto& run : runs)
+      if (!run.error_occurred) times[run.benchmark_name()] = run.GetAdjustedRealTime();
+    ConsoleReporter::ReportRuns(runs);
+  }
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  const auto ratio = [&](const char* label, const char* ours, const char* peer, const char* goal) {
+    auto a = reporter.times.find(ours), b = reporter.times.find(peer);
+    if (a == reporter.times.end() || b == reporter.times.end()) {
+      std::printf("%-44s n/a (a side did not run)\n", label);
+      return;
+    }
+    std::printf("%-44s %.2fx the peer's speed  (%s)\n", label, b->second / a->second, goal);
+  };
+  std::printf("\nRatios (peer time / our time; above 1 means faster than the peer):\n");
+  ratio("tent blur 9 vs vips_gaussblur sigma 2", "Ours_TentBlur9", "Vips_GaussBlurSigma2", "reported");
+  ratio("equalisation vs vips_hist_equal", "Ours_Equalize", "Vips_HistEqual", "goal >= 1");
+  ratio("histograms vs vips_hist_find", "Ours_Histograms", "Vips_HistFind", "goal >= 1");
+  ratio("histogram hash vs vips_hist_find", "Ours_HistogramHash", "Vips_HistFind", "goal >= 1");
+  ratio("MCBitmapCompareFast vs memcpy, 64 MB", "Ours_CompareFast64MB", "Peer_Memcpy64MB", "goal >= 0.5");
+  benchmark::Shutdown();
+  return 0;
+}
