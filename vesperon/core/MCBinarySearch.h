@@ -27,3 +27,20 @@ int64_t MCBinarySearchInsertionIndex(int64_t location, int64_t length, Callback&
     if (!(end > low)) return mid;
   }
 }
+
+/// Searches the elements [first, end) of a random-access container; the callback is given an
+/// element. Answers the index of a hit, or NSNotFound. Which element of a run of equals is hit is
+/// not fixed. Unsigned arithmetic throughout, so that no index can overflow.
+template <typename Container, typename Callback>
+uint64_t MCBinarySearchInArray(const Container& array, uint64_t first, uint64_t end, Callback&& callback) {
+  while (end > first) {
+    uint64_t mid = first + (end - first) / 2;
+    auto result = callback(array[mid]);
+    if (result == 0) return mid;
+    if (result < 0)
+      end = mid;
+    else
+      first = mid + 1;
+  }
+  return NSNotFound;
+}
