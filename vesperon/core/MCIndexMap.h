@@ -14,6 +14,13 @@ class MCIndexMap {
   void addIndex(uint64_t index) { indexes_.push_back(index); }
   /// Appends `count` entries, all equal to `index` (not index, index + 1, …). A count of 0 adds nothing.
   void addIndex(uint64_t index, uint64_t count) { indexes_.insert(indexes_.end(), count, index); }
+  /// Appends `count` entries counting up from `first`: first, first + 1, …
+  void addIndexRun(uint64_t first, uint64_t count) {
+    const std::size_t start = indexes_.size();
+    indexes_.resize(start + count);
+    uint64_t* out = indexes_.data() + start;
+    for (uint64_t i = 0; i < count; ++i) out[i] = first + i;
+  }
   /// The value at `position`. Throws std::out_of_range
   /// ("*** MCIndexMap::indexAtIndex: index %ld is out of range [0..%ld]") at or past `count`.
   uint64_t indexAtIndex(uint64_t position) const;
