@@ -29,7 +29,8 @@ MCData exifWithoutOrientation() {
                  0, 0, 0, 0,
                  'T', 'o', 'o', 'l', ' ', '1', '.', '0', 0};
   MCData segment = {0xFF, 0xE1, 0, 0, 'E', 'x', 'i', 'f', 0, 0};
-  segment.insert(segment.end(), tiff.begin(), tiff.end());
+  segment.reserve(segment.size() + tiff.size());
+  for (uint8_t byte : tiff) segment.push_back(byte);
   const std::size_t length = segment.size() - 2;
   segment[2] = uint8_t(length >> 8);
   segment[3] = uint8_t(length);
@@ -101,4 +102,24 @@ TEST(ImageSourceRotation, AddsAndRewritesTheOrientationKeepingTheRest) {
   EXPECT_EQ(found[1], "3\t-\t-");
   EXPECT_EQ(found[2], "-\tAcme\tTool 1.0");
   EXPECT_EQ(found[3], "8\tAcme\tTool 1.0");
+}
+
+// Corrupted offsets, counts and lengths give none or a file, never a read outside the bytes.
+TEST(ImageSourceRotation, SurvivesCorruptedSegments) {
+  const MCData tagged = skeleton(exifWithoutOrientation());
+  std::size_t answered = 0;
+  for (std::size_t at = 2; at < tagged.size(); ++at)
+    for (uint8_t value : {uint8_t(0x00), uint8_t(0x7F), uint8_t(0xFF)}) {
+      MCData mutated = tagged;
+      mutated[at] = value;
+      if (auto result = MCCopyImageSourceWithRotation(mutated, 5)) {
+        ++answered;
+        EXPECT_GE(result->size(), mutated.size());
+      }
+      for (std::size_t cut : {at, tagged.size() - 1}) {
+        MCData truncated(mutated.begin(), mutated.begin() + std::ptrdiff_t(cut));
+        (void)MCCopyImageSourceWithRotation(truncated, 5);
+      }
+    }
+  EXPECT_GT(answered, 0u) << "changes to tag values leave a usable file";
 }
