@@ -1,3 +1,6 @@
 # ICU: calendars, date formats and time zones of the date texts.
 pkg_check_modules(ICU REQUIRED IMPORTED_TARGET icu-i18n icu-uc)
 target_link_libraries(vesperon PUBLIC PkgConfig::ICU)
+# Exempi: parsing, editing and serialising XMP packets.
+pkg_check_modules(EXEMPI REQUIRED IMPORTED_TARGET exempi-2.0)
+target_link_libraries(vesperon PRIVATE PkgConfig::EXEMPI)

@@ -111,7 +111,15 @@ inline constexpr const char* kCGImagePropertyExifWhiteBalance = "WhiteBalance";
 
 // Exif auxiliary
 inline constexpr const char* kCGImagePropertyExifAuxDictionary = "{ExifAux}";
+inline constexpr const char* kCGImagePropertyExifAuxFirmware = "Firmware";
+inline constexpr const char* kCGImagePropertyExifAuxFlashCompensation = "FlashCompensation";
+inline constexpr const char* kCGImagePropertyExifAuxImageNumber = "ImageNumber";
+inline constexpr const char* kCGImagePropertyExifAuxLensID = "LensID";
+inline constexpr const char* kCGImagePropertyExifAuxLensInfo = "LensInfo";
 inline constexpr const char* kCGImagePropertyExifAuxLensModel = "LensModel";
+inline constexpr const char* kCGImagePropertyExifAuxLensSerialNumber = "LensSerialNumber";
+inline constexpr const char* kCGImagePropertyExifAuxOwnerName = "OwnerName";
+inline constexpr const char* kCGImagePropertyExifAuxSerialNumber = "SerialNumber";
 
 // GPS
 inline constexpr const char* kCGImagePropertyGPSAltitude = "Altitude";
@@ -149,7 +157,13 @@ inline constexpr const char* kCGImagePropertyGPSTrackRef = "TrackRef";
 inline constexpr const char* kCGImagePropertyGPSVersion = "GPSVersion";
 
 // IPTC
+inline constexpr const char* kCGImagePropertyIPTCActionAdvised = "ActionAdvised";
+inline constexpr const char* kCGImagePropertyIPTCByline = "Byline";
+inline constexpr const char* kCGImagePropertyIPTCBylineTitle = "BylineTitle";
 inline constexpr const char* kCGImagePropertyIPTCCaptionAbstract = "Caption/Abstract";
+inline constexpr const char* kCGImagePropertyIPTCCategory = "Category";
+inline constexpr const char* kCGImagePropertyIPTCCity = "City";
+inline constexpr const char* kCGImagePropertyIPTCContact = "Contact";
 inline constexpr const char* kCGImagePropertyIPTCContactInfoAddress = "CiAdrExtadr";
 inline constexpr const char* kCGImagePropertyIPTCContactInfoCity = "CiAdrCity";
 inline constexpr const char* kCGImagePropertyIPTCContactInfoCountry = "CiAdrCtry";
@@ -158,12 +172,50 @@ inline constexpr const char* kCGImagePropertyIPTCContactInfoPhones = "CiTelWork"
 inline constexpr const char* kCGImagePropertyIPTCContactInfoPostalCode = "CiAdrPcode";
 inline constexpr const char* kCGImagePropertyIPTCContactInfoStateProvince = "CiAdrRegion";
 inline constexpr const char* kCGImagePropertyIPTCContactInfoWebURLs = "CiUrlWork";
+inline constexpr const char* kCGImagePropertyIPTCContentLocationCode = "ContentLocationCode";
+inline constexpr const char* kCGImagePropertyIPTCContentLocationName = "ContentLocationName";
+inline constexpr const char* kCGImagePropertyIPTCCopyrightNotice = "CopyrightNotice";
 inline constexpr const char* kCGImagePropertyIPTCCountryPrimaryLocationCode = "Country/PrimaryLocationCode";
 inline constexpr const char* kCGImagePropertyIPTCCountryPrimaryLocationName = "Country/PrimaryLocationName";
+inline constexpr const char* kCGImagePropertyIPTCCreatorContactInfo = "CreatorContactInfo";
+inline constexpr const char* kCGImagePropertyIPTCCredit = "Credit";
+inline constexpr const char* kCGImagePropertyIPTCDateCreated = "DateCreated";
 inline constexpr const char* kCGImagePropertyIPTCDictionary = "{IPTC}";
+inline constexpr const char* kCGImagePropertyIPTCDigitalCreationDate = "DigitalCreationDate";
+inline constexpr const char* kCGImagePropertyIPTCDigitalCreationTime = "DigitalCreationTime";
+inline constexpr const char* kCGImagePropertyIPTCEditorialUpdate = "EditorialUpdate";
+inline constexpr const char* kCGImagePropertyIPTCEditStatus = "EditStatus";
+inline constexpr const char* kCGImagePropertyIPTCExpirationDate = "ExpirationDate";
+inline constexpr const char* kCGImagePropertyIPTCExpirationTime = "ExpirationTime";
+inline constexpr const char* kCGImagePropertyIPTCFixtureIdentifier = "FixtureIdentifier";
+inline constexpr const char* kCGImagePropertyIPTCHeadline = "Headline";
+inline constexpr const char* kCGImagePropertyIPTCImageOrientation = "ImageOrientation";
+inline constexpr const char* kCGImagePropertyIPTCImageType = "ImageType";
 inline constexpr const char* kCGImagePropertyIPTCKeywords = "Keywords";
+inline constexpr const char* kCGImagePropertyIPTCLanguageIdentifier = "LanguageIdentifier";
+inline constexpr const char* kCGImagePropertyIPTCObjectAttributeReference = "ObjectAttributeReference";
+inline constexpr const char* kCGImagePropertyIPTCObjectCycle = "ObjectCycle";
+inline constexpr const char* kCGImagePropertyIPTCObjectName = "ObjectName";
+inline constexpr const char* kCGImagePropertyIPTCObjectTypeReference = "ObjectTypeReference";
+inline constexpr const char* kCGImagePropertyIPTCOriginalTransmissionReference = "OriginalTransmissionReference";
+inline constexpr const char* kCGImagePropertyIPTCOriginatingProgram = "OriginatingProgram";
+inline constexpr const char* kCGImagePropertyIPTCProgramVersion = "ProgramVersion";
 inline constexpr const char* kCGImagePropertyIPTCProvinceState = "Province/State";
+inline constexpr const char* kCGImagePropertyIPTCReferenceDate = "ReferenceDate";
+inline constexpr const char* kCGImagePropertyIPTCReferenceNumber = "ReferenceNumber";
+inline constexpr const char* kCGImagePropertyIPTCReferenceService = "ReferenceService";
+inline constexpr const char* kCGImagePropertyIPTCReleaseDate = "ReleaseDate";
+inline constexpr const char* kCGImagePropertyIPTCReleaseTime = "ReleaseTime";
 inline constexpr const char* kCGImagePropertyIPTCRightsUsageTerms = "UsageTerms";
+inline constexpr const char* kCGImagePropertyIPTCScene = "Scene";
+inline constexpr const char* kCGImagePropertyIPTCSource = "Source";
+inline constexpr const char* kCGImagePropertyIPTCSpecialInstructions = "SpecialInstructions";
+inline constexpr const char* kCGImagePropertyIPTCStarRating = "StarRating";
+inline constexpr const char* kCGImagePropertyIPTCSubjectReference = "SubjectReference";
+inline constexpr const char* kCGImagePropertyIPTCSubLocation = "SubLocation";
+inline constexpr const char* kCGImagePropertyIPTCSupplementalCategory = "SupplementalCategory";
+inline constexpr const char* kCGImagePropertyIPTCTimeCreated = "TimeCreated";
+inline constexpr const char* kCGImagePropertyIPTCUrgency = "Urgency";
 inline constexpr const char* kCGImagePropertyIPTCWriterEditor = "Writer/Editor";
 
 // Image source options

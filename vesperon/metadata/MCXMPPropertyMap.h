@@ -1,0 +1,52 @@
+#pragma once
+// MCXMPPropertyMap: the one table from image property keys (a sub-dictionary name and a key in it)
+// to XMP properties, used both to find a property when reading and to set one when writing.
+//
+// Exif, TIFF and auxiliary keys follow the XMP specification, part 2 (namespaces exif, exifEX, tiff,
+// aux, and the TIFF fields that XMP keeps in dc and xmp). IPTC keys follow the IPTC Photo Metadata
+// Standard's mapping of IIM fields to XMP (dc, photoshop, Iptc4xmpCore, xmpRights, xmp:Rating).
+// Keys without an XMP counterpart (GPS references, which XMP folds into the coordinate text; IIM
+// fields such as EditStatus that the standard does not map) are not in the table.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// The XMP shape a property's value takes.
+enum class MCXMPForm {
+  Text,            ///< a simple value
+  Date,            ///< a simple XMP date text
+  OrderedArray,    ///< rdf:Seq of simple values
+  UnorderedArray,  ///< rdf:Bag of simple values
+  AlternateText,   ///< rdf:Alt of language-tagged texts
+  Structure,       ///< fields in the property's namespace
+  FlashStructure,  ///< exif:Flash, the fields Fired, Return, Mode, Function, RedEyeMode
+  GPSCoordinate,   ///< "DDD,MM.mmk"
+  Version,         ///< four digits, "0231"; arrays of version numbers are written this way
+};
+
+struct MCXMPProperty {
+  const char* dictionaryName;  ///< kCGImageProperty…Dictionary
+  const char* propertyKey;     ///< the key inside it
+  const char* namespaceURI;
+  const char* prefix;          ///< the usual prefix of the namespace
+  const char* name;            ///< the property's local name
+  MCXMPForm form;
+
+  /// "prefix:name", the form CGImageMetadataCopyTagWithPath takes.
+  std::string path() const { return std::string(prefix) + ":" + name; }
+};
+
+class MCXMPPropertyMap {
+ public:
+  /// Every entry, in table order.
+  static const std::vector<MCXMPProperty>& all();
+  /// The entry of a key, or nullptr.
+  static const MCXMPProperty* find(std::string_view dictionaryName, std::string_view propertyKey);
+  /// The first entry whose property has this "prefix:name" path, or nullptr. Several keys may share a
+  /// property (TIFF Artist and IPTC Byline both live in dc:creator); the table order decides.
+  static const MCXMPProperty* findPath(std::string_view path);
+
+  /// The namespaces of the table, as (prefix, URI) pairs.
+  static const std::vector<std::pair<const char*, const char*>>& namespaces();
+};
