@@ -3,7 +3,32 @@
 // the layout matrix's index spaces. Not thread-safe.
 
 #include <cstdint>
+#include <memory>
+#include <utility>
 #include <vector>
+
+namespace mc_detail {
+// Leaves the entries that a resize adds unwritten, so that a table refilled by addIndexRun is
+// written once rather than zeroed first; every growth path of MCIndexMap writes them at once.
+template <typename T>
+struct UninitializedAllocator : std::allocator<T> {
+  template <typename U>
+  struct rebind {
+    using other = UninitializedAllocator<U>;
+  };
+  UninitializedAllocator() = default;
+  template <typename U>
+  UninitializedAllocator(const UninitializedAllocator<U>&) noexcept {}
+  template <typename U>
+  void construct(U* p) noexcept {
+    ::new (static_cast<void*>(p)) U;
+  }
+  template <typename U, typename... Args>
+  void construct(U* p, Args&&... args) {
+    ::new (static_cast<void*>(p)) U(std::forward<Args>(args)...);
+  }
+};
+}  // namespace mc_detail
 
 class MCIndexMap {
  public:
@@ -32,5 +57,5 @@ class MCIndexMap {
   const uint64_t* data() const { return indexes_.data(); }
 
  private:
-  std::vector<uint64_t> indexes_;
+  std::vector<uint64_t, mc_detail::UninitializedAllocator<uint64_t>> indexes_;
 };
