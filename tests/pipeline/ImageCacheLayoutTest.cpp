@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/LogCapture.h"
+
 #include <fstream>
 #include <unistd.h>
 
@@ -57,8 +59,14 @@ TEST(ImageCache, FirstStartAndQueriesOfNewSizes) {
   EXPECT_FALSE(cache.containsImageWithIdentifier(7));
   EXPECT_FALSE(cache.imageWithIdentifier(7, 300));
   EXPECT_FALSE(cache.imageWithIdentifierMinPixelSize(7, 0));
+  LogCapture log;
   cache.removeImageWithIdentifier(7);  // logs, and carries on
   cache.clean();
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't remove from cache image with ID: 7\n"))
+        << log.text();
+    EXPECT_TRUE(log.contains("Couldn't clean caches container at: " + (root / "Thumbnails.300").string() + "\n"));
+  }
   EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{300}));
   std::filesystem::remove_all(root);
 }
@@ -68,7 +76,11 @@ TEST(ImageCache, RootThatCannotBeMadeGivesNoContainers) {
   std::filesystem::create_directories(parent);
   std::ofstream(parent / "file") << "a file where a folder should be";
   MCImageCache cache(parent / "file" / "root");
+  LogCapture log;
   EXPECT_FALSE(cache.containsImageWithIdentifier(1, 128));
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("Couldn't create Caches folder\n")) << log.text();
+  }
   EXPECT_TRUE(cache.pixelSizes().empty());
   cache.addImage(MCRasterImage::createRGBA8(1, 1, {0, 0, 0, 255}), 1, 128);
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
