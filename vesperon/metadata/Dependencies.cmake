@@ -4,3 +4,6 @@ target_link_libraries(vesperon PUBLIC PkgConfig::ICU)
 # Exempi: parsing, editing and serialising XMP packets.
 pkg_check_modules(EXEMPI REQUIRED IMPORTED_TARGET exempi-2.0)
 target_link_libraries(vesperon PRIVATE PkgConfig::EXEMPI)
+# libxml2: XMP sidecar files are read as XML documents first.
+pkg_check_modules(LIBXML2 REQUIRED IMPORTED_TARGET libxml-2.0)
+target_link_libraries(vesperon PRIVATE PkgConfig::LIBXML2)
