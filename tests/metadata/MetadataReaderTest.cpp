@@ -55,10 +55,12 @@ TEST(MetadataReader, SchemeAndEmptyResults) {
   EXPECT_EQ(scheme.at(kCGImagePropertyIPTCDictionary).size(), 51u);
   EXPECT_EQ(scheme.at(kCGImagePropertyTIFFDictionary).size(), 10u);
   EXPECT_EQ(scheme.at(kCGImagePropertyExifAuxDictionary).size(), 8u);
-  EXPECT_EQ(scheme.at(kCGImagePropertyExifDictionary).size(), 59u);
+  EXPECT_EQ(scheme.at(kCGImagePropertyExifDictionary).size(), 62u);
   // FocalLength is read as an integer; the order is the table's.
   for (const auto& rule : Reader::imagePropertyExifKeys()) {
-    if (rule.propertyName() == kCGImagePropertyExifFocalLength) EXPECT_EQ(rule.type(), 2);
+    if (rule.propertyName() == kCGImagePropertyExifFocalLength) {
+      EXPECT_EQ(rule.type(), 2);
+    }
     EXPECT_EQ(rule.dictionaryName(), kCGImagePropertyExifDictionary);
   }
   EXPECT_EQ(Reader::imagePropertyTIFFKeys().back(),

@@ -89,7 +89,8 @@ std::vector<MCCGImageMetadataPropertyReader> MCCGImageMetadataReader::imagePrope
                   kCGImagePropertyExifWhiteBalance, kCGImagePropertyExifFocalLenIn35mmFilm,
                   kCGImagePropertyExifSceneCaptureType, kCGImagePropertyExifGainControl, kCGImagePropertyExifContrast,
                   kCGImagePropertyExifSaturation, kCGImagePropertyExifSharpness,
-                  kCGImagePropertyExifSubjectDistRange}},
+                  kCGImagePropertyExifSubjectDistRange, kCGImagePropertyExifCompositeImage,
+                  kCGImagePropertyExifSourceImageNumberOfCompositeImage}},
                 {kReal,
                  {kCGImagePropertyExifExposureTime, kCGImagePropertyExifFNumber,
                   kCGImagePropertyExifCompressedBitsPerPixel, kCGImagePropertyExifShutterSpeedValue,
@@ -98,7 +99,8 @@ std::vector<MCCGImageMetadataPropertyReader> MCCGImageMetadataReader::imagePrope
                   kCGImagePropertyExifSubjectDistance, kCGImagePropertyExifFlashEnergy,
                   kCGImagePropertyExifFocalPlaneXResolution, kCGImagePropertyExifFocalPlaneYResolution,
                   kCGImagePropertyExifExposureIndex, kCGImagePropertyExifDigitalZoomRatio,
-                  kCGImagePropertyExifLensSpecification, kCGImagePropertyExifGamma}},
+                  kCGImagePropertyExifLensSpecification, kCGImagePropertyExifGamma,
+                  kCGImagePropertyExifSourceExposureTimesOfCompositeImage}},
                 {kDate, {kCGImagePropertyExifDateTimeOriginal, kCGImagePropertyExifDateTimeDigitized}}});
 }
 

@@ -117,6 +117,10 @@ std::vector<MCXMPProperty> makeTable() {
       exifEX(kCGImagePropertyExifISOSpeedLatitudeyyy, "ISOSpeedLatitudeyyy"),
       exifEX(kCGImagePropertyExifISOSpeedLatitudezzz, "ISOSpeedLatitudezzz"),
       exifEX(kCGImagePropertyExifGamma, "Gamma"),
+      exifEX(kCGImagePropertyExifCompositeImage, "CompositeImage"),
+      exifEX(kCGImagePropertyExifSourceImageNumberOfCompositeImage, "SourceImageNumberOfCompositeImage",
+             F::OrderedArray),
+      exifEX(kCGImagePropertyExifSourceExposureTimesOfCompositeImage, "SourceExposureTimesOfCompositeImage"),
 
       // GPS, in the exif namespace; the references of latitude and longitude live in the text.
       gps(kCGImagePropertyGPSVersion, "GPSVersionID"),

@@ -1,0 +1,153 @@
+#include <vesperon/metadata/MCCGImageMetadataReader.h>
+#include <vesperon/metadata/MCCGImageMetadataWriter.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include "MetadataTestSupport.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string text(const MCData& data) { return std::string(data.begin(), data.end()); }
+
+// exiftool's reading of an XMP file, as JSON: {"XMP-dc:Subject": [...], ...}; null if it cannot run.
+nlohmann::json exiftoolRead(const fs::path& file) {
+  const std::string command = "exiftool -j -G1 -n -struct '" + file.string() + "' 2>/dev/null";
+  FILE* pipe = popen(command.c_str(), "r");
+  if (!pipe) return nullptr;
+  std::string out;
+  char buffer[4096];
+  while (std::size_t n = fread(buffer, 1, sizeof buffer, pipe)) out.append(buffer, n);
+  if (pclose(pipe) != 0 || out.empty()) return nullptr;
+  auto json = nlohmann::json::parse(out, nullptr, false);
+  return json.is_array() && !json.empty() ? json[0] : nlohmann::json();
+}
+
+const MCDictionary kIPTC{
+    {kCGImagePropertyIPTCKeywords, MCArray{"sea", "sky"}},
+    {kCGImagePropertyIPTCByline, MCArray{"Ann", "Bo"}},
+    {kCGImagePropertyIPTCCity, "Oslo"},
+    {kCGImagePropertyIPTCObjectName, "Dawn"},
+    {kCGImagePropertyIPTCCaptionAbstract, "Boats at dawn"},
+    {kCGImagePropertyIPTCCopyrightNotice, "(c) Ann"},
+    {kCGImagePropertyIPTCStarRating, 4},
+    {kCGImagePropertyIPTCProvinceState, "Oslo fylke"},
+    {kCGImagePropertyIPTCCountryPrimaryLocationCode, "NOR"},
+    {kCGImagePropertyIPTCDateCreated, "20210601"},
+    {kCGImagePropertyIPTCCreatorContactInfo,
+     MCDictionary{{kCGImagePropertyIPTCContactInfoCity, "Bergen"}, {kCGImagePropertyIPTCContactInfoEmails, "ann@example.org"}}},
+    {kCGImagePropertyIPTCEditStatus, "no XMP property"},
+};
+
+}  // namespace
+
+TEST(MetadataWriter, TagMaps) {
+  MCCGImageMetadataWriter writer;
+  const auto& tiff = writer.cgImagePropertyToExifTIFFTagMap();
+  EXPECT_EQ(tiff.size(), 22u);
+  EXPECT_EQ(tiff.at(kCGImagePropertyTIFFMake), 271);
+  EXPECT_EQ(tiff.at(kCGImagePropertyTIFFCopyright), 33432);
+  EXPECT_EQ(tiff.at(kCGImagePropertyTIFFXPosition), 286);
+  const auto& exif = writer.cgImagePropertyToExifTagMap();
+  EXPECT_EQ(exif.size(), 74u);
+  EXPECT_EQ(exif.at(kCGImagePropertyExifISOSpeedRatings), 34855);
+  EXPECT_EQ(exif.at(kCGImagePropertyExifVersion), 36864);
+  EXPECT_EQ(exif.at(kCGImagePropertyExifFocalLenIn35mmFilm), 41989);
+  EXPECT_EQ(exif.at(kCGImagePropertyExifSourceExposureTimesOfCompositeImage), 42082);
+  EXPECT_EQ(exif.at(kCGImagePropertyExifGamma), 42240);
+  const auto& gps = writer.cgImagePropertyToExifGPSTagMap();
+  ASSERT_EQ(gps.size(), 32u);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSVersion), 0);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSLatitude), 2);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSTimeStamp), 7);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSDateStamp), 29);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSDifferental), 30);
+  EXPECT_EQ(gps.at(kCGImagePropertyGPSHPositioningError), 31);
+  // Built once: the same object each time.
+  EXPECT_EQ(&gps, &MCCGImageMetadataWriter().cgImagePropertyToExifGPSTagMap());
+}
+
+TEST(MetadataWriter, XmpTakesOnlyAuxiliaryAndIPTC) {
+  const MCDictionary properties{
+      {kCGImagePropertyOrientation, 6},
+      {kCGImagePropertyPixelWidth, 4000},
+      {kCGImagePropertyTIFFDictionary, MCDictionary{{kCGImagePropertyTIFFMake, "TiffMake"}}},
+      {kCGImagePropertyExifDictionary, MCDictionary{{kCGImagePropertyExifFNumber, 2.8}}},
+      {kCGImagePropertyGPSDictionary, MCDictionary{{kCGImagePropertyGPSLatitude, 12.5}}},
+      {kCGImagePropertyExifAuxDictionary,
+       MCDictionary{{kCGImagePropertyExifAuxLensModel, "Zoomy 24-70"}, {kCGImagePropertyExifAuxFlashCompensation, -1.5}}},
+      {kCGImagePropertyIPTCDictionary, kIPTC},
+  };
+  auto packet = MCCGImageMetadataWriter().xmpDataFromCGImageProperties(properties);
+  ASSERT_TRUE(packet);
+  const std::string xml = text(*packet);
+  for (const char* absent : {"TiffMake", "FNumber", "GPSLatitude", "Orientation", "4000", "no XMP property"}) {
+    EXPECT_EQ(xml.find(absent), std::string::npos) << absent;
+  }
+
+  // Our own reader gets the values back under the same keys.
+  const MCDictionary read = MCCGImageMetadataReader::extractMetadataFromXMPData(*packet);
+  const MCDictionary& iptc = *MCDictionaryGetDictionary(read, kCGImagePropertyIPTCDictionary);
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCKeywords), MCValue(MCArray{"sea", "sky"}));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCByline), MCValue(MCArray{"Ann", "Bo"}));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCCity), MCValue("Oslo"));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCObjectName), MCValue("Dawn"));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCStarRating), MCValue("4"));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCDateCreated), MCValue("2021-06-01"));
+  EXPECT_EQ(*MCDictionaryGet(iptc, kCGImagePropertyIPTCCreatorContactInfo),
+            MCValue(MCDictionary{{kCGImagePropertyIPTCContactInfoCity, "Bergen"},
+                                 {kCGImagePropertyIPTCContactInfoEmails, "ann@example.org"}}));
+  EXPECT_EQ(MCDictionaryGet(iptc, kCGImagePropertyIPTCEditStatus), nullptr);
+  const MCDictionary& aux = *MCDictionaryGetDictionary(read, kCGImagePropertyExifAuxDictionary);
+  EXPECT_EQ(*MCDictionaryGet(aux, kCGImagePropertyExifAuxLensModel), MCValue("Zoomy 24-70"));
+  EXPECT_EQ(*MCDictionaryGet(aux, kCGImagePropertyExifAuxFlashCompensation), MCValue(-1.5));
+  EXPECT_TRUE(MCDictionaryGetDictionary(read, kCGImagePropertyExifDictionary)->empty());
+  // dc:creator and dc:rights serve TIFF Artist and Copyright too; the TIFF sub-dictionary itself was not written.
+  EXPECT_EQ(*MCDictionaryGetDictionary(read, kCGImagePropertyTIFFDictionary),
+            (MCDictionary{{kCGImagePropertyTIFFArtist, MCArray{"Ann", "Bo"}}, {kCGImagePropertyTIFFCopyright, "(c) Ann"}}));
+
+  // An empty dictionary still makes a packet, with nothing in it.
+  auto empty = MCCGImageMetadataWriter().xmpDataFromCGImageProperties({});
+  ASSERT_TRUE(empty);
+  for (const auto& [key, sub] : MCCGImageMetadataReader::extractMetadataFromXMPData(*empty)) {
+    EXPECT_TRUE(sub.dictionary()->empty()) << key;
+  }
+}
+
+TEST(MetadataWriter, ExiftoolReadsTheSameValues) {
+  const fs::path dir = fs::path(VESPERON_TEST_BINARY_DIR) / "writer";
+  fs::create_directories(dir);
+  const fs::path file = dir / "written.xmp";
+  const MCDictionary properties{
+      {kCGImagePropertyExifAuxDictionary,
+       MCDictionary{{kCGImagePropertyExifAuxLensModel, "Zoomy 24-70"}, {kCGImagePropertyExifAuxSerialNumber, "SN42"}}},
+      {kCGImagePropertyIPTCDictionary, kIPTC}};
+  auto packet = MCCGImageMetadataWriter().xmpDataFromCGImageProperties(properties);
+  ASSERT_TRUE(packet);
+  std::ofstream(file, std::ios::binary) << text(*packet);
+
+  const nlohmann::json tags = exiftoolRead(file);
+  if (tags.is_null()) GTEST_SKIP() << "exiftool is not available";
+  EXPECT_EQ(tags.value("XMP-dc:Subject", nlohmann::json()), nlohmann::json({"sea", "sky"}));
+  EXPECT_EQ(tags.value("XMP-dc:Creator", nlohmann::json()), nlohmann::json({"Ann", "Bo"}));
+  EXPECT_EQ(tags.value("XMP-dc:Title", nlohmann::json()), "Dawn");
+  EXPECT_EQ(tags.value("XMP-dc:Description", nlohmann::json()), "Boats at dawn");
+  EXPECT_EQ(tags.value("XMP-dc:Rights", nlohmann::json()), "(c) Ann");
+  EXPECT_EQ(tags.value("XMP-photoshop:City", nlohmann::json()), "Oslo");
+  EXPECT_EQ(tags.value("XMP-photoshop:State", nlohmann::json()), "Oslo fylke");
+  EXPECT_EQ(tags.value("XMP-photoshop:DateCreated", nlohmann::json()), "2021:06:01");
+  EXPECT_EQ(tags.value("XMP-iptcCore:CountryCode", nlohmann::json()), "NOR");
+  EXPECT_EQ(tags.value("XMP-xmp:Rating", nlohmann::json()), 4);
+  EXPECT_EQ(tags.value("XMP-aux:Lens", nlohmann::json()), "Zoomy 24-70");
+  EXPECT_EQ(tags.value("XMP-aux:SerialNumber", nlohmann::json()), "SN42");
+  const nlohmann::json contact = tags.value("XMP-iptcCore:CreatorContactInfo", nlohmann::json());
+  EXPECT_EQ(contact.value("CiAdrCity", nlohmann::json()), "Bergen") << contact.dump();
+  EXPECT_EQ(contact.value("CiEmailWork", nlohmann::json()), "ann@example.org") << contact.dump();
+}
