@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <cstring>
 #include <stdexcept>
 
 namespace {
@@ -15,6 +17,25 @@ uint64_t sizeFromSigned(int64_t size) { return size < 0 ? 0 : static_cast<uint64
 
 // Adds with a flag instead of wrapping around.
 bool addOverflows(uint64_t a, uint64_t b, uint64_t& sum) { return __builtin_add_overflow(a, b, &sum); }
+
+// a[i] = aFirst + i and b[i] = bFirst + i for i < count, two entries per store: the layout is
+// bound by stores, and the compiler does not vectorise a loop of unknown length at -O2.
+void countUp(uint64_t* a, uint64_t aFirst, uint64_t* b, uint64_t bFirst, uint64_t count) {
+  using Pair = uint64_t __attribute__((vector_size(16)));
+  Pair va = {aFirst, aFirst + 1}, vb = {bFirst, bFirst + 1};
+  const Pair two = {2, 2};
+  uint64_t i = 0;
+  for (; i + 2 <= count; i += 2) {
+    std::memcpy(a + i, &va, sizeof va);
+    std::memcpy(b + i, &vb, sizeof vb);
+    va += two;
+    vb += two;
+  }
+  for (; i < count; ++i) {
+    a[i] = aFirst + i;
+    b[i] = bFirst + i;
+  }
+}
 
 }  // namespace
 
@@ -172,9 +193,12 @@ void MCLayoutMatrix::layoutSection(MCLayoutMatrixSection& section, uint64_t inde
   section.setLinesRange({numberOfLines_, lines});
   section.setCellsRange({numberOfCells_, cells});
   lineToSection_.addIndex(index, lines);
-  itemToCell_.addIndexRun(numberOfCells_, n);
-  cellToItem_.addIndexRun(numberOfItems_, n);
-  cellToItem_.addIndex(NSNotFound, cells - n);
+  // One pass over the items fills both directions; the gap cells follow.
+  uint64_t* cellOfItem = itemToCell_.growBy(n);
+  uint64_t* itemOfCell = cellToItem_.growBy(cells);
+  const uint64_t firstCell = numberOfCells_, firstItem = numberOfItems_;
+  countUp(cellOfItem, firstCell, itemOfCell, firstItem, n);
+  std::fill(itemOfCell + n, itemOfCell + cells, NSNotFound);
   numberOfCells_ += cells;
   numberOfLines_ += lines;
   numberOfItems_ += n;

@@ -41,10 +41,15 @@ class MCIndexMap {
   void addIndex(uint64_t index, uint64_t count) { indexes_.insert(indexes_.end(), count, index); }
   /// Appends `count` entries counting up from `first`: first, first + 1, …
   void addIndexRun(uint64_t first, uint64_t count) {
+    uint64_t* out = growBy(count);
+    for (uint64_t i = 0; i < count; ++i) out[i] = first + i;
+  }
+  /// Appends `count` entries left for the caller to write, every one of them, before the next
+  /// read; answers where they start. For builders that fill several tables in one pass.
+  uint64_t* growBy(uint64_t count) {
     const std::size_t start = indexes_.size();
     indexes_.resize(start + count);
-    uint64_t* out = indexes_.data() + start;
-    for (uint64_t i = 0; i < count; ++i) out[i] = first + i;
+    return indexes_.data() + start;
   }
   /// The value at `position`. Throws std::out_of_range
   /// ("*** MCIndexMap::indexAtIndex: index %ld is out of range [0..%ld]") at or past `count`.
