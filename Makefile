@@ -24,6 +24,9 @@ test: build
 bench: build
 	@bash scripts/run-benchmarks.sh $(BUILD_DIR)
 
+fuzz:
+	@bash scripts/run-fuzzers.sh
+
 install: build
 	@cmake --install $(BUILD_DIR)
 
