@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <vector>
 
 TEST(BitmapHistograms, NormalisedCountsPerChannel) {
@@ -54,6 +55,19 @@ TEST(BitmapHistograms, HashBinsSumRunsOfCounters) {
   ASSERT_TRUE(none);
   EXPECT_TRUE(none->empty());
   EXPECT_FALSE(mc_detail::histogramHash(nullptr, 1, 1, 2, MCMakeSize(16, 16)));
+
+  // The public form carries the same floats as bytes.
+  auto data = MCBitmapCalculateHistogramsHash_1C_8(gray.data(), 2, MCMakeSize(16, 16));
+  ASSERT_TRUE(data);
+  ASSERT_EQ(data->length(), 64u * 4);
+  float first = 0;
+  std::memcpy(&first, data->bytes(), 4);
+  EXPECT_EQ(first, 132.0f / 256.0f);
+  auto empty = MCBitmapCalculateHistogramsHash_RGBA8(gray.data(), 9, MCMakeSize(8, 8));
+  ASSERT_TRUE(empty);
+  EXPECT_EQ(empty->length(), 0u);
+  EXPECT_FALSE(MCBitmapCalculateHistogramsHash_RGBA8(gray.data(), 2, MCMakeSize(0, 8)));
+  EXPECT_EQ(MCBitmapCalculateHistogramsHash_RGBA8(gray.data(), 4, MCMakeSize(8, 8))->length(), 16u * 12);
 
   // RGBA: three channels one after the other, alpha left out.
   const uint8_t rgba[8] = {0, 128, 255, 9, 0, 0, 255, 200};

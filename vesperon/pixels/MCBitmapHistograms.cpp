@@ -51,3 +51,17 @@ std::optional<std::vector<std::vector<float>>> MCBitmapCalculateHistograms_1C_8(
 std::optional<std::vector<std::vector<float>>> MCBitmapCalculateHistograms_4C_8(const uint8_t* bitmap, MCSize size) {
   return histograms<4>(bitmap, size);
 }
+
+namespace {
+std::shared_ptr<MCFastData> hashData(const std::optional<std::vector<float>>& bins) {
+  if (!bins) return nullptr;
+  return std::make_shared<MCFastData>(bins->data(), bins->size() * sizeof(float));
+}
+}  // namespace
+
+std::shared_ptr<MCFastData> MCBitmapCalculateHistogramsHash_1C_8(const uint8_t* bitmap, unsigned shift, MCSize size) {
+  return hashData(mc_detail::histogramHash(bitmap, 1, 1, shift, size));
+}
+std::shared_ptr<MCFastData> MCBitmapCalculateHistogramsHash_RGBA8(const uint8_t* bitmap, unsigned shift, MCSize size) {
+  return hashData(mc_detail::histogramHash(bitmap, 4, 3, shift, size));
+}

@@ -14,9 +14,11 @@
 //
 // The counters live on the stack; only the results are allocated.
 
+#include <vesperon/core/MCFastData.h>
 #include <vesperon/core/MCGeometry.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -24,3 +26,9 @@
 std::optional<std::vector<std::vector<float>>> MCBitmapCalculateHistograms_1C_8(const uint8_t* bitmap, MCSize size);
 /// Four histograms of 256 floats, in channel order; none as above.
 std::optional<std::vector<std::vector<float>>> MCBitmapCalculateHistograms_4C_8(const uint8_t* bitmap, MCSize size);
+
+/// The hash of one channel: 256 >> shift floats. None when the bitmap is absent or a size
+/// truncates to 0 (where the platform's counting fails).
+std::shared_ptr<MCFastData> MCBitmapCalculateHistogramsHash_1C_8(const uint8_t* bitmap, unsigned shift, MCSize size);
+/// The hash of the first three of four channels: 3 × (256 >> shift) floats, channel after channel.
+std::shared_ptr<MCFastData> MCBitmapCalculateHistogramsHash_RGBA8(const uint8_t* bitmap, unsigned shift, MCSize size);
