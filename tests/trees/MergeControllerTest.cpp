@@ -1,0 +1,64 @@
+#include <vesperon/core/MCTypes.h>
+#include <vesperon/trees/MCMergeController.h>
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> mergeCalls(const std::vector<int>& oldList, const std::vector<int>& newList) {
+  std::vector<std::string> calls;
+  MCMergeController<int> merge;
+  merge.setOldBlock([&](const int& o, uint64_t p) { calls.push_back(fmt::format("old {} @{}", o, p)); });
+  merge.setNewBlock([&](const int& n, uint64_t p) { calls.push_back(fmt::format("new {} @{}", n, p)); });
+  merge.setEqualBlock([&](const int& o, const int& n, uint64_t p) {
+    calls.push_back(fmt::format("equal {}={} @{}", o, n, p));
+  });
+  merge.merge(oldList, newList, [](const int& a, const int& b) { return MCCompareValues(a, b); });
+  return calls;
+}
+
+using Calls = std::vector<std::string>;
+
+TEST(MergeController, ReportsEachElementAtItsMergedPosition) {
+  EXPECT_EQ(mergeCalls({1, 3}, {2, 3}), (Calls{"old 1 @0", "new 2 @1", "equal 3=3 @2"}));
+  EXPECT_EQ(mergeCalls({}, {}), Calls{});
+  EXPECT_EQ(mergeCalls({}, {4, 5, 6}), (Calls{"new 4 @0", "new 5 @1", "new 6 @2"}));
+  EXPECT_EQ(mergeCalls({4, 5}, {}), (Calls{"old 4 @0", "old 5 @1"}));
+  // The tails after one list runs out keep counting on from the merged position.
+  EXPECT_EQ(mergeCalls({2, 7, 8}, {1, 2}), (Calls{"new 1 @0", "equal 2=2 @1", "old 7 @2", "old 8 @3"}));
+  EXPECT_EQ(mergeCalls({5}, {1, 5, 9, 10}), (Calls{"new 1 @0", "equal 5=5 @1", "new 9 @2", "new 10 @3"}));
+}
+
+TEST(MergeController, ComparesOldAgainstNewAndCountsAnyPositiveAsLater) {
+  // Old and new elements of different types; a comparator answering a plain difference must not
+  // stall the walk.
+  MCMergeController<int, std::string> merge;
+  std::vector<std::string> calls;
+  merge.setOldBlock([&](const int& o, uint64_t p) { calls.push_back(fmt::format("old {} @{}", o, p)); });
+  merge.setNewBlock([&](const std::string& n, uint64_t p) { calls.push_back(fmt::format("new {} @{}", n, p)); });
+  merge.setEqualBlock([&](const int& o, const std::string& n, uint64_t p) {
+    calls.push_back(fmt::format("equal {}={} @{}", o, n, p));
+  });
+  merge.merge(std::vector<int>{10, 30}, std::vector<std::string>{"5", "30", "40"},
+              [](const int& o, const std::string& n) { return o - std::stoi(n); });
+  EXPECT_EQ(calls, (Calls{"new 5 @0", "old 10 @1", "equal 30=30 @2", "new 40 @3"}));
+}
+
+TEST(MergeController, RefusesToMergeWithoutAllThreeBlocks) {
+  MCMergeController<int> merge;
+  merge.setOldBlock([](const int&, uint64_t) {});
+  merge.setNewBlock([](const int&, uint64_t) {});
+  auto compare = [](const int& a, const int& b) { return MCCompareValues(a, b); };
+  try {
+    merge.merge({1}, {1}, compare);
+    FAIL() << "merged without an equal block";
+  } catch (const std::invalid_argument& e) {
+    EXPECT_STREQ(e.what(), "*** MCMergeController::merge: block must not be nil");
+  }
+}
+
+}  // namespace

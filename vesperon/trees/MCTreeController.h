@@ -1,0 +1,176 @@
+#pragma once
+// MCTreeController<T>: keeps a rule-built tree up to date as items come, go and change, with the
+// smallest set of node and item changes, and tells a delegate of each change so that an outline
+// view can animate them instead of reloading.
+//
+//   auto controller = std::make_shared<MCTreeController<PhotoPtr>>(builder, photos);
+//   controller->setDelegate(outline);          // held weakly
+//   controller->insertItems({newPhoto});       // reports the changes, deepest first
+//   photo->takenAt = later;                    // a sort key changed…
+//   controller->updateItems({photo});          // …so the photo moves to its new groups
+//
+// The tree is the builder's tree of the items (MCTreeBuilder::nodeWithItems) and stays equal to a
+// fresh build of the present items, with one exception: an item keeps its place in every node it
+// stays in, and new items are appended, so the item lists of existing nodes are in the order the
+// items arrived rather than sorted.
+//
+// Items are matched with == and std::hash<T> (for shared pointers: the object's identity). No
+// locks: the controller and its nodes belong to one thread. The delegate must not change the tree
+// from inside a notification.
+
+#include <vesperon/core/MCIndexSet.h>
+#include <vesperon/trees/MCMergeController.h>
+#include <vesperon/trees/MCTreeBuilder.h>
+#include <vesperon/trees/MCTreeControllerDelegate.h>
+#include <vesperon/trees/MCTreeNode.h>
+
+#include <memory>
+#include <span>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+template <typename T>
+class MCTreeController {
+ public:
+  using Node = MCTreeNode<T>;
+  using NodePtr = std::shared_ptr<Node>;
+  using Items = std::vector<T>;
+  using Nodes = std::vector<NodePtr>;
+  using ItemSet = std::unordered_set<T>;
+  using Builder = MCTreeBuilder<T>;
+  using RulePtr = typename Builder::RulePtr;
+  using Delegate = MCTreeControllerDelegate<T>;
+
+  /// `initWithBuilder:items:` — the root becomes the builder's tree of `items`.
+  MCTreeController(std::shared_ptr<Builder> builder, Items items)
+      : builder_(std::move(builder)), root_(builder_->nodeWithItems(std::move(items))) {}
+  MCTreeController(const MCTreeController&) = delete;
+  MCTreeController& operator=(const MCTreeController&) = delete;
+
+  const NodePtr& root() const { return root_; }
+  void setRoot(NodePtr root) { root_ = std::move(root); }
+  const std::shared_ptr<Builder>& builder() const { return builder_; }
+  void setBuilder(std::shared_ptr<Builder> builder) { builder_ = std::move(builder); }
+  std::shared_ptr<Delegate> delegate() const { return delegate_.lock(); }
+  /// Held weakly: a delegate that has gone gets no calls, and updates go on without it.
+  void setDelegate(const std::shared_ptr<Delegate>& delegate) { delegate_ = delegate; }
+
+  /// Adds items, which must not be in the tree yet. Nothing at all happens for none.
+  void insertItems(const Items& items) {
+    if (items.empty()) return;
+    runBatch(ItemSet(), items);
+  }
+
+  /// Takes items out of the tree; items it does not hold are ignored. Nothing happens for none.
+  void removeItems(const Items& items) {
+    if (items.empty()) return;
+    runBatch(ItemSet(items.begin(), items.end()), Items());
+  }
+
+  /// Moves items whose sort keys changed to the groups they now fall in. Nothing happens for none.
+  void updateItems(const Items& items) {
+    if (items.empty()) return;
+    runBatch(ItemSet(items.begin(), items.end()), items);
+  }
+
+  /// `update:removing:inserting:withRules:` — the recursive update of `node`, whose levels below
+  /// are made by `rules`: takes out the items of `removing` that are not in `inserting`, adds the
+  /// items of `inserting` that the node does not hold, and does the same in its children, making
+  /// and dropping child nodes as groups appear and empty. Every change goes to the delegate.
+  void update(const NodePtr& node, const ItemSet& removing, const Items& inserting, std::span<const RulePtr> rules) {
+    // With nothing to take out and nothing to add no node below can change.
+    if (removing.empty() && inserting.empty()) return;
+
+    if (!rules.empty()) updateChildren(node, removing, inserting, rules);
+
+    // One pass over the node's items finds both those of `inserting` it already holds and those
+    // it loses: held in `removing`, not in `inserting`.
+    ItemSet inserted(inserting.begin(), inserting.end());
+    ItemSet held;
+    MCIndexSet lostIndexes;
+    Items lost;
+    const Items& items = node->items();
+    for (uint64_t i = 0; i < items.size(); ++i) {
+      const T& item = items[i];
+      if (inserted.contains(item)) {
+        held.insert(item);
+      } else if (removing.contains(item)) {
+        lostIndexes.addIndex(i);
+        lost.push_back(item);
+      }
+    }
+
+    Items added;
+    for (const T& item : inserting)
+      if (!held.contains(item)) added.push_back(item);
+    if (!added.empty()) {
+      MCIndexSet indexes(MCRange{node->countOfItems(), added.size()});
+      node->insertItems(added, indexes);
+      if (auto delegate = delegate_.lock()) delegate->didInsertItems(*this, added, indexes, node);
+    }
+
+    // Appended items stand after all of the lost ones, so the indexes found above still hold.
+    if (!lost.empty()) {
+      node->removeItemsAtIndexes(lostIndexes);
+      if (auto delegate = delegate_.lock()) delegate->didRemoveItems(*this, lost, lostIndexes, node);
+    }
+  }
+
+ private:
+  void runBatch(const ItemSet& removing, const Items& inserting) {
+    // Hold the delegate for the whole batch only through the weak pointer: one that goes in the
+    // middle stops hearing at once.
+    if (auto delegate = delegate_.lock()) delegate->controllerWillChangeContent(*this);
+    update(root_, removing, inserting, builder_->rules());
+    if (auto delegate = delegate_.lock()) delegate->controllerDidChangeContent(*this);
+  }
+
+  // Merges the node's children with the candidate nodes the first rule makes of `inserting`:
+  // children and candidates that match are updated in place, candidates alone become new
+  // children, and children left without items go.
+  void updateChildren(const NodePtr& node, const ItemSet& removing, const Items& inserting,
+                      std::span<const RulePtr> rules) {
+    const RulePtr& rule = rules.front();
+    Nodes candidates = rule->nodesWithItems(inserting);
+    std::span<const RulePtr> lower = rules.subspan(1);
+
+    Nodes insertedNodes;
+    MCIndexSet insertedIndexes;
+    MCIndexSet removedIndexes;
+
+    MCMergeController<NodePtr> merge;
+    merge.setNewBlock([&](const NodePtr& candidate, uint64_t position) {
+      update(candidate, removing, candidate->items(), lower);
+      insertedNodes.push_back(candidate);
+      insertedIndexes.addIndex(position);
+    });
+    merge.setEqualBlock([&](const NodePtr& child, const NodePtr& candidate, uint64_t position) {
+      update(child, removing, candidate->items(), lower);
+      if (child->countOfItems() == 0) removedIndexes.addIndex(position);
+    });
+    merge.setOldBlock([&](const NodePtr& child, uint64_t position) {
+      update(child, removing, Items(), lower);
+      if (child->countOfItems() == 0) removedIndexes.addIndex(position);
+    });
+    merge.merge(node->nodes(), candidates,
+                [&](const NodePtr& child, const NodePtr& candidate) { return rule->compareNode(child, candidate); });
+
+    // Insertions first: the positions are those of the merged sequence, which is what the
+    // children are once the candidates stand among them.
+    if (!insertedNodes.empty()) {
+      node->insertNodes(insertedNodes, insertedIndexes);
+      if (auto delegate = delegate_.lock()) delegate->didInsertNodes(*this, insertedNodes, insertedIndexes, node);
+    }
+    if (!removedIndexes.empty()) {
+      Nodes removedNodes;
+      for (uint64_t index : removedIndexes) removedNodes.push_back(node->objectInNodesAtIndex(index));
+      node->removeNodesAtIndexes(removedIndexes);
+      if (auto delegate = delegate_.lock()) delegate->didRemoveNodes(*this, removedNodes, removedIndexes, node);
+    }
+  }
+
+  std::shared_ptr<Builder> builder_;
+  NodePtr root_;
+  std::weak_ptr<Delegate> delegate_;
+};
