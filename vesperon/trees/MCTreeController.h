@@ -22,6 +22,7 @@
 #include <vesperon/trees/MCMergeController.h>
 #include <vesperon/trees/MCTreeBuilder.h>
 #include <vesperon/trees/MCTreeControllerDelegate.h>
+#include <vesperon/trees/MCTreeItemSet.h>
 #include <vesperon/trees/MCTreeNode.h>
 
 #include <memory>
@@ -59,19 +60,19 @@ class MCTreeController {
   /// Adds items, which must not be in the tree yet. Nothing at all happens for none.
   void insertItems(const Items& items) {
     if (items.empty()) return;
-    runBatch(ItemSet(), items);
+    runBatch(FastSet(), items);
   }
 
   /// Takes items out of the tree; items it does not hold are ignored. Nothing happens for none.
   void removeItems(const Items& items) {
     if (items.empty()) return;
-    runBatch(ItemSet(items.begin(), items.end()), Items());
+    runBatch(FastSet(items.begin(), items.end()), Items());
   }
 
   /// Moves items whose sort keys changed to the groups they now fall in. Nothing happens for none.
   void updateItems(const Items& items) {
     if (items.empty()) return;
-    runBatch(ItemSet(items.begin(), items.end()), items);
+    runBatch(FastSet(items.begin(), items.end()), items);
   }
 
   /// `update:removing:inserting:withRules:` — the recursive update of `node`, whose levels below
@@ -79,31 +80,59 @@ class MCTreeController {
   /// items of `inserting` that the node does not hold, and does the same in its children, making
   /// and dropping child nodes as groups appear and empty. Every change goes to the delegate.
   void update(const NodePtr& node, const ItemSet& removing, const Items& inserting, std::span<const RulePtr> rules) {
+    updateNode(node, FastSet(removing.begin(), removing.end()), inserting, rules, nullptr);
+  }
+
+ private:
+  using FastSet = mc_detail::MCTreeItemSet<T>;
+
+  void runBatch(const FastSet& removing, const Items& inserting) {
+    if (auto delegate = delegate_.lock()) delegate->controllerWillChangeContent(*this);
+    updateNode(root_, removing, inserting, builder_->rules(), nullptr);
+    if (auto delegate = delegate_.lock()) delegate->controllerDidChangeContent(*this);
+  }
+
+  // A node holds every item its children hold. So the items of `inserting` that a child may
+  // already hold are among those its parent holds (`parentHeld`, null at the top), and the items
+  // of `removing` a child may lose are among those its parent holds: the parent's look at its
+  // own items narrows both before its children are visited, and a child with nothing left to
+  // look for is not scanned at all. The parent's items do not change until its children are done.
+  void updateNode(const NodePtr& node, const FastSet& removing, const Items& inserting, std::span<const RulePtr> rules,
+                  const FastSet* parentHeld) {
     // With nothing to take out and nothing to add no node below can change.
     if (removing.empty() && inserting.empty()) return;
 
-    if (!rules.empty()) updateChildren(node, removing, inserting, rules);
-
-    // One pass over the node's items finds both those of `inserting` it already holds and those
-    // it loses: held in `removing`, not in `inserting`.
-    ItemSet inserted(inserting.begin(), inserting.end());
-    ItemSet held;
+    const bool lookForInserted = !inserting.empty() && (!parentHeld || !parentHeld->empty());
+    FastSet inserted;
+    if (lookForInserted) inserted = FastSet(inserting.begin(), inserting.end());
+    FastSet held;             // items of `inserting` this node holds
+    FastSet removingBelow;    // items of `removing` this node holds
     MCIndexSet lostIndexes;
     Items lost;
-    const Items& items = node->items();
-    for (uint64_t i = 0; i < items.size(); ++i) {
-      const T& item = items[i];
-      if (inserted.contains(item)) {
-        held.insert(item);
-      } else if (removing.contains(item)) {
-        lostIndexes.addIndex(i);
-        lost.push_back(item);
+    if (lookForInserted || !removing.empty()) {
+      const Items& items = node->items();
+      for (uint64_t i = 0; i < items.size(); ++i) {
+        const T& item = items[i];
+        if (lookForInserted && inserted.contains(item)) {
+          held.insert(item);
+          if (removing.contains(item)) removingBelow.insert(item);
+        } else if (removing.contains(item)) {
+          lostIndexes.addIndex(i);
+          lost.push_back(item);
+          removingBelow.insert(item);
+        }
       }
     }
 
+    if (!rules.empty()) updateChildren(node, removingBelow, inserting, rules, held);
+
     Items added;
-    for (const T& item : inserting)
-      if (!held.contains(item)) added.push_back(item);
+    if (held.empty()) {
+      added = inserting;
+    } else {
+      for (const T& item : inserting)
+        if (!held.contains(item)) added.push_back(item);
+    }
     if (!added.empty()) {
       MCIndexSet indexes(MCRange{node->countOfItems(), added.size()});
       node->insertItems(added, indexes);
@@ -117,23 +146,15 @@ class MCTreeController {
     }
   }
 
- private:
-  void runBatch(const ItemSet& removing, const Items& inserting) {
-    // Hold the delegate for the whole batch only through the weak pointer: one that goes in the
-    // middle stops hearing at once.
-    if (auto delegate = delegate_.lock()) delegate->controllerWillChangeContent(*this);
-    update(root_, removing, inserting, builder_->rules());
-    if (auto delegate = delegate_.lock()) delegate->controllerDidChangeContent(*this);
-  }
-
   // Merges the node's children with the candidate nodes the first rule makes of `inserting`:
   // children and candidates that match are updated in place, candidates alone become new
   // children, and children left without items go.
-  void updateChildren(const NodePtr& node, const ItemSet& removing, const Items& inserting,
-                      std::span<const RulePtr> rules) {
+  void updateChildren(const NodePtr& node, const FastSet& removing, const Items& inserting,
+                      std::span<const RulePtr> rules, const FastSet& held) {
     const RulePtr& rule = rules.front();
     Nodes candidates = rule->nodesWithItems(inserting);
     std::span<const RulePtr> lower = rules.subspan(1);
+    static const FastSet none;
 
     Nodes insertedNodes;
     MCIndexSet insertedIndexes;
@@ -141,16 +162,17 @@ class MCTreeController {
 
     MCMergeController<NodePtr> merge;
     merge.setNewBlock([&](const NodePtr& candidate, uint64_t position) {
-      update(candidate, removing, candidate->items(), lower);
+      // A new node holds exactly its items, none of which are to be taken out.
+      updateNode(candidate, none, candidate->items(), lower, nullptr);
       insertedNodes.push_back(candidate);
       insertedIndexes.addIndex(position);
     });
     merge.setEqualBlock([&](const NodePtr& child, const NodePtr& candidate, uint64_t position) {
-      update(child, removing, candidate->items(), lower);
+      updateNode(child, removing, candidate->items(), lower, &held);
       if (child->countOfItems() == 0) removedIndexes.addIndex(position);
     });
     merge.setOldBlock([&](const NodePtr& child, uint64_t position) {
-      update(child, removing, Items(), lower);
+      updateNode(child, removing, Items(), lower, &held);
       if (child->countOfItems() == 0) removedIndexes.addIndex(position);
     });
     merge.merge(node->nodes(), candidates,
