@@ -28,12 +28,12 @@
 #include <vesperon/core/MCSortDescriptor.h>
 #include <vesperon/trees/MCItemPredicate.h>
 #include <vesperon/trees/MCSmartTreeRule.h>
+#include <vesperon/trees/MCTreeItemSet.h>
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
 #include <string>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -177,7 +177,7 @@ class MCSmartTreeNode {
   /// Removes every item equal to one of `items`.
   void minusItems(const Items& items) {
     if (items.empty() || items_.empty()) return;
-    std::unordered_set<T> gone(items.begin(), items.end());
+    mc_detail::MCTreeItemSet<T> gone(items.begin(), items.end());
     std::erase_if(items_, [&](const T& item) { return gone.contains(item); });
   }
   /// Takes each node out of the child of its group; children left without items go.
