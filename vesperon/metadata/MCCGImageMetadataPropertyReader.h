@@ -15,7 +15,8 @@ class MCCGImageMetadataPropertyReader {
  public:
   /// Element types: how a text becomes a value.
   static constexpr int64_t kElementTypeString = 1;   ///< the text as it is
-  static constexpr int64_t kElementTypeInteger = 2;  ///< "%lld"; trailing text ignored, "50/1" is 50
+  /// "%lld", trailing text ignored ("50/1" is 50); XMP's boolean texts "True" and "False" are 1 and 0.
+  static constexpr int64_t kElementTypeInteger = 2;
   static constexpr int64_t kElementTypeReal = 3;     ///< "n/d" as a rational, else "%lf"
   static constexpr int64_t kElementTypeDate = 4;     ///< Exif date text, from Exif or XMP form
 

@@ -6,6 +6,7 @@
 #include <exempi/xmp.h>
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstring>
 #include <mutex>
 #include <string_view>

@@ -4,6 +4,8 @@
 
 #include <unicode/simpletz.h>
 
+#include <cstdio>
+
 struct MCTimeZone::Zone {
   std::unique_ptr<icu::TimeZone> zone;
 };
