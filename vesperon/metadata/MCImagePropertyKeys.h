@@ -5,6 +5,10 @@
 
 // Top-level
 inline constexpr const char* kCGImagePropertyColorModel = "ColorModel";
+inline constexpr const char* kCGImagePropertyColorModelRGB = "RGB";
+inline constexpr const char* kCGImagePropertyColorModelGray = "Gray";
+inline constexpr const char* kCGImagePropertyColorModelCMYK = "CMYK";
+inline constexpr const char* kCGImagePropertyColorModelLab = "Lab";
 inline constexpr const char* kCGImagePropertyDPIHeight = "DPIHeight";
 inline constexpr const char* kCGImagePropertyDPIWidth = "DPIWidth";
 inline constexpr const char* kCGImagePropertyDepth = "Depth";

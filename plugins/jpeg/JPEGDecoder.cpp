@@ -1,0 +1,176 @@
+#include "JPEGDecoder.h"
+
+#include <csetjmp>
+#include <cstring>
+
+#include <jerror.h>
+#include <jpeglib.h>
+
+namespace mc_detail {
+
+namespace {
+
+struct ErrorManager {
+  jpeg_error_mgr base;
+  std::jmp_buf jump;
+  bool truncated = false;
+};
+
+[[noreturn]] void errorExit(j_common_ptr cinfo) {
+  auto* manager = reinterpret_cast<ErrorManager*>(cinfo->err);
+  std::longjmp(manager->jump, 1);
+}
+
+void emitMessage(j_common_ptr cinfo, int level) {
+  auto* manager = reinterpret_cast<ErrorManager*>(cinfo->err);
+  // Warnings only (level -1). Running out of data is the one the caller must know of; the others
+  // (extraneous bytes, a corrupt Huffman code) leave a usable image, as other readers treat them.
+  if (level < 0 && cinfo->err->msg_code == JWRN_JPEG_EOF) manager->truncated = true;
+}
+
+void outputMessage(j_common_ptr) {}  // the library's messages are not ours to print
+
+bool isExifSegment(const jpeg_saved_marker_ptr marker) {
+  return marker->marker == JPEG_APP0 + 1 && marker->data_length >= 6 &&
+         std::memcmp(marker->data, "Exif\0\0", 6) == 0;
+}
+
+}  // namespace
+
+struct JPEGDecoder::State {
+  jpeg_decompress_struct cinfo{};
+  ErrorManager error;
+  FILE* file = nullptr;
+  bool created = false;
+  bool used = false;
+
+  ~State() {
+    if (created) jpeg_destroy_decompress(&cinfo);
+    if (file) std::fclose(file);
+  }
+};
+
+JPEGDecoder::JPEGDecoder(std::unique_ptr<State> state) : state_(std::move(state)) {}
+JPEGDecoder::~JPEGDecoder() = default;
+
+std::unique_ptr<JPEGDecoder> JPEGDecoder::openFile(const std::filesystem::path& path) {
+  auto state = std::make_unique<State>();
+  state->file = std::fopen(path.c_str(), "rb");
+  if (!state->file) return nullptr;
+  std::unique_ptr<JPEGDecoder> decoder(new JPEGDecoder(std::move(state)));
+  if (!decoder->readHeader()) return nullptr;
+  return decoder;
+}
+
+std::unique_ptr<JPEGDecoder> JPEGDecoder::openMemory(const uint8_t* data, std::size_t size) {
+  if (!data || size == 0) return nullptr;
+  std::unique_ptr<JPEGDecoder> decoder(new JPEGDecoder(std::make_unique<State>()));
+  State& s = *decoder->state_;
+  s.cinfo.err = jpeg_std_error(&s.error.base);
+  s.error.base.error_exit = errorExit;
+  s.error.base.emit_message = emitMessage;
+  s.error.base.output_message = outputMessage;
+  if (setjmp(s.error.jump)) return nullptr;
+  jpeg_create_decompress(&s.cinfo);
+  s.created = true;
+  jpeg_mem_src(&s.cinfo, data, static_cast<unsigned long>(size));
+  if (!decoder->readHeader()) return nullptr;
+  return decoder;
+}
+
+bool JPEGDecoder::readHeader() {
+  State& s = *state_;
+  if (!s.created) {
+    s.cinfo.err = jpeg_std_error(&s.error.base);
+    s.error.base.error_exit = errorExit;
+    s.error.base.emit_message = emitMessage;
+    s.error.base.output_message = outputMessage;
+  }
+  // Nothing with a destructor lives between here and a longjmp back.
+  if (setjmp(s.error.jump)) return false;
+  if (!s.created) {
+    jpeg_create_decompress(&s.cinfo);
+    s.created = true;
+    jpeg_stdio_src(&s.cinfo, s.file);
+  }
+  jpeg_save_markers(&s.cinfo, JPEG_APP0 + 1, 0xFFFF);
+  if (jpeg_read_header(&s.cinfo, TRUE) != JPEG_HEADER_OK) return false;
+  if (s.error.truncated) return false;
+  width_ = s.cinfo.image_width;
+  height_ = s.cinfo.image_height;
+  if (width_ == 0 || height_ == 0) return false;
+  switch (s.cinfo.jpeg_color_space) {
+    case JCS_GRAYSCALE: colorModel_ = ColorModel::Gray; break;
+    case JCS_CMYK:
+    case JCS_YCCK: colorModel_ = ColorModel::CMYK; break;
+    case JCS_RGB:
+    case JCS_YCbCr: colorModel_ = ColorModel::RGB; break;
+    default: return false;
+  }
+  for (jpeg_saved_marker_ptr marker = s.cinfo.marker_list; marker; marker = marker->next) {
+    if (isExifSegment(marker)) {
+      exif_.assign(marker->data, marker->data + marker->data_length);
+      break;
+    }
+  }
+  return true;
+}
+
+unsigned JPEGDecoder::scaleNumeratorCovering(std::size_t pixelSize) const {
+  const std::size_t larger = std::max(width_, height_);
+  if (pixelSize == 0 || pixelSize >= larger) return 8;
+  for (unsigned n = 1; n < 8; ++n) {
+    // libjpeg rounds a scaled dimension up.
+    const std::size_t scaled = (larger * n + 7) / 8;
+    if (scaled >= pixelSize) return n;
+  }
+  return 8;
+}
+
+bool JPEGDecoder::decode(unsigned scaleNumerator, RGBAPixels& out) {
+  State& s = *state_;
+  if (s.used) return false;
+  s.used = true;
+  const bool cmyk = colorModel_ == ColorModel::CMYK;
+  // Rows land straight in `out`, whose buffer is sized before any decoding call.
+  if (setjmp(s.error.jump)) return false;
+  s.cinfo.scale_num = scaleNumerator == 0 || scaleNumerator > 8 ? 8 : scaleNumerator;
+  s.cinfo.scale_denom = 8;
+  s.cinfo.out_color_space = cmyk ? JCS_CMYK : JCS_EXT_RGBA;
+  s.cinfo.dct_method = JDCT_ISLOW;
+  jpeg_calc_output_dimensions(&s.cinfo);
+  out.width = s.cinfo.output_width;
+  out.height = s.cinfo.output_height;
+  out.bytes.resize(out.width * out.height * 4);
+  jpeg_start_decompress(&s.cinfo);
+  while (s.cinfo.output_scanline < s.cinfo.output_height) {
+    JSAMPROW row = out.bytes.data() + std::size_t(s.cinfo.output_scanline) * out.width * 4;
+    if (jpeg_read_scanlines(&s.cinfo, &row, 1) != 1) return false;
+    if (s.error.truncated) return false;
+  }
+  if (s.error.truncated) return false;
+  // The rest of the stream (trailing markers) is not needed.
+  jpeg_abort_decompress(&s.cinfo);
+
+  if (cmyk) {
+    // Photoshop writes CMYK inverted (its Adobe segment says so); others store plain ink values.
+    const bool inverted = s.cinfo.saw_Adobe_marker;
+    uint8_t* p = out.bytes.data();
+    for (std::size_t i = 0, n = out.width * out.height; i < n; ++i, p += 4) {
+      unsigned c = p[0], m = p[1], y = p[2], k = p[3];
+      if (!inverted) {
+        c = 255 - c;
+        m = 255 - m;
+        y = 255 - y;
+        k = 255 - k;
+      }
+      p[0] = uint8_t((c * k + 127) / 255);
+      p[1] = uint8_t((m * k + 127) / 255);
+      p[2] = uint8_t((y * k + 127) / 255);
+      p[3] = 255;
+    }
+  }
+  return true;
+}
+
+}  // namespace mc_detail

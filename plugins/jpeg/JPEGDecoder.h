@@ -1,0 +1,54 @@
+#pragma once
+// JPEGDecoder: one JPEG stream (a file or bytes in memory) read with libjpeg-turbo.
+//
+// libjpeg's fatal errors are caught per decoder and turn into a failed call; they never end the
+// process. A stream that ends before its image data does counts as a failure too, so a truncated
+// file gives no image rather than one filled with grey.
+
+#include "PixelResampler.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace mc_detail {
+
+class JPEGDecoder {
+ public:
+  enum class ColorModel { Gray, RGB, CMYK };
+
+  /// Reads the header of the file (and keeps its Exif segment); none when it is not a JPEG.
+  static std::unique_ptr<JPEGDecoder> openFile(const std::filesystem::path& path);
+  /// The same for bytes in memory, which must outlive the decoder.
+  static std::unique_ptr<JPEGDecoder> openMemory(const uint8_t* data, std::size_t size);
+  ~JPEGDecoder();
+  JPEGDecoder(const JPEGDecoder&) = delete;
+  JPEGDecoder& operator=(const JPEGDecoder&) = delete;
+
+  std::size_t width() const { return width_; }
+  std::size_t height() const { return height_; }
+  ColorModel colorModel() const { return colorModel_; }
+  /// The payload of the first APP1 Exif segment, starting with "Exif\0\0"; empty if none.
+  const std::vector<uint8_t>& exifSegment() const { return exif_; }
+
+  /// The smallest scale n/8 (n from 1 to 8) whose output still has a larger side of at least
+  /// `pixelSize`; 8 when `pixelSize` is 0 or beyond the full size.
+  unsigned scaleNumeratorCovering(std::size_t pixelSize) const;
+  /// Decodes the image at scale n/8 into RGBA; false on any error. Call once per decoder.
+  bool decode(unsigned scaleNumerator, RGBAPixels& out);
+
+ private:
+  struct State;
+  explicit JPEGDecoder(std::unique_ptr<State> state);
+  bool readHeader();
+
+  std::unique_ptr<State> state_;
+  std::size_t width_ = 0, height_ = 0;
+  ColorModel colorModel_ = ColorModel::RGB;
+  std::vector<uint8_t> exif_;
+};
+
+}  // namespace mc_detail

@@ -1,0 +1,116 @@
+#include "JPEGImageDestination.h"
+
+#include <csetjmp>
+#include <cstdio>
+#include <algorithm>
+#include <string>
+
+#include <jpeglib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace mc_detail {
+
+namespace {
+
+struct ErrorManager {
+  jpeg_error_mgr base;
+  std::jmp_buf jump;
+};
+
+[[noreturn]] void errorExit(j_common_ptr cinfo) { std::longjmp(reinterpret_cast<ErrorManager*>(cinfo->err)->jump, 1); }
+void outputMessage(j_common_ptr) {}
+
+// The libjpeg input layout of an image, or JCS_UNKNOWN when it cannot be written.
+J_COLOR_SPACE inputLayout(const MCRasterImage& image, int& components) {
+  if (image.bitsPerComponent() != 8) return JCS_UNKNOWN;
+  const auto model = image.colorModel();
+  const auto alpha = image.alphaInfo();
+  const bool little = (image.bitmapInfo() & MCBitmapByteOrderMask) == MCBitmapByteOrder32Little;
+  if (model == MCColorSpace::Model::Gray) {
+    components = 1;
+    return image.bitsPerPixel() == 8 ? JCS_GRAYSCALE : JCS_UNKNOWN;
+  }
+  if (model != MCColorSpace::Model::RGB) return JCS_UNKNOWN;
+  if (image.bitsPerPixel() == 24) {
+    components = 3;
+    return JCS_RGB;
+  }
+  if (image.bitsPerPixel() != 32) return JCS_UNKNOWN;
+  components = 4;
+  const bool last = alpha == MCImageAlphaPremultipliedLast || alpha == MCImageAlphaLast || alpha == MCImageAlphaNoneSkipLast;
+  const bool first = alpha == MCImageAlphaPremultipliedFirst || alpha == MCImageAlphaFirst || alpha == MCImageAlphaNoneSkipFirst;
+  if (last) return little ? JCS_EXT_XBGR : JCS_EXT_RGBX;
+  if (first) return little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
+  return JCS_UNKNOWN;
+}
+
+// Compresses `image` into `file`; false on any libjpeg error.
+bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, int quality, FILE* file) {
+  jpeg_compress_struct cinfo{};
+  ErrorManager error;
+  cinfo.err = jpeg_std_error(&error.base);
+  error.base.error_exit = errorExit;
+  error.base.output_message = outputMessage;
+  if (setjmp(error.jump)) {
+    jpeg_destroy_compress(&cinfo);
+    return false;
+  }
+  jpeg_create_compress(&cinfo);
+  jpeg_stdio_dest(&cinfo, file);
+  cinfo.image_width = JDIMENSION(image.width());
+  cinfo.image_height = JDIMENSION(image.height());
+  cinfo.input_components = components;
+  cinfo.in_color_space = layout;
+  jpeg_set_defaults(&cinfo);
+  jpeg_set_quality(&cinfo, quality, TRUE);
+  jpeg_start_compress(&cinfo, TRUE);
+  while (cinfo.next_scanline < cinfo.image_height) {
+    JSAMPROW row = const_cast<JSAMPROW>(image.row(cinfo.next_scanline));
+    jpeg_write_scanlines(&cinfo, &row, 1);
+  }
+  jpeg_finish_compress(&cinfo);
+  jpeg_destroy_compress(&cinfo);
+  return true;
+}
+
+}  // namespace
+
+bool JPEGImageDestination::addImage(const MCRasterImageRef& image, const MCDictionary*) {
+  int components = 0;
+  if (!image || image_ || inputLayout(*image, components) == JCS_UNKNOWN) return false;
+  image_ = image;
+  return true;
+}
+
+bool JPEGImageDestination::finalize() {
+  if (!image_) return false;
+  int components = 0;
+  const J_COLOR_SPACE layout = inputLayout(*image_, components);
+  const double q = options_.quality > 0 ? std::min(options_.quality, 1.0) : kDefaultQuality;
+  const int quality = std::max(1, int(q * 100 + 0.5));
+
+  std::string temporary = url_.string() + ".XXXXXX";
+  const int fd = mkstemp(temporary.data());
+  if (fd < 0) return false;
+  FILE* file = fdopen(fd, "wb");
+  if (!file) {
+    close(fd);
+    unlink(temporary.c_str());
+    return false;
+  }
+  bool ok = compress(*image_, layout, components, quality, file);
+  ok = std::fflush(file) == 0 && ok;
+  ok = std::fclose(file) == 0 && ok;
+  if (ok) {
+    // mkstemp makes the file private; a written image gets the usual permissions.
+    const mode_t mask = umask(0);
+    umask(mask);
+    chmod(temporary.c_str(), 0666 & ~mask);
+    ok = std::rename(temporary.c_str(), url_.c_str()) == 0;
+  }
+  if (!ok) unlink(temporary.c_str());
+  return ok;
+}
+
+}  // namespace mc_detail

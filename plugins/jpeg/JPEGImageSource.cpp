@@ -1,0 +1,119 @@
+#include "JPEGImageSource.h"
+
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <algorithm>
+
+namespace mc_detail {
+
+namespace {
+
+MCRasterImageRef rasterImage(RGBAPixels pixels) {
+  return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
+}
+
+bool decodeFitting(JPEGDecoder& decoder, std::size_t maxPixelSize, RGBAPixels& out) {
+  RGBAPixels decoded;
+  if (!decoder.decode(decoder.scaleNumeratorCovering(maxPixelSize), decoded)) return false;
+  std::size_t w = 0, h = 0;
+  fitWithin(decoded.width, decoded.height, maxPixelSize, w, h);
+  out = (w == decoded.width && h == decoded.height) ? std::move(decoded) : resampleRGBA(decoded, w, h);
+  return true;
+}
+
+}  // namespace
+
+std::shared_ptr<JPEGImageSource> JPEGImageSource::create(const std::filesystem::path& url,
+                                                         const MCImageSourceOptions& options) {
+  auto header = JPEGDecoder::openFile(url);
+  if (!header) return nullptr;
+  return std::shared_ptr<JPEGImageSource>(new JPEGImageSource(url, options, std::move(header)));
+}
+
+JPEGImageSource::JPEGImageSource(std::filesystem::path url, MCImageSourceOptions options,
+                                 std::unique_ptr<JPEGDecoder> header)
+    : url_(std::move(url)),
+      options_(std::move(options)),
+      width_(header->width()),
+      height_(header->height()),
+      colorModel_(header->colorModel()) {
+  const auto& segment = header->exifSegment();
+  if (!segment.empty()) exif_ = ExifBlock::create(segment.data(), segment.size());
+  header_ = std::move(header);
+}
+
+std::unique_ptr<JPEGDecoder> JPEGImageSource::imageDecoder() {
+  if (header_) return std::move(header_);
+  return JPEGDecoder::openFile(url_);
+}
+
+MCRasterImageRef JPEGImageSource::newImage() {
+  auto decoder = imageDecoder();
+  if (!decoder) return nullptr;
+  unsigned scale = 8;
+  switch (options_.subsampleFactor) {
+    case 2: scale = 4; break;
+    case 4: scale = 2; break;
+    case 8: scale = 1; break;
+    default: break;
+  }
+  RGBAPixels pixels;
+  if (!decoder->decode(scale, pixels)) return nullptr;
+  return rasterImage(std::move(pixels));
+}
+
+bool JPEGImageSource::embeddedThumbnail(std::size_t minPixelSize, std::size_t maxPixelSize, RGBAPixels& out) const {
+  if (!exif_) return false;
+  const std::vector<uint8_t> data = exif_->thumbnailData();
+  auto decoder = JPEGDecoder::openMemory(data.data(), data.size());
+  if (!decoder) return false;
+  // An embedded thumbnail smaller than the least acceptable size counts as absent.
+  if (std::max(decoder->width(), decoder->height()) < minPixelSize) return false;
+  return decodeFitting(*decoder, maxPixelSize, out);
+}
+
+bool JPEGImageSource::imageThumbnail(std::size_t maxPixelSize, RGBAPixels& out) {
+  auto decoder = imageDecoder();
+  return decoder && decodeFitting(*decoder, maxPixelSize, out);
+}
+
+// The platform's rules: with `createThumbnailFromImageAlways` the thumbnail comes from the full
+// image. Otherwise the embedded thumbnail serves when there is one of at least the minimum size;
+// failing that, `createThumbnailFromImageIfAbsent` makes one from the image, and without it there
+// is none. The maximum bounds the larger side; 0 keeps the size of what was read.
+MCRasterImageRef JPEGImageSource::newThumbnailWithOptions(const MCThumbnailReadingOptions& options) {
+  const std::size_t minSize = options.thumbnailMinPixelSize;
+  const std::size_t maxSize = options.thumbnailMaxPixelSize;
+  RGBAPixels pixels;
+  bool made = false;
+  if (!options.createThumbnailFromImageAlways) {
+    made = embeddedThumbnail(minSize, maxSize, pixels);
+    if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
+  }
+  if (!made) made = imageThumbnail(maxSize, pixels);
+  if (!made) return nullptr;
+  if (options.createThumbnailWithTransform) {
+    const unsigned orientation = options.orientation != 0 ? unsigned(options.orientation) : (exif_ ? exif_->orientation() : 0);
+    pixels = applyOrientation(std::move(pixels), orientation);
+  }
+  return rasterImage(std::move(pixels));
+}
+
+std::optional<MCDictionary> JPEGImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
+  MCDictionary properties;
+  properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(width_));
+  properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(height_));
+  properties[kCGImagePropertyDepth] = MCValue(int64_t(8));
+  switch (colorModel_) {
+    case JPEGDecoder::ColorModel::Gray: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelGray; break;
+    case JPEGDecoder::ColorModel::CMYK: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelCMYK; break;
+    case JPEGDecoder::ColorModel::RGB: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelRGB; break;
+  }
+  if (exif_) {
+    if (unsigned orientation = exif_->orientation()) properties[kCGImagePropertyOrientation] = MCValue(int64_t(orientation));
+    exif_->addProperties(properties);
+  }
+  return properties;
+}
+
+}  // namespace mc_detail

@@ -1,0 +1,48 @@
+#pragma once
+// JPEGImageSource: one opened JPEG file.
+//
+//   newImage                 the full image as 8-bit RGBA in sRGB, at 1/subsampleFactor through
+//                            libjpeg-turbo's DCT scaling when the factor is 2, 4 or 8
+//   newThumbnailWithOptions  the embedded Exif (IFD 1) thumbnail or one made from the image, by the
+//                            platform's rules (see the .cpp), oriented on request
+//   metadataWithOptions      pixel size, orientation, depth, colour model and the TIFF, Exif and
+//                            GPS sub-dictionaries
+//
+// Grayscale and CMYK files come out as RGBA like any other. Embedded ICC profiles are not applied:
+// the pixels are taken as sRGB.
+
+#include "ExifBlock.h"
+#include "JPEGDecoder.h"
+
+#include <vesperon/codecs/MCImageCodec.h>
+
+namespace mc_detail {
+
+class JPEGImageSource : public MCImageSource {
+ public:
+  /// None when the file cannot be opened or is not a JPEG.
+  static std::shared_ptr<JPEGImageSource> create(const std::filesystem::path& url, const MCImageSourceOptions& options);
+
+  MCRasterImageRef newImage() override;
+  MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
+  std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) override;
+
+ private:
+  JPEGImageSource(std::filesystem::path url, MCImageSourceOptions options, std::unique_ptr<JPEGDecoder> header);
+  /// The embedded thumbnail if it is there and its larger side reaches `minPixelSize`, at most
+  /// `maxPixelSize` (0: as it is).
+  bool embeddedThumbnail(std::size_t minPixelSize, std::size_t maxPixelSize, RGBAPixels& out) const;
+  /// The full image, decoded at the smallest DCT scale that covers `maxPixelSize` and resampled to it.
+  bool imageThumbnail(std::size_t maxPixelSize, RGBAPixels& out);
+  /// The decoder that read the header, the first time; a fresh one after that.
+  std::unique_ptr<JPEGDecoder> imageDecoder();
+
+  std::filesystem::path url_;
+  MCImageSourceOptions options_;
+  std::size_t width_, height_;
+  JPEGDecoder::ColorModel colorModel_;
+  std::unique_ptr<ExifBlock> exif_;
+  std::unique_ptr<JPEGDecoder> header_;  // reused for the first decode: the header is read once
+};
+
+}  // namespace mc_detail

@@ -1,0 +1,231 @@
+#include "PlugInTestSupport.h"
+
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <fstream>
+#include <unistd.h>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+MCThumbnailReadingOptions thumbnailOptions(bool always, bool ifAbsent, bool transform, uint64_t min, uint64_t max) {
+  MCThumbnailReadingOptions o;
+  o.createThumbnailFromImageAlways = always;
+  o.createThumbnailFromImageIfAbsent = ifAbsent;
+  o.createThumbnailWithTransform = transform;
+  o.thumbnailMinPixelSize = min;
+  o.thumbnailMaxPixelSize = max;
+  return o;
+}
+
+fs::path scratchDirectory(const std::string& name) {
+  fs::path dir = fs::path(VESPERON_TEST_BINARY_DIR) / (name + "-" + std::to_string(getpid()));
+  fs::remove_all(dir);
+  fs::create_directories(dir);
+  return dir;
+}
+
+}  // namespace
+
+TEST(JPEGCodec, RegistersAsSourceAndDestinationOfJPEG) {
+  auto& manager = MCImageCodecManager::sharedInstance();
+  ASSERT_TRUE(manager.sourceExtensionsForUTI("public.jpeg"));
+  ASSERT_TRUE(manager.destinationExtensionsForUTI("public.jpeg"));
+  EXPECT_EQ(manager.sourceExtensionsForUTI("public.jpeg")->front()->extensionIdentifier(), "org.vesperon.codec.jpeg");
+}
+
+TEST(JPEGCodec, DecodesFullImageAndDCTScales) {
+  const std::pair<uint64_t, std::pair<int, int>> cases[] = {
+      {0, {64, 48}}, {1, {64, 48}}, {2, {32, 24}}, {4, {16, 12}}, {8, {8, 6}}, {3, {64, 48}}};
+  for (const auto& [factor, size] : cases) {
+    SCOPED_TRACE(factor);
+    auto source = openSource("public.jpeg", fixture("quadrants.jpg"), factor);
+    ASSERT_TRUE(source);
+    auto image = source->newImage();
+    ASSERT_TRUE(image);
+    EXPECT_EQ(image->width(), std::size_t(size.first));
+    EXPECT_EQ(image->height(), std::size_t(size.second));
+    EXPECT_EQ(image->bitsPerPixel(), 32u);
+    EXPECT_EQ(pixelAt(image, 0, 0)[3], 255);
+    expectQuadrants(image, 24);
+  }
+}
+
+TEST(JPEGCodec, DecodesGrayAndCMYKAsRGBA) {
+  auto gray = openSource("public.jpeg", fixture("gray.jpg"))->newImage();
+  ASSERT_TRUE(gray);
+  EXPECT_TRUE(colourNear(gray, 0.25, 0.5, {60, 60, 60}, 3));
+  EXPECT_TRUE(colourNear(gray, 0.75, 0.5, {200, 200, 200}, 3));
+
+  auto cmykSource = openSource("public.jpeg", fixture("cmyk.jpg"));
+  ASSERT_TRUE(cmykSource);
+  expectQuadrants(cmykSource->newImage(), 30);
+  auto metadata = cmykSource->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(metadata);
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyColorModel), MCValue("CMYK"));
+}
+
+TEST(JPEGCodec, ThumbnailsOfEveryOrientationShowTheSamePicture) {
+  for (int n = 1; n <= 8; ++n) {
+    SCOPED_TRACE(n);
+    auto source = openSource("public.jpeg", fixture(n == 1 ? "quadrants.jpg" : "orient-" + std::to_string(n) + ".jpg"));
+    ASSERT_TRUE(source);
+    auto thumbnail = source->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 0));
+    ASSERT_TRUE(thumbnail);
+    EXPECT_EQ(thumbnail->width(), 64u);
+    EXPECT_EQ(thumbnail->height(), 48u);
+    expectQuadrants(thumbnail);
+
+    // Without the transform the stored pixels come back as they are.
+    auto stored = source->newThumbnailWithOptions(thumbnailOptions(true, false, false, 0, 32));
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->width(), n >= 5 ? 24u : 32u);
+  }
+
+  // An orientation in the options wins over the file's: turned clockwise, blue comes to the top left.
+  auto source = openSource("public.jpeg", fixture("quadrants.jpg"));
+  auto options = thumbnailOptions(true, false, true, 0, 32);
+  options.orientation = 6;
+  auto turned = source->newThumbnailWithOptions(options);
+  ASSERT_TRUE(turned);
+  EXPECT_EQ(turned->width(), 24u);
+  EXPECT_EQ(turned->height(), 32u);
+  EXPECT_TRUE(colourNear(turned, 0.25, 0.25, kBlue));
+  EXPECT_TRUE(colourNear(turned, 0.75, 0.25, kRed));
+  EXPECT_TRUE(colourNear(turned, 0.75, 0.75, kGreen));
+}
+
+TEST(JPEGCodec, EmbeddedThumbnailFollowsThePlatformRules) {
+  // exif-thumb.jpg: a red 320×240 image holding a blue 160×120 thumbnail, orientation 6.
+  auto source = openSource("public.jpeg", fixture("exif-thumb.jpg"));
+  ASSERT_TRUE(source);
+
+  auto embedded = source->newThumbnailWithOptions(thumbnailOptions(false, false, false, 0, 0));
+  ASSERT_TRUE(embedded);
+  EXPECT_EQ(embedded->width(), 160u);
+  EXPECT_EQ(embedded->height(), 120u);
+  EXPECT_TRUE(colourNear(embedded, 0.5, 0.5, kBlue));
+
+  auto turned = source->newThumbnailWithOptions(thumbnailOptions(false, true, true, 100, 0));
+  ASSERT_TRUE(turned);
+  EXPECT_EQ(turned->width(), 120u);
+  EXPECT_EQ(turned->height(), 160u);
+  EXPECT_TRUE(colourNear(turned, 0.5, 0.5, kBlue));
+
+  auto bounded = source->newThumbnailWithOptions(thumbnailOptions(false, false, false, 0, 80));
+  ASSERT_TRUE(bounded);
+  EXPECT_EQ(bounded->width(), 80u);
+  EXPECT_EQ(bounded->height(), 60u);
+
+  // Smaller than the minimum: as if absent.
+  EXPECT_FALSE(source->newThumbnailWithOptions(thumbnailOptions(false, false, false, 200, 0)));
+  auto fromImage = source->newThumbnailWithOptions(thumbnailOptions(false, true, false, 200, 0));
+  ASSERT_TRUE(fromImage);
+  EXPECT_EQ(fromImage->width(), 320u);
+  EXPECT_TRUE(colourNear(fromImage, 0.5, 0.5, kRed));
+
+  auto always = source->newThumbnailWithOptions(thumbnailOptions(true, false, false, 0, 100));
+  ASSERT_TRUE(always);
+  EXPECT_EQ(always->width(), 100u);
+  EXPECT_EQ(always->height(), 75u);
+  EXPECT_TRUE(colourNear(always, 0.5, 0.5, kRed));
+
+  // A file without a thumbnail gives none unless asked to make one.
+  auto plain = openSource("public.jpeg", fixture("quadrants.jpg"));
+  EXPECT_FALSE(plain->newThumbnailWithOptions(thumbnailOptions(false, false, true, 0, 32)));
+  auto made = plain->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 32));
+  ASSERT_TRUE(made);
+  EXPECT_EQ(made->width(), 32u);
+  EXPECT_EQ(made->height(), 24u);
+  expectQuadrants(made);
+}
+
+TEST(JPEGCodec, MetadataHasSizeOrientationAndExifDictionaries) {
+  auto metadata = openSource("public.jpeg", fixture("exif-thumb.jpg"))->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(metadata);
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyPixelWidth), MCValue(320));
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyPixelHeight), MCValue(240));
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyOrientation), MCValue(6));
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyDepth), MCValue(8));
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyColorModel), MCValue("RGB"));
+  const MCDictionary* tiff = MCDictionaryGetDictionary(*metadata, kCGImagePropertyTIFFDictionary);
+  ASSERT_TRUE(tiff);
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFMake), MCValue("Vesperon"));
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFModel), MCValue("Test Camera"));
+  const MCDictionary* exif = MCDictionaryGetDictionary(*metadata, kCGImagePropertyExifDictionary);
+  ASSERT_TRUE(exif);
+  EXPECT_EQ(*MCDictionaryGet(*exif, kCGImagePropertyExifDateTimeOriginal), MCValue("2021:07:14 10:20:30"));
+  const MCDictionary* gps = MCDictionaryGetDictionary(*metadata, kCGImagePropertyGPSDictionary);
+  ASSERT_TRUE(gps);
+  EXPECT_NEAR(*MCDictionaryGet(*gps, kCGImagePropertyGPSLatitude)->doubleValue(), 48.8584, 1e-4);
+  EXPECT_EQ(*MCDictionaryGet(*gps, kCGImagePropertyGPSLatitudeRef), MCValue("N"));
+  EXPECT_NEAR(*MCDictionaryGet(*gps, kCGImagePropertyGPSLongitude)->doubleValue(), 2.2945, 1e-4);
+
+  auto plain = openSource("public.jpeg", fixture("gray.jpg"))->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(plain);
+  EXPECT_EQ(*MCDictionaryGet(*plain, kCGImagePropertyColorModel), MCValue("Gray"));
+  EXPECT_FALSE(MCDictionaryGet(*plain, kCGImagePropertyOrientation));
+  EXPECT_FALSE(MCDictionaryGet(*plain, kCGImagePropertyTIFFDictionary));
+}
+
+TEST(JPEGCodec, BadFilesGiveNothing) {
+  EXPECT_FALSE(openSource("public.jpeg", fixture("empty.jpg")));
+  EXPECT_FALSE(openSource("public.jpeg", fixture("png-named.jpg")));
+  EXPECT_FALSE(openSource("public.jpeg", fixture("no-such-file.jpg")));
+  EXPECT_FALSE(openSource("public.jpeg", fixture(".")));
+
+  // The header survives the cut, the pixels do not.
+  auto truncated = openSource("public.jpeg", fixture("truncated.jpg"));
+  ASSERT_TRUE(truncated);
+  EXPECT_FALSE(truncated->newImage());
+  EXPECT_FALSE(truncated->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 64)));
+
+  // Markers that make no sense after a valid start: libjpeg's fatal error must come back as none.
+  fs::path dir = scratchDirectory("jpeg-bad");
+  const unsigned char garbage[] = {0xFF, 0xD8, 0xFF, 0xC0, 0x00, 0x03, 0x07, 0xFF, 0xDA, 0x00, 0x02, 0x01, 0x02};
+  std::ofstream(dir / "garbage.jpg", std::ios::binary).write(reinterpret_cast<const char*>(garbage), sizeof garbage);
+  auto source = openSource("public.jpeg", dir / "garbage.jpg");
+  if (source) {
+    EXPECT_FALSE(source->newImage());
+  }
+  fs::remove_all(dir);
+}
+
+TEST(JPEGCodec, DestinationWritesAReadableFileAtomically) {
+  fs::path dir = scratchDirectory("jpeg-write");
+  std::vector<uint8_t> pixels(40 * 30 * 4);
+  for (std::size_t y = 0; y < 30; ++y)
+    for (std::size_t x = 0; x < 40; ++x) {
+      uint8_t* p = &pixels[(y * 40 + x) * 4];
+      p[0] = x < 20 ? 250 : 10;
+      p[1] = 40;
+      p[2] = y < 15 ? 30 : 220;
+      p[3] = 255;
+    }
+  auto image = MCRasterImage::createRGBA8(40, 30, std::move(pixels));
+  auto codec = MCImageCodecManager::sharedInstance().destinationExtensionsForUTI("public.jpeg")->front();
+
+  auto destination = codec->imageDestinationAtURL(dir / "out.jpg", MCImageDestinationOptions("public.jpeg"));
+  ASSERT_TRUE(destination);
+  EXPECT_FALSE(destination->finalize());  // nothing added yet
+  ASSERT_TRUE(destination->addImage(image, nullptr));
+  EXPECT_FALSE(destination->addImage(image, nullptr));  // one image per JPEG
+  ASSERT_TRUE(destination->finalize());
+  std::size_t files = 0;
+  for ([[maybe_unused]] const auto& entry : fs::directory_iterator(dir)) ++files;
+  EXPECT_EQ(files, 1u);  // no temporary left behind
+
+  auto back = openSource("public.jpeg", dir / "out.jpg")->newImage();
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->width(), 40u);
+  EXPECT_TRUE(colourNear(back, 0.2, 0.2, {250, 40, 30}, 16));
+  EXPECT_TRUE(colourNear(back, 0.8, 0.8, {10, 40, 220}, 16));
+
+  // A folder that is not there: the write fails and leaves nothing.
+  auto lost = codec->imageDestinationAtURL(dir / "missing" / "out.jpg", MCImageDestinationOptions("public.jpeg"));
+  ASSERT_TRUE(lost->addImage(image, nullptr));
+  EXPECT_FALSE(lost->finalize());
+  EXPECT_FALSE(fs::exists(dir / "missing"));
+  fs::remove_all(dir);
+}
