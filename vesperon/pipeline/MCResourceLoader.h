@@ -8,7 +8,9 @@
 // Requests may be made from any thread. Destroying a loader cancels its operations.
 
 #include <vesperon/core/MCOperationQueue.h>
+#include <vesperon/pipeline/MCImageDescriptor.h>
 #include <vesperon/pipeline/MCResourceLoadOperation.h>
+#include <vesperon/pipeline/MCResourceReceivers.h>
 
 #include <memory>
 #include <vector>
@@ -30,6 +32,18 @@ class MCResourceLoader {
   void cancelRequestWithID(const MCAnyHashable& identifier);
   void cancelRequestsWithIDs(const std::vector<MCAnyHashable>& identifiers);
   void cancelAllRequests();
+
+  // Convenience requests, each with fresh load options and a new random UUID as its identifier.
+  // The receiver or completion is held until the answer is delivered on the main queue.
+
+  /// Loads the full image; the receiver gets the image and metadata, or none of either.
+  std::string requestImage(std::shared_ptr<const MCImageDescriptor> descriptor, std::shared_ptr<MCImageReceiver> receiver);
+  /// Loads a thumbnail of at most `maxPixelSize`; the receiver gets its image, or none.
+  std::string requestThumbnail(std::shared_ptr<const MCImageDescriptor> descriptor, int64_t maxPixelSize,
+                               std::shared_ptr<MCThumbnailReceiver> receiver);
+  /// The same with a completion; it answers no identifier, so it cannot be cancelled alone.
+  void requestThumbnail(std::shared_ptr<const MCImageDescriptor> descriptor, int64_t maxPixelSize,
+                        std::function<void(MCRasterImageRef)> completion);
 
   const std::shared_ptr<MCOperationQueue>& operationQueue() const { return operationQueue_; }
 

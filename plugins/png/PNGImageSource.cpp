@@ -1,0 +1,156 @@
+#include "PNGImageSource.h"
+
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <png.h>
+
+#include <csetjmp>
+#include <cstdio>
+#include <memory>
+
+namespace mc_detail {
+
+namespace {
+
+void errorExit(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+void warning(png_structp, png_const_charp) {}
+
+// A read struct over one open file, destroyed with it.
+struct Reader {
+  FILE* file = nullptr;
+  png_structp png = nullptr;
+  png_infop info = nullptr;
+
+  explicit Reader(const std::filesystem::path& path) {
+    file = std::fopen(path.c_str(), "rb");
+    if (!file) return;
+    unsigned char signature[8];
+    if (std::fread(signature, 1, 8, file) != 8 || png_sig_cmp(signature, 0, 8) != 0) return;
+    png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, errorExit, warning);
+    if (png) info = png_create_info_struct(png);
+  }
+  ~Reader() {
+    if (png) png_destroy_read_struct(&png, info ? &info : nullptr, nullptr);
+    if (file) std::fclose(file);
+  }
+  bool ready() const { return png && info; }
+};
+
+// Reads up to the image data; false when the header is damaged.
+bool readInfo(Reader& reader, PNGImageSource::Header& header) {
+  if (setjmp(png_jmpbuf(reader.png))) return false;
+  png_init_io(reader.png, reader.file);
+  png_set_sig_bytes(reader.png, 8);
+  png_read_info(reader.png, reader.info);
+  png_uint_32 width = 0, height = 0;
+  int bitDepth = 0, colorType = 0;
+  png_get_IHDR(reader.png, reader.info, &width, &height, &bitDepth, &colorType, nullptr, nullptr, nullptr);
+  header.width = width;
+  header.height = height;
+  header.bitDepth = bitDepth;
+  header.colorType = colorType;
+  header.hasTransparency = (colorType & PNG_COLOR_MASK_ALPHA) || png_get_valid(reader.png, reader.info, PNG_INFO_tRNS);
+#ifdef PNG_eXIf_SUPPORTED
+  png_uint_32 exifSize = 0;
+  png_bytep exif = nullptr;
+  if (png_get_eXIf_1(reader.png, reader.info, &exifSize, &exif) && exif && exifSize > 0)
+    header.exif.assign(exif, exif + exifSize);
+#endif
+  return width > 0 && height > 0;
+}
+
+}  // namespace
+
+std::shared_ptr<PNGImageSource> PNGImageSource::create(const std::filesystem::path& url, const MCImageSourceOptions& options) {
+  Reader reader(url);
+  if (!reader.ready()) return nullptr;
+  Header header;
+  if (!readInfo(reader, header)) return nullptr;
+  return std::shared_ptr<PNGImageSource>(new PNGImageSource(url, options, std::move(header)));
+}
+
+PNGImageSource::PNGImageSource(std::filesystem::path url, MCImageSourceOptions options, Header header)
+    : url_(std::move(url)), options_(std::move(options)), header_(std::move(header)) {
+  if (!header_.exif.empty()) exif_ = ExifBlock::create(header_.exif.data(), header_.exif.size());
+}
+
+bool PNGImageSource::decode(RGBAPixels& out) const {
+  Reader reader(url_);
+  if (!reader.ready()) return false;
+  Header header;
+  if (!readInfo(reader, header)) return false;
+  // The buffer is sized before the jump point, so nothing is allocated between it and a longjmp.
+  out.width = header.width;
+  out.height = header.height;
+  out.bytes.assign(out.width * out.height * 4, 0);
+  std::vector<png_bytep> rows(out.height);
+  for (std::size_t y = 0; y < out.height; ++y) rows[y] = out.bytes.data() + y * out.width * 4;
+  if (setjmp(png_jmpbuf(reader.png))) return false;
+  png_set_expand(reader.png);  // palette to RGB, low gray depths to 8 bits, tRNS to alpha
+  png_set_strip_16(reader.png);
+  png_set_gray_to_rgb(reader.png);
+  png_set_add_alpha(reader.png, 0xFF, PNG_FILLER_AFTER);
+  png_set_interlace_handling(reader.png);
+  png_read_update_info(reader.png, reader.info);
+  if (png_get_rowbytes(reader.png, reader.info) != out.width * 4) return false;
+  png_read_image(reader.png, rows.data());
+  png_read_end(reader.png, nullptr);
+
+  // The library's RGBA images are premultiplied.
+  if (header.hasTransparency) {
+    uint8_t* p = out.bytes.data();
+    for (std::size_t i = 0, n = out.width * out.height; i < n; ++i, p += 4) {
+      const unsigned a = p[3];
+      if (a == 255) continue;
+      p[0] = uint8_t((p[0] * a + 127) / 255);
+      p[1] = uint8_t((p[1] * a + 127) / 255);
+      p[2] = uint8_t((p[2] * a + 127) / 255);
+    }
+  }
+  return true;
+}
+
+MCRasterImageRef PNGImageSource::newImage() {
+  RGBAPixels pixels;
+  if (!decode(pixels)) return nullptr;
+  // PNG has no DCT scaling; a subsampled read is a resampled full read.
+  const uint64_t factor = options_.subsampleFactor;
+  if (factor == 2 || factor == 4 || factor == 8) {
+    const std::size_t w = std::max<std::size_t>(1, (pixels.width + factor - 1) / factor);
+    const std::size_t h = std::max<std::size_t>(1, (pixels.height + factor - 1) / factor);
+    pixels = resampleRGBA(pixels, w, h);
+  }
+  return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
+}
+
+MCRasterImageRef PNGImageSource::newThumbnailWithOptions(const MCThumbnailReadingOptions& options) {
+  // No embedded thumbnail: without a flag to make one from the image there is none.
+  if (!options.createThumbnailFromImageAlways && !options.createThumbnailFromImageIfAbsent) return nullptr;
+  RGBAPixels pixels;
+  if (!decode(pixels)) return nullptr;
+  std::size_t w = 0, h = 0;
+  fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
+  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
+  if (options.createThumbnailWithTransform) {
+    const unsigned orientation = options.orientation != 0 ? unsigned(options.orientation) : (exif_ ? exif_->orientation() : 0);
+    pixels = applyOrientation(std::move(pixels), orientation);
+  }
+  return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
+}
+
+std::optional<MCDictionary> PNGImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
+  MCDictionary properties;
+  properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(header_.width));
+  properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(header_.height));
+  properties[kCGImagePropertyDepth] = MCValue(int64_t(header_.bitDepth));
+  properties[kCGImagePropertyHasAlpha] = MCValue(header_.hasTransparency);
+  const bool gray = (header_.colorType & PNG_COLOR_MASK_COLOR) == 0;
+  properties[kCGImagePropertyColorModel] = gray ? kCGImagePropertyColorModelGray : kCGImagePropertyColorModelRGB;
+  if (exif_) {
+    if (unsigned orientation = exif_->orientation()) properties[kCGImagePropertyOrientation] = MCValue(int64_t(orientation));
+    exif_->addProperties(properties);
+  }
+  return properties;
+}
+
+}  // namespace mc_detail

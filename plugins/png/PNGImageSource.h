@@ -1,0 +1,47 @@
+#pragma once
+// PNGImageSource: one opened PNG file, read with libpng.
+//
+//   newImage                 the full image as 8-bit RGBA in sRGB (16-bit samples reduced,
+//                            palettes and gray expanded, transparency kept and premultiplied)
+//   newThumbnailWithOptions  always made from the full image (a PNG holds no thumbnail), unless
+//                            neither creation flag is set; bounded and oriented as asked
+//   metadataWithOptions      pixel size, depth, alpha, colour model, orientation, and the TIFF,
+//                            Exif and GPS sub-dictionaries when the file has an eXIf chunk
+//
+// libpng's errors are caught per call; a damaged file gives none.
+
+#include "ExifBlock.h"
+#include "PixelResampler.h"
+
+#include <vesperon/codecs/MCImageCodec.h>
+
+namespace mc_detail {
+
+class PNGImageSource : public MCImageSource {
+ public:
+  /// None when the file cannot be opened or is not a PNG.
+  static std::shared_ptr<PNGImageSource> create(const std::filesystem::path& url, const MCImageSourceOptions& options);
+
+  MCRasterImageRef newImage() override;
+  MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
+  std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) override;
+
+  struct Header {
+    std::size_t width = 0, height = 0;
+    int bitDepth = 0;
+    int colorType = 0;
+    bool hasTransparency = false;
+    std::vector<uint8_t> exif;
+  };
+
+ private:
+  PNGImageSource(std::filesystem::path url, MCImageSourceOptions options, Header header);
+  bool decode(RGBAPixels& out) const;
+
+  std::filesystem::path url_;
+  MCImageSourceOptions options_;
+  Header header_;
+  std::unique_ptr<ExifBlock> exif_;
+};
+
+}  // namespace mc_detail

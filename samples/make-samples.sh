@@ -1,0 +1,67 @@
+#!/usr/bin/env bash
+# Makes the sample photos of `make run`: small synthetic "photographs" (plasma fractals, seeded so
+# that a rerun gives the same pictures) in varied sizes and orientations, some with an Exif
+# thumbnail, dates and GPS positions, a few PNGs, and one corrupt file. The files are checked in;
+# run this again only to change them. Needs ImageMagick and exiftool.
+set -euo pipefail
+cd "$(dirname "$0")"
+rm -f ./*.jpg ./*.png
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+
+# name  size  seed  orientation  thumbnail(yes/no)  date  latitude  longitude
+while read -r name size seed orientation thumbnail date lat lon; do
+  convert -seed "$seed" -size "$size" plasma:fractal -blur 0x1 -quality 82 -sampling-factor 2x2 -strip "$name.jpg"
+  date=${date/_/ }
+  args=()
+  [ "$orientation" != "-" ] && args+=("-Orientation#=$orientation")
+  [ "$date" != "-" ] && args+=("-DateTimeOriginal=$date" "-CreateDate=$date" -Make=Vesperon -Model=Samples)
+  if [ "$lat" != "-" ]; then
+    args+=("-GPSLatitude=${lat#-}" "-GPSLatitudeRef=$([ "${lat:0:1}" = - ] && echo S || echo N)")
+    args+=("-GPSLongitude=${lon#-}" "-GPSLongitudeRef=$([ "${lon:0:1}" = - ] && echo W || echo E)")
+  fi
+  if [ "$thumbnail" = yes ]; then
+    convert "$name.jpg" -thumbnail 160x160 -quality 75 -strip "$tmp/thumb.jpg"
+    args+=("-ThumbnailImage<=$tmp/thumb.jpg")
+  fi
+  [ ${#args[@]} -gt 0 ] && exiftool -q -overwrite_original "${args[@]}" "$name.jpg"
+done <<'LIST'
+harbour-morning      640x480  11  -  yes  2019:05:02_06:41:10  43.2965   5.3698
+harbour-noon         640x480  12  -  yes  2019:05:02_12:03:55  43.2961   5.3712
+harbour-evening      800x533  13  -  yes  2019:05:02_20:15:31  43.2958   5.3689
+lighthouse           480x640  14  6  yes  2019:05:03_09:12:00  43.2803   5.3512
+market               720x480  15  -  no   2019:05:03_10:30:44  43.2951   5.3745
+alley                480x720  16  8  yes  2019:05:03_11:02:19  -        -
+cathedral            600x800  17  6  no   2019:05:04_16:45:00  43.2991   5.3636
+beach                1024x683 18  -  yes  2020:08:14_15:20:05  -33.8908  151.2743
+dunes                900x600  19  3  no   2020:08:15_07:55:40  -33.8921  151.2801
+cliffs               800x450  20  -  yes  2020:08:16_18:33:12  -33.8567  151.2153
+tide-pools           500x500  21  -  no   2020:08:17_08:01:00  -        -
+sunset-a             960x540  22  -  yes  2021:01:09_17:42:18  64.1466  -21.9426
+sunset-b             960x540  23  -  no   2021:01:09_17:44:02  64.1466  -21.9426
+glacier              1200x800 24  -  yes  2021:01:11_13:10:10  64.0151  -16.9820
+waterfall            540x960  25  6  yes  2021:01:12_11:25:37  63.6156  -19.9886
+black-sand           800x600  26  2  no   2021:01:13_14:05:59  63.4045  -19.0443
+aurora               1024x576 27  -  yes  2021:01:13_23:48:21  63.4186  -19.0060
+forest-path          600x900  28  5  no   2022:10:01_09:15:00  -        -
+mushrooms            400x300  29  -  no   2022:10:01_10:02:44  -        -
+fern                 300x400  30  7  no   2022:10:01_10:30:00  -        -
+lake                 1000x625 31  -  yes  2022:10:02_07:12:38  46.5547   8.5636
+boat                 640x427  32  4  no   2022:10:02_08:40:13  46.5550   8.5661
+ridge                1280x720 33  -  yes  2022:10:03_12:00:00  46.5771   8.4150
+pano-valley          1600x400 34  -  no   2022:10:03_12:30:09  46.5798   8.4102
+portrait-window      480x600  35  -  no   _                   -        -
+still-life           520x390  36  -  no   _                   -        -
+LIST
+
+# A few PNGs: a screenshot-like one, one with transparency, one gray.
+convert -seed 40 -size 320x200 plasma:fractal -blur 0x2 -depth 8 -colors 64 -strip diagram.png
+convert -seed 41 -size 160x160 plasma:fractal \( -size 160x160 radial-gradient:white-black \) -alpha off \
+  -compose CopyOpacity -composite -depth 8 -strip badge.png
+convert -seed 42 -size 200x150 plasma:fractal -colorspace Gray -depth 8 -strip scan.png
+
+# One corrupt file: a photo cut off in the middle of its image data.
+convert -seed 43 -size 800x600 plasma:fractal -quality 82 -strip "$tmp/whole.jpg"
+head -c $(( $(stat -c %s "$tmp/whole.jpg") / 2 )) "$tmp/whole.jpg" > corrupt-half-downloaded.jpg
+
+du -sh . | cut -f1 | xargs echo "samples:"

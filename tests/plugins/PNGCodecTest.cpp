@@ -1,0 +1,84 @@
+#include "PlugInTestSupport.h"
+
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+namespace {
+
+MCThumbnailReadingOptions fromImage(uint64_t max, bool transform) {
+  MCThumbnailReadingOptions o;
+  o.createThumbnailFromImageIfAbsent = true;
+  o.createThumbnailWithTransform = transform;
+  o.thumbnailMaxPixelSize = max;
+  return o;
+}
+
+}  // namespace
+
+TEST(PNGCodec, DecodesEveryColourTypeToPremultipliedRGBA) {
+  auto rgba = openSource("public.png", fixture("quadrants.png"))->newImage();
+  ASSERT_TRUE(rgba);
+  EXPECT_EQ(rgba->width(), 64u);
+  EXPECT_EQ(rgba->height(), 48u);
+  EXPECT_TRUE(colourNear(rgba, 0.25, 0.25, kRed, 0));
+  EXPECT_TRUE(colourNear(rgba, 0.75, 0.25, kGreen, 0));
+  // The bottom right is white at half opacity: premultiplied to about 128.
+  EXPECT_TRUE(colourNear(rgba, 0.75, 0.75, {128, 128, 128}, 1));
+  EXPECT_NEAR(pixelAt(rgba, 48, 36)[3], 128, 1);
+
+  auto gray = openSource("public.png", fixture("gray16.png"))->newImage();
+  ASSERT_TRUE(gray);
+  EXPECT_TRUE(colourNear(gray, 0.25, 0.5, {60, 60, 60}, 1));
+  EXPECT_TRUE(colourNear(gray, 0.75, 0.5, {200, 200, 200}, 1));
+
+  expectQuadrants(openSource("public.png", fixture("palette.png"))->newImage(), 0);
+
+  auto half = openSource("public.png", fixture("palette.png"), 2)->newImage();
+  ASSERT_TRUE(half);
+  EXPECT_EQ(half->width(), 32u);
+  EXPECT_EQ(half->height(), 24u);
+}
+
+TEST(PNGCodec, ThumbnailsComeOnlyFromTheImage) {
+  auto source = openSource("public.png", fixture("exif.png"));
+  ASSERT_TRUE(source);
+  MCThumbnailReadingOptions neither;
+  neither.thumbnailMaxPixelSize = 32;
+  EXPECT_FALSE(source->newThumbnailWithOptions(neither));
+
+  // exif.png holds the quadrants with orientation 6: turned, blue comes to the top left.
+  auto turned = source->newThumbnailWithOptions(fromImage(32, true));
+  ASSERT_TRUE(turned);
+  EXPECT_EQ(turned->width(), 24u);
+  EXPECT_EQ(turned->height(), 32u);
+  EXPECT_TRUE(colourNear(turned, 0.25, 0.25, kBlue));
+  auto plain = source->newThumbnailWithOptions(fromImage(0, false));
+  EXPECT_EQ(plain->width(), 64u);
+}
+
+TEST(PNGCodec, MetadataWithAndWithoutExif) {
+  auto exif = openSource("public.png", fixture("exif.png"))->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(exif);
+  EXPECT_EQ(*MCDictionaryGet(*exif, kCGImagePropertyPixelWidth), MCValue(64));
+  EXPECT_EQ(*MCDictionaryGet(*exif, kCGImagePropertyOrientation), MCValue(6));
+  const MCDictionary* tiff = MCDictionaryGetDictionary(*exif, kCGImagePropertyTIFFDictionary);
+  ASSERT_TRUE(tiff);
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFMake), MCValue("Vesperon"));
+
+  auto gray = openSource("public.png", fixture("gray16.png"))->metadataWithOptions(std::nullopt);
+  EXPECT_EQ(*MCDictionaryGet(*gray, kCGImagePropertyDepth), MCValue(16));
+  EXPECT_EQ(*MCDictionaryGet(*gray, kCGImagePropertyColorModel), MCValue("Gray"));
+  EXPECT_EQ(*MCDictionaryGet(*gray, kCGImagePropertyHasAlpha), MCValue(false));
+  auto rgba = openSource("public.png", fixture("quadrants.png"))->metadataWithOptions(std::nullopt);
+  EXPECT_EQ(*MCDictionaryGet(*rgba, kCGImagePropertyHasAlpha), MCValue(true));
+  EXPECT_FALSE(MCDictionaryGet(*rgba, kCGImagePropertyTIFFDictionary));
+}
+
+TEST(PNGCodec, BadFilesGiveNothing) {
+  EXPECT_FALSE(openSource("public.png", fixture("empty.jpg")));
+  EXPECT_FALSE(openSource("public.png", fixture("quadrants.jpg")));
+  auto truncated = openSource("public.png", fixture("truncated.png"));
+  if (truncated) {
+    EXPECT_FALSE(truncated->newImage());
+    EXPECT_FALSE(truncated->newThumbnailWithOptions(fromImage(16, true)));
+  }
+}

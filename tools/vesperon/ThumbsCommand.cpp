@@ -1,0 +1,236 @@
+// vesperon thumbs: thumbnails of every image under a folder, written as JPEG files.
+//
+// It drives the files through MCThumbnailCache the way a browser would, without a view: every file
+// is an item at an index path, this command is the cache's delegate, and answers arrive on the main
+// queue, which the command runs. It keeps a bounded window of index paths in flight, as a view
+// keeps only what is near the screen, so memory does not grow with the folder.
+
+#include "VesperonCommand.h"
+
+#include <vesperon/codecs/MCImageCodecManager.h>
+#include <vesperon/pipeline/MCThumbnailCache.h>
+#include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCMainQueue.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct Settings {
+  fs::path folder;
+  fs::path output = "thumbnails";
+  int64_t size = 256;
+  int64_t jobs = 0;  // 0: the operation queue's default (one per core)
+};
+
+bool parse(const std::vector<std::string>& arguments, Settings& settings) {
+  bool haveFolder = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& a = arguments[i];
+    auto number = [&](int64_t& out) {
+      if (i + 1 >= arguments.size()) return false;
+      char* end = nullptr;
+      long long v = std::strtoll(arguments[++i].c_str(), &end, 10);
+      if (!end || *end || v <= 0) return false;
+      out = v;
+      return true;
+    };
+    if (a == "--size") {
+      if (!number(settings.size)) return false;
+    } else if (a == "--jobs") {
+      if (!number(settings.jobs)) return false;
+    } else if (a == "--out") {
+      if (i + 1 >= arguments.size()) return false;
+      settings.output = arguments[++i];
+    } else if (!a.empty() && a[0] == '-') {
+      return false;
+    } else if (!haveFolder) {
+      settings.folder = a;
+      haveFolder = true;
+    } else {
+      return false;
+    }
+  }
+  return haveFolder;
+}
+
+// Every file under `folder` whose type some source extension reads, in name order. A folder that
+// cannot be read, or vanishes while it is walked, just ends its part of the walk.
+std::vector<fs::path> findImages(const fs::path& folder) {
+  const auto types = MCImageTypes();
+  std::vector<fs::path> files;
+  std::error_code ec;
+  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
+  for (; !ec && it != end; it.increment(ec)) {
+    std::error_code typeError;
+    if (!it->is_regular_file(typeError)) continue;
+    if (it->path().filename().string().front() == '.') continue;
+    std::string ext = it->path().extension().string();
+    if (ext.size() < 2) continue;
+    auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(ext.substr(1));
+    if (type && types.count(*type)) files.push_back(it->path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+class Item : public MCThumbnailDescriptorProvider {
+ public:
+  Item(fs::path file, uint64_t size) : descriptor_(std::make_shared<MCImageDescriptor>(std::move(file))) {
+    // A folder scan knows no image sizes. Saying the image is at least the requested size makes
+    // the reader take an embedded thumbnail only when it is that large, and decode otherwise.
+    descriptor_->estimatedPixelSize = size;
+  }
+  MCAnyHashable resourceID() const override { return descriptor_->fileURL.string(); }
+  std::shared_ptr<const MCImageDescriptor> resourceDescriptor() const override { return descriptor_; }
+
+ private:
+  std::shared_ptr<MCImageDescriptor> descriptor_;
+};
+
+class Run : public MCThumbnailCacheDelegate {
+ public:
+  Run(const Settings& settings, std::vector<fs::path> files)
+      : settings_(settings), files_(std::move(files)), tty_(isatty(STDERR_FILENO)) {
+    for (const auto& file : files_) items_.push_back(std::make_shared<Item>(file, uint64_t(settings.size)));
+    auto destinations = MCImageCodecManager::sharedInstance().destinationExtensionsForUTI("public.jpeg");
+    if (destinations && !destinations->empty()) writer_ = destinations->front();
+  }
+
+  bool canWrite() const { return writer_ != nullptr; }
+
+  std::shared_ptr<MCThumbnailDescriptorProvider> descriptorProviderAtIndexPath(MCThumbnailCache&,
+                                                                               const MCIndexPath& indexPath) override {
+    return indexPath.item < items_.size() ? items_[indexPath.item] : nullptr;
+  }
+
+  void didFetchThumbnail(MCThumbnailCache&, const std::shared_ptr<const MCThumbnail>& thumbnail,
+                         const MCIndexPath& indexPath) override {
+    const fs::path& file = files_[indexPath.item];
+    if (!thumbnail || !thumbnail->image() || !write(thumbnail->image(), outputPath(file))) failures_.push_back(file);
+    ++done_;
+    --inFlight_;
+    progress();
+  }
+
+  void start(const std::shared_ptr<MCThumbnailCache>& cache) {
+    cache_ = cache;
+    window_ = std::size_t(std::max<int64_t>(4, (settings_.jobs ? settings_.jobs : int64_t(std::thread::hardware_concurrency())) * 4));
+    refill();
+  }
+
+  // Keeps the window full; a fetch answered from memory calls back before it returns, so the loop
+  // re-reads the counters each time.
+  void refill() {
+    while (next_ < files_.size() && inFlight_ < window_) {
+      ++inFlight_;
+      cache_->fetchThumbnailsAtIndexPaths({MCIndexPath::indexPathForItem(next_++, 0)});
+    }
+  }
+
+  bool finished() const { return done_ == files_.size(); }
+  std::size_t done() const { return done_; }
+  const std::vector<fs::path>& failures() const { return failures_; }
+  const std::vector<fs::path>& files() const { return files_; }
+  void endProgress() const {
+    if (tty_) std::fputs("\n", stderr);
+  }
+
+ private:
+  fs::path outputPath(const fs::path& file) const {
+    fs::path relative = file.lexically_relative(settings_.folder);
+    if (relative.empty() || relative.native().rfind("..", 0) == 0) relative = file.filename();
+    std::string ext = relative.extension().string();
+    std::transform(ext.begin(), ext.end(), ext.begin(), [](unsigned char c) { return std::tolower(c); });
+    // photo.png becomes photo.png.jpg, so that photo.png and photo.jpg do not collide.
+    if (ext == ".jpg" || ext == ".jpeg")
+      relative.replace_extension(".jpg");
+    else
+      relative += ".jpg";
+    return settings_.output / relative;
+  }
+
+  bool write(const MCRasterImageRef& image, const fs::path& path) const {
+    std::error_code ec;
+    fs::create_directories(path.parent_path(), ec);
+    if (ec) return false;
+    auto destination = writer_->imageDestinationAtURL(path, MCImageDestinationOptions("public.jpeg"));
+    return destination && destination->addImage(image, nullptr) && destination->finalize();
+  }
+
+  void progress() {
+    if (!tty_) return;
+    const std::size_t total = files_.size(), width = 40;
+    const std::size_t filled = total ? done_ * width / total : width;
+    std::fprintf(stderr, "\r[%s%s] %zu/%zu", std::string(filled, '#').c_str(), std::string(width - filled, '.').c_str(),
+                 done_, total);
+    std::fflush(stderr);
+  }
+
+  const Settings& settings_;
+  std::vector<fs::path> files_;
+  std::vector<std::shared_ptr<Item>> items_;
+  std::shared_ptr<MCImageCodec> writer_;
+  std::shared_ptr<MCThumbnailCache> cache_;
+  std::vector<fs::path> failures_;
+  std::size_t next_ = 0, done_ = 0, inFlight_ = 0, window_ = 8;
+  bool tty_;
+};
+
+int runThumbs(const std::vector<std::string>& arguments) {
+  Settings settings;
+  if (!parse(arguments, settings)) {
+    std::fprintf(stderr, "usage: vesperon thumbs DIR [--size N] [--out DIR] [--jobs N]\n");
+    return 2;
+  }
+  std::error_code ec;
+  if (!fs::is_directory(settings.folder, ec)) {
+    std::fprintf(stderr, "vesperon thumbs: %s is not a folder\n", settings.folder.c_str());
+    return 1;
+  }
+  const auto started = std::chrono::steady_clock::now();
+  auto run = std::make_shared<Run>(settings, findImages(settings.folder));
+  if (!run->canWrite()) {
+    std::fprintf(stderr, "vesperon thumbs: no JPEG writer among the plug-ins\n");
+    return 1;
+  }
+
+  // A small memory cache: each thumbnail is written once and not asked for again.
+  auto options = std::make_shared<MCThumbnailLoadOptions>();
+  options->setThumbnailMaxPixelSize(uint64_t(settings.size));
+  auto cache = MCThumbnailCache::create(options, 16);
+  if (settings.jobs > 0) cache->resourceCache().loader().operationQueue()->setMaxConcurrentOperationCount(settings.jobs);
+  cache->setDelegate(run);
+
+  MCMainQueue::async([run, cache] { run->start(cache); });
+  MCMainQueue::runUntil(
+      [&] {
+        if (!run->finished()) run->refill();
+        return run->finished();
+      },
+      std::chrono::hours(24));
+  run->endProgress();
+
+  const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+  for (const auto& failure : run->failures()) std::fprintf(stderr, "failed: %s\n", failure.c_str());
+  const std::size_t files = run->files().size();
+  std::printf("%zu files, %zu failures, %.1f files/s (%.2f s), thumbnails in %s\n", files, run->failures().size(),
+              seconds > 0 ? double(files) / seconds : 0.0, seconds, settings.output.c_str());
+  // Files that could not be thumbnailed are counted, not fatal: the run itself succeeded.
+  return 0;
+}
+
+}  // namespace
+
+VESPERON_COMMAND("thumbs", "DIR [--size N] [--out DIR] [--jobs N]",
+                 "write a JPEG thumbnail of every image under DIR, through the thumbnail cache", runThumbs)

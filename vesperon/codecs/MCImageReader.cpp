@@ -1,0 +1,129 @@
+#include <vesperon/codecs/MCImageReader.h>
+
+#include <vesperon/codecs/MCImageCodecManager.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
+
+namespace {
+
+std::optional<std::string> typeOf(const std::filesystem::path& url, const std::optional<std::string>& fileType) {
+  if (fileType && !fileType->empty()) return fileType;
+  auto identifier = MCTypeIdentifierForURL(url);
+  if (!identifier || identifier->empty()) return std::nullopt;
+  return identifier;
+}
+
+// The starting raw settings of every read: a thumbnail read uses them as they are.
+MCRAWImageSourceOptions baseRawOptions() {
+  MCRAWImageSourceOptions raw;
+  raw.demosaic = -1;
+  raw.outputColorSpace = 1;
+  raw.outputColorDepth = 8;
+  raw.outputGamma = 2;
+  raw.noiseReduction = 0;
+  raw.autoWhiteBalance = false;
+  raw.cameraWhiteBalance = false;
+  raw.autoBrightness = false;
+  raw.autoBrightnessThreshold = 0.01;
+  return raw;
+}
+
+}  // namespace
+
+uint64_t MCImageReader::subsampleFactorForScaleFactor(double scaleFactor) {
+  if (scaleFactor > 0.5) return 1;
+  if (scaleFactor > 0.25) return 2;
+  if (scaleFactor > 0.125) return 4;
+  if (scaleFactor > 0) return 8;
+  return 0;
+}
+
+MCRAWImageSourceOptions MCImageReader::rawSourceOptionsForReadingOptions(const std::optional<MCImageReadingOptions>& options) {
+  MCRAWImageSourceOptions raw = baseRawOptions();
+  if (!options) return raw;
+  const int32_t demosaic = options->rawDemosaic;
+  if ((demosaic >= 0 && demosaic <= 4) || demosaic == 11) raw.demosaic = demosaic;
+  if (options->rawOutputColorSpace == 1 || options->rawOutputColorSpace == 2)
+    raw.outputColorSpace = options->rawOutputColorSpace;
+  if (options->rawOutputColorDepth == 8 || options->rawOutputColorDepth == 16)
+    raw.outputColorDepth = options->rawOutputColorDepth;
+  if (options->rawOutputGamma >= 0 && options->rawOutputGamma <= 2) raw.outputGamma = options->rawOutputGamma;
+  if (options->rawNoiseReduction >= 0 && options->rawNoiseReduction <= 2) raw.noiseReduction = options->rawNoiseReduction;
+  if (options->rawAutoWhiteBalance == 1) raw.cameraWhiteBalance = true;
+  if (options->rawAutoWhiteBalance == 2) raw.autoWhiteBalance = true;
+  raw.autoBrightness = options->rawAutoBrightness;
+  raw.autoBrightnessThreshold = options->rawAutoBrightnessThresholdInPercent / 100.0;
+  return raw;
+}
+
+MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url, const std::optional<std::string>& fileType,
+                                                const std::optional<MCImageReadingOptions>& options,
+                                                std::optional<MCDictionary>* metadata) {
+  if (url.empty() || !options) return nullptr;
+  auto type = typeOf(url, fileType);
+  if (!type) return nullptr;
+  auto sourceOptions = MCImageSourceOptions::create(*type);
+  if (!sourceOptions) return nullptr;
+  sourceOptions->minThumbnailPixelSize = 0;
+  sourceOptions->maxThumbnailPixelSize = 0;
+  sourceOptions->shouldAutoRotate = false;
+  sourceOptions->subsampleFactor = subsampleFactorForScaleFactor(options->scaleFactor);
+  sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
+
+  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
+  if (!extensions) return nullptr;
+  for (const auto& extension : *extensions) {
+    auto source = extension->imageSourceWithURL(url, *sourceOptions);
+    if (!source) continue;
+    if (auto image = source->newImage()) {
+      if (metadata) *metadata = source->metadataWithOptions(options->metadataOptions);
+      return image;
+    }
+  }
+  return nullptr;
+}
+
+MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
+                                                    const std::optional<std::string>& fileType,
+                                                    const std::optional<MCThumbnailReadingOptions>& options,
+                                                    std::optional<MCDictionary>* metadata) {
+  if (url.empty() || !options) return nullptr;
+  auto type = typeOf(url, fileType);
+  if (!type) return nullptr;
+  auto sourceOptions = MCImageSourceOptions::create(*type);
+  if (!sourceOptions) return nullptr;
+  sourceOptions->minThumbnailPixelSize = options->thumbnailMinPixelSize;
+  sourceOptions->maxThumbnailPixelSize = options->thumbnailMaxPixelSize;
+  sourceOptions->shouldAutoRotate = true;
+  // A thumbnail read takes no raw settings from the client.
+  sourceOptions->setRawOptions(baseRawOptions());
+
+  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
+  if (!extensions) return nullptr;
+  for (const auto& extension : *extensions) {
+    auto source = extension->imageSourceWithURL(url, *sourceOptions);
+    if (!source) continue;
+    if (auto image = source->newThumbnailWithOptions(*options)) {
+      if (metadata) *metadata = source->metadataWithOptions(options->metadataReadingOptions);
+      return image;
+    }
+  }
+  return nullptr;
+}
+
+std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::filesystem::path& url,
+                                                                  const std::optional<MCMetadataReadingOptions>& options) {
+  if (url.empty()) return std::nullopt;
+  auto type = MCTypeIdentifierForURL(url);
+  if (!type || type->empty()) return std::nullopt;
+  auto sourceOptions = MCImageSourceOptions::create(*type);
+  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
+  if (!sourceOptions || !extensions) return std::nullopt;
+  std::optional<MCDictionary> result;
+  for (const auto& extension : *extensions) {
+    auto source = extension->imageSourceWithURL(url, *sourceOptions);
+    if (!source) continue;
+    result = source->metadataWithOptions(options);
+    if (result && !result->empty()) break;
+  }
+  return result;
+}

@@ -1,0 +1,54 @@
+#pragma once
+// MCImageReader: the single front for getting pixels and metadata out of a file.
+//
+// It holds no state and decodes nothing itself: it works out the file's type (from the file's
+// extension when no type is given), builds the MCImageSourceOptions for it, and tries the source
+// extensions that MCImageCodecManager lists for that type, in order, until one gives a result. An
+// extension that cannot open the file, or opens it and gives nothing, is passed over. Failures are
+// answered with none; nothing is logged. Every operation may run on any thread.
+
+#include <vesperon/codecs/MCImageReadingOptions.h>
+#include <vesperon/codecs/MCImageSourceOptions.h>
+#include <vesperon/codecs/MCMetadataReadingOptions.h>
+#include <vesperon/codecs/MCRAWImageSourceOptions.h>
+#include <vesperon/codecs/MCThumbnailReadingOptions.h>
+#include <vesperon/core/MCValue.h>
+#include <vesperon/platform/MCRasterImage.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+class MCImageReader {
+ public:
+  MCImageReader() = delete;
+
+  /// The full image, decoded at the subsample factor that `options.scaleFactor` calls for. When
+  /// `metadata` is given and an image came, it receives the same source's property dictionary;
+  /// otherwise it is left as it was. None for an empty URL, absent options or an untyped file.
+  static MCRasterImageRef newImageWithURL(const std::filesystem::path& url, const std::optional<std::string>& fileType,
+                                          const std::optional<MCImageReadingOptions>& options,
+                                          std::optional<MCDictionary>* metadata);
+
+  /// A thumbnail as `options` ask (auto-rotation on, no raw settings from the client), with the
+  /// metadata as for newImageWithURL.
+  static MCRasterImageRef newThumbnailWithURL(const std::filesystem::path& url, const std::optional<std::string>& fileType,
+                                              const std::optional<MCThumbnailReadingOptions>& options,
+                                              std::optional<MCDictionary>* metadata);
+
+  /// The raw settings for a full read: fixed starting values, then what is valid in `options`.
+  static MCRAWImageSourceOptions rawSourceOptionsForReadingOptions(const std::optional<MCImageReadingOptions>& options);
+
+  /// The first non-empty property dictionary the type's extensions give; possibly empty, or none.
+  static std::optional<MCDictionary> metadataFromImageAtURL(const std::filesystem::path& url,
+                                                            const std::optional<MCMetadataReadingOptions>& options);
+
+  /// 1, 2, 4 or 8 for a scale factor in (0.5, ∞), (0.25, 0.5], (0.125, 0.25], (0, 0.125]; 0 for 0 or below.
+  static uint64_t subsampleFactorForScaleFactor(double scaleFactor);
+};
+
+/// The twin front for writing. It has no operations: writing goes straight to a codec's destination.
+class MCImageWriter {
+ public:
+  MCImageWriter() = delete;
+};

@@ -1,0 +1,31 @@
+#pragma once
+// MCThumbnailLoadOptions: load options that run an MCThumbnailLoadStrategy.
+//
+// One options object may be shared by many requests (MCThumbnailCache shares its own) and read by
+// strategies on worker threads while the main thread changes it, so its two settings are atomic:
+// a request that has not started yet loads with the values of the moment it runs.
+
+#include <vesperon/pipeline/MCThumbnailLoadStrategy.h>
+
+#include <atomic>
+
+class MCThumbnailLoadOptions : public MCResourceLoadOptions {
+ public:
+  /// With the strategy to run; by default a new MCThumbnailLoadStrategy.
+  explicit MCThumbnailLoadOptions(std::shared_ptr<MCThumbnailLoadStrategy> strategy = std::make_shared<MCThumbnailLoadStrategy>())
+      : strategy_(std::move(strategy)) {}
+
+  std::shared_ptr<MCResourceLoadStrategy> strategy() const override { return strategy_; }
+
+  /// Make the thumbnail of the image file from its full image even if it holds one. Default false.
+  bool createThumbnailFromImageAlways() const { return createThumbnailFromImageAlways_.load(); }
+  void setCreateThumbnailFromImageAlways(bool value) { createThumbnailFromImageAlways_.store(value); }
+  /// The wanted larger side; 0 leaves it to the descriptor's estimate. Default 0.
+  uint64_t thumbnailMaxPixelSize() const { return thumbnailMaxPixelSize_.load(); }
+  void setThumbnailMaxPixelSize(uint64_t value) { thumbnailMaxPixelSize_.store(value); }
+
+ private:
+  std::shared_ptr<MCThumbnailLoadStrategy> strategy_;
+  std::atomic<bool> createThumbnailFromImageAlways_{false};
+  std::atomic<uint64_t> thumbnailMaxPixelSize_{0};
+};
