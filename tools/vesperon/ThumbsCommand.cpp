@@ -132,6 +132,7 @@ class Run : public MCThumbnailCacheDelegate {
   // Keeps the window full; a fetch answered from memory calls back before it returns, so the loop
   // re-reads the counters each time.
   void refill() {
+    if (!cache_) return;  // not started yet
     while (next_ < files_.size() && inFlight_ < window_) {
       ++inFlight_;
       cache_->fetchThumbnailsAtIndexPaths({MCIndexPath::indexPathForItem(next_++, 0)});
