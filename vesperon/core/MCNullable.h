@@ -6,6 +6,7 @@
 // that `MCNullable<T>` is always a type whose default value means "none" and that tests false.
 
 #include <memory>
+#include <cstddef>
 #include <optional>
 #include <type_traits>
 
@@ -38,3 +39,8 @@ constexpr bool MCIsNil(const T& value) {
   else
     return false;
 }
+
+/// True for the literal nils, nullptr and std::nullopt, which have no value type of their own.
+template <typename T>
+inline constexpr bool MCIsNilLiteral =
+    std::is_same_v<std::remove_cvref_t<T>, std::nullptr_t> || std::is_same_v<std::remove_cvref_t<T>, std::nullopt_t>;
