@@ -1,6 +1,7 @@
 #pragma once
 // Operations added to arrays (std::vector<T>): binary searches and merge walks over sorted arrays,
-// and grouping into sorted runs.
+// grouping into sorted runs, and copies with elements inserted or removed. The operations that
+// change an array in place are in MCMutableArrayExtensions.h.
 //
 // A comparator is any callable (a, b) -> int answering -1, 0 or 1 (MCComparisonResult); a list of
 // MCSortDescriptor may stand in for it. A search block is a callable (element) -> int answering
@@ -10,11 +11,13 @@
 #include <vesperon/core/MCExceptions.h>
 #include <vesperon/core/MCIndexSet.h>
 #include <vesperon/core/MCObjectExtensions.h>
+#include <vesperon/core/MCObjectSet.h>
 #include <vesperon/core/MCSortDescriptor.h>
 #include <vesperon/core/MCTypes.h>
 
 #include <algorithm>
 #include <cstdint>
+#include <stdexcept>
 #include <vector>
 
 // ---------------------------------------------------------------------------------------------
@@ -112,4 +115,117 @@ std::vector<std::vector<T>> splitArraysUsingComparator(const std::vector<T>& arr
 template <typename T, typename Comparator>
 std::vector<std::vector<T>> splitArraysUsingComparator(const std::vector<T>& array, const Comparator& comparator) {
   return splitArraysUsingComparator(array, comparator, comparator);
+}
+
+// ---------------------------------------------------------------------------------------------
+// Copies and lookups. Elements are compared with isEqualObject: pointer-like elements by what
+// they point at.
+
+/// `isEqualArray:toArray:`: nil-safe (a null pointer is nil); same count and equal elements.
+template <typename T>
+bool isEqualArray(const std::vector<T>* a, const std::vector<T>* b) {
+  if (a == b) return true;
+  if (!a || !b || a->size() != b->size()) return false;
+  for (size_t i = 0; i < a->size(); ++i)
+    if (!isEqualObject((*a)[i], (*b)[i])) return false;
+  return true;
+}
+
+/// The elements for which `test(object, index, stop)` is true, in order.
+template <typename T, typename Test>
+std::vector<T> filteredArrayUsingBlock(const std::vector<T>& array, Test&& test) {
+  std::vector<T> result;
+  bool stop = false;
+  for (size_t i = 0; i < array.size() && !stop; ++i)
+    if (test(array[i], uint64_t(i), stop)) result.push_back(array[i]);
+  return result;
+}
+
+/// A copy with `objects` standing at `indexes` (ascending, one per object) afterwards. Mismatched
+/// counts raise std::invalid_argument, an index past the new end std::out_of_range.
+template <typename T>
+std::vector<T> arrayByInsertingObjects(const std::vector<T>& array, const std::vector<T>& objects,
+                                       const MCIndexSet& indexes) {
+  if (objects.empty() && indexes.empty()) return array;
+  if (objects.size() != indexes.count())
+    throw std::invalid_argument("*** arrayByInsertingObjects: count of objects and indexes differ");
+  const uint64_t total = array.size() + objects.size();
+  if (indexes.lastIndex() >= total) mc_detail::throwIndexOutOfRange("arrayByInsertingObjects", indexes.lastIndex(), array.size());
+  std::vector<T> result;
+  result.reserve(total);
+  size_t r = 0, o = 0;
+  for (uint64_t position = 0; position < total; ++position)
+    result.push_back(indexes.containsIndex(position) ? objects[o++] : array[r++]);
+  return result;
+}
+
+/// A copy with the objects that it does not hold yet appended, in their order, each once. The
+/// receiver's elements stay where they are.
+template <typename T>
+std::vector<T> arrayByInsertingUniqueObjects(const std::vector<T>& array, const std::vector<T>& objects) {
+  mc_detail::ObjectSet<T> held(array);
+  std::vector<T> result = array;
+  for (const T& object : objects) {
+    if (held.contains(object)) continue;
+    held.add(object);
+    result.push_back(object);
+  }
+  return result;
+}
+
+template <typename T>
+std::vector<T> arrayByRemovingFirstObject(const std::vector<T>& array) {
+  return array.empty() ? array : std::vector<T>(array.begin() + 1, array.end());
+}
+template <typename T>
+std::vector<T> arrayByRemovingLastObject(const std::vector<T>& array) {
+  return array.empty() ? array : std::vector<T>(array.begin(), array.end() - 1);
+}
+/// A copy without any element equal to `object`.
+template <typename T>
+std::vector<T> arrayByRemovingObject(const std::vector<T>& array, const T& object) {
+  std::vector<T> result;
+  for (const T& element : array)
+    if (!isEqualObject(element, object)) result.push_back(element);
+  return result;
+}
+/// A copy without any element equal to one of `objects`.
+template <typename T>
+std::vector<T> arrayByRemovingObjectsInArray(const std::vector<T>& array, const std::vector<T>& objects) {
+  if (array.empty() || objects.empty()) return array;
+  mc_detail::ObjectSet<T> removed(objects);
+  std::vector<T> result;
+  for (const T& element : array)
+    if (!removed.contains(element)) result.push_back(element);
+  return result;
+}
+/// A copy without the elements at `indexes`; an index past the end raises std::out_of_range.
+template <typename T>
+std::vector<T> arrayByRemovingObjectsAtIndexes(const std::vector<T>& array, const MCIndexSet& indexes) {
+  if (!indexes.empty() && indexes.lastIndex() >= array.size())
+    mc_detail::throwIndexOutOfRange("arrayByRemovingObjectsAtIndexes", indexes.lastIndex(), array.size());
+  std::vector<T> result;
+  for (size_t i = 0; i < array.size(); ++i)
+    if (!indexes.containsIndex(i)) result.push_back(array[i]);
+  return result;
+}
+
+/// Indexes of the elements found in `objects`, counted: each occurrence in `objects` takes up one
+/// element of the receiver, from the front. A, A, B with the argument A gives index 0 only.
+template <typename T>
+MCIndexSet indexesOfObjects(const std::vector<T>& array, const std::vector<T>& objects) {
+  mc_detail::ObjectSet<T> wanted(objects);
+  MCIndexSet result;
+  for (size_t i = 0; i < array.size(); ++i)
+    if (wanted.take(array[i])) result.addIndex(i);
+  return result;
+}
+/// Indexes of all elements found in `objects`, uncounted.
+template <typename T>
+MCIndexSet indexesOfObjectsInArray(const std::vector<T>& array, const std::vector<T>& objects) {
+  mc_detail::ObjectSet<T> wanted(objects);
+  MCIndexSet result;
+  for (size_t i = 0; i < array.size(); ++i)
+    if (wanted.contains(array[i])) result.addIndex(i);
+  return result;
 }
