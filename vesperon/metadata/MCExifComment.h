@@ -14,6 +14,11 @@ class MCExifComment {
   const std::string& stringValue() const { return stringValue_; }
   void setStringValue(std::string text) { stringValue_ = std::move(text); }
 
+  /// The user comment bytes: "ASCII" padded to 8 bytes and the text when it is plain ASCII;
+  /// otherwise "UNICODE" and one NUL, and the text in UTF-16 big-endian (whatever `order` says);
+  /// then, always, 8 NUL bytes. So "Hi" takes 18 bytes, and an empty or unconvertible text 8.
+  std::vector<uint8_t> dataWithByteOrder(uint16_t order) const;
+
   friend bool operator==(const MCExifComment&, const MCExifComment&) = default;
 
  private:

@@ -1,0 +1,100 @@
+#pragma once
+// Helpers of the Exif tests: log capture through the log file, files, and the peer programs
+// (cjpeg to make a JPEG, exiftool to write and read Exif).
+
+#include <vesperon/core/MCLog.h>
+#include <vesperon/core/MCLogWriter.h>
+#include <vesperon/core/MCValue.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <unistd.h>
+
+namespace exif_test {
+
+namespace fs = std::filesystem;
+
+inline fs::path scratchDirectory() {
+  static const fs::path dir = [] {
+    fs::path d = fs::temp_directory_path() / ("vesperon-exif-test-" + std::to_string(::getpid()));
+    fs::create_directories(d);
+    return d;
+  }();
+  return dir;
+}
+
+inline std::string readText(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+inline MCData readBytes(const fs::path& file) {
+  std::string text = readText(file);
+  return MCData(text.begin(), text.end());
+}
+
+inline void writeBytes(const fs::path& file, const MCData& bytes) {
+  std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+/// Runs a shell command; its standard output, and whether it exited 0.
+inline std::pair<bool, std::string> run(const std::string& command) {
+  std::string out;
+  FILE* pipe = ::popen((command + " 2>/dev/null").c_str(), "r");
+  if (!pipe) return {false, out};
+  char buffer[4096];
+  std::size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) out.append(buffer, n);
+  int status = ::pclose(pipe);
+  return {status == 0, out};
+}
+
+/// A small grey baseline JPEG without metadata, made by cjpeg.
+inline fs::path plainJPEG(const std::string& name) {
+  fs::path ppm = scratchDirectory() / (name + ".ppm");
+  fs::path jpg = scratchDirectory() / (name + ".jpg");
+  {
+    std::ofstream out(ppm, std::ios::binary);
+    out << "P6\n8 8\n255\n" << std::string(8 * 8 * 3, '\x80');
+  }
+  run("cjpeg -quality 80 '" + ppm.string() + "' > '" + jpg.string() + "'");
+  return jpg;
+}
+
+/// Captures what the library logs while it lives, through the process's log file.
+class LogCapture {
+ public:
+  LogCapture() {
+    // Keep the log file of the test run out of the user's state folder (effective only before the
+    // process's writer is first made).
+    static const bool redirected = [] {
+      return ::setenv("XDG_STATE_HOME", (scratchDirectory() / "state").c_str(), 0) == 0;
+    }();
+    (void)redirected;
+    if (!MCLogWriter::fileWriter()) return;
+    writer_ = MCLogWriter::fileWriter();
+    writer_->flush();
+    start_ = readText(writer_->fileURL()).size();
+    MCLog::setWritesToFile(true);
+  }
+  ~LogCapture() { MCLog::setWritesToFile(false); }
+  bool available() const { return writer_ != nullptr; }
+  /// Everything logged since the capture began.
+  std::string text() const {
+    if (!writer_) return {};
+    writer_->flush();
+    std::string all = readText(writer_->fileURL());
+    return all.size() > start_ ? all.substr(start_) : std::string();
+  }
+  bool contains(const std::string& message) const { return text().find(message) != std::string::npos; }
+
+ private:
+  MCLogWriter* writer_ = nullptr;
+  std::size_t start_ = 0;
+};
+
+}  // namespace exif_test

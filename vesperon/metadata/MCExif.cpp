@@ -1,0 +1,76 @@
+#include <vesperon/metadata/MCExif.h>
+
+#include <cmath>
+
+namespace {
+
+enum class Group { TIFF, Exif, GPS };
+
+template <typename T>
+void put(MCDictionary& out, const char* key, const std::optional<T>& value) {
+  if (key && value) out.emplace(key, MCValue(*value));
+}
+
+}  // namespace
+
+MCDictionary MCExif::tiffDictionary() const {
+  MCDictionary out;
+#define MC_EXIF_PUT(kind, name, setter, group, key) \
+  if (Group::group == Group::TIFF) put(out, key, name##_);
+  MC_EXIF_PROPERTIES(MC_EXIF_PUT)
+#undef MC_EXIF_PUT
+  return out;
+}
+
+MCDictionary MCExif::exifDictionary() const {
+  MCDictionary out;
+#define MC_EXIF_PUT(kind, name, setter, group, key) \
+  if (Group::group == Group::Exif) put(out, key, name##_);
+  MC_EXIF_PROPERTIES(MC_EXIF_PUT)
+#undef MC_EXIF_PUT
+  return out;
+}
+
+MCDictionary MCExif::gpsDictionary() const {
+  MCDictionary out;
+#define MC_EXIF_PUT(kind, name, setter, group, key) \
+  if (Group::group == Group::GPS) put(out, key, name##_);
+  MC_EXIF_PROPERTIES(MC_EXIF_PUT)
+#undef MC_EXIF_PUT
+  return out;
+}
+
+MCDictionary MCExif::dictionary() const {
+  MCDictionary out;
+  put(out, kCGImagePropertyDepth, tiffBitsPerSample_);
+  put(out, kCGImagePropertyOrientation, tiffOrientation_);
+  put(out, kCGImagePropertyPixelWidth, exifPixelXDimension_);
+  put(out, kCGImagePropertyPixelHeight, exifPixelYDimension_);
+  put(out, kCGImagePropertyProfileName, exifProfileName_);
+
+  double x = tiffXResolution_ ? tiffXResolution_->doubleValue().value_or(0) : 0;
+  double y = tiffYResolution_ ? tiffYResolution_->doubleValue().value_or(0) : 0;
+  if (x != 0 && y != 0) {
+    int64_t unit = tiffResolutionUnit_ ? tiffResolutionUnit_->integerValue().value_or(0) : 0;
+    bool known = true;
+    if (unit == 3) {
+      x *= 2.54;
+      y *= 2.54;
+    } else if (unit != 2 && unit != 0) {
+      known = false;
+    }
+    if (known) {
+      // std::round rounds half away from zero.
+      double dpiX = std::round(x), dpiY = std::round(y);
+      if (dpiX != 0 && dpiY != 0 && std::isfinite(dpiX) && std::isfinite(dpiY)) {
+        out.emplace(kCGImagePropertyDPIWidth, MCValue(static_cast<int64_t>(dpiX)));
+        out.emplace(kCGImagePropertyDPIHeight, MCValue(static_cast<int64_t>(dpiY)));
+      }
+    }
+  }
+
+  if (auto tiff = tiffDictionary(); !tiff.empty()) out.emplace(kCGImagePropertyTIFFDictionary, std::move(tiff));
+  if (auto exif = exifDictionary(); !exif.empty()) out.emplace(kCGImagePropertyExifDictionary, std::move(exif));
+  if (auto gps = gpsDictionary(); !gps.empty()) out.emplace(kCGImagePropertyGPSDictionary, std::move(gps));
+  return out;
+}
