@@ -1,0 +1,151 @@
+#include <vesperon/pipeline/MCImageCache.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <random>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+MCRasterImageRef solid(std::size_t side, uint8_t red) {
+  std::vector<uint8_t> pixels(side * side * 4);
+  for (std::size_t i = 0; i < pixels.size(); i += 4) {
+    pixels[i] = red;
+    pixels[i + 1] = 60;
+    pixels[i + 2] = 90;
+    pixels[i + 3] = 255;
+  }
+  return MCRasterImage::createRGBA8(side, side, std::move(pixels));
+}
+
+int firstRed(const MCRasterImage& image) {
+  const auto info = image.alphaInfo();
+  const bool first = info == MCImageAlphaNoneSkipFirst || info == MCImageAlphaPremultipliedFirst || info == MCImageAlphaFirst;
+  return image.row(0)[first ? 1 : 0];
+}
+
+// Every file under `folder` that is not a finished .JPG: temporary or partial files.
+std::vector<std::filesystem::path> strayFiles(const std::filesystem::path& folder) {
+  std::vector<std::filesystem::path> stray;
+  std::error_code ec;
+  for (auto it = std::filesystem::recursive_directory_iterator(folder, ec); !ec && it != std::filesystem::recursive_directory_iterator(); it.increment(ec))
+    if (it->is_regular_file() && it->path().extension() != ".JPG") stray.push_back(it->path());
+  return stray;
+}
+
+class ImageCacheFiles : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    root_ = std::filesystem::temp_directory_path() /
+            ("vesperon-imagecache-" + std::to_string(::getpid()) + "-" +
+             ::testing::UnitTest::GetInstance()->current_test_info()->name());
+    std::filesystem::remove_all(root_);
+  }
+  void TearDown() override { std::filesystem::remove_all(root_); }
+  std::filesystem::path root_;
+};
+
+}  // namespace
+
+TEST_F(ImageCacheFiles, AddFindRestartRemoveAndClean) {
+  {
+    MCImageCache cache(root_);
+    cache.addImage(solid(16, 200), 418, 128);
+    cache.addImage(solid(32, 100), 418, 512);
+    cache.addImage(solid(32, 50), 5, 512);
+    EXPECT_TRUE(std::filesystem::is_regular_file(root_ / "Thumbnails/00/01/1a2.JPG"));
+    EXPECT_TRUE(std::filesystem::is_regular_file(root_ / "Thumbnails.512/00/00/05.JPG"));
+    EXPECT_TRUE(strayFiles(root_).empty());
+  }
+  // A new cache finds the containers on disk.
+  MCImageCache cache(root_);
+  EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{128, 512}));
+  EXPECT_TRUE(cache.containsImageWithIdentifier(418));
+  EXPECT_TRUE(cache.containsImageWithIdentifier(5, 512));
+  EXPECT_FALSE(cache.containsImageWithIdentifier(5, 128));
+  auto small = cache.imageWithIdentifier(418, 128);
+  ASSERT_TRUE(small);
+  EXPECT_EQ(small->width(), 16u);
+  EXPECT_NEAR(firstRed(*small), 200, 8);
+
+  // By minimum size: the container's size counts, not the image's.
+  auto atLeast200 = cache.imageWithIdentifierMinPixelSize(418, 200);
+  ASSERT_TRUE(atLeast200);
+  EXPECT_EQ(atLeast200->width(), 32u);
+  EXPECT_TRUE(cache.imageWithIdentifierMinPixelSize(5, 0));
+  EXPECT_FALSE(cache.imageWithIdentifierMinPixelSize(418, 513));
+
+  // Saving over a file replaces it.
+  cache.addImage(solid(16, 10), 418, 128);
+  EXPECT_NEAR(firstRed(*cache.imageWithIdentifier(418, 128)), 10, 8);
+
+  cache.removeImageWithIdentifier(418, 128);
+  EXPECT_FALSE(cache.containsImageWithIdentifier(418, 128));
+  EXPECT_TRUE(cache.containsImageWithIdentifier(418, 512));
+  cache.removeImageWithIdentifier(418);  // the 128 container logs its missing file and the loop goes on
+  EXPECT_FALSE(cache.containsImageWithIdentifier(418));
+
+  cache.clean();
+  EXPECT_FALSE(cache.containsImageWithIdentifier(5));
+  EXPECT_FALSE(std::filesystem::exists(root_ / "Thumbnails.512"));
+  EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{128, 512}));
+  cache.addImage(solid(8, 0), 5, 512);
+  EXPECT_TRUE(cache.containsImageWithIdentifier(5, 512)) << "a cleaned container makes its folders again";
+}
+
+TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
+  MCImageCache cache(root_);
+  cache.addImage(solid(8, 0), 1, 128);
+  // A cache file replaced by garbage reads as none.
+  const auto file = root_ / "Thumbnails/00/00/01.JPG";
+  std::ofstream(file, std::ios::binary | std::ios::trunc) << "not a JPEG at all";
+  EXPECT_TRUE(cache.containsImageWithIdentifier(1, 128));
+  EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
+  // Cut short: a JPEG header with no scan.
+  std::ofstream(file, std::ios::binary | std::ios::trunc) << std::string("\xFF\xD8\xFF\xE0\x00\x10JFIF", 10);
+  EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
+
+  // A file where the container's folder should be: nothing is written, nothing is left.
+  std::ofstream(root_ / "Thumbnails.64") << "blocks the folder";
+  cache.addImage(solid(8, 0), 2, 64);
+  EXPECT_FALSE(cache.containsImageWithIdentifier(2, 64));
+  cache.addImage(nullptr, 3, 128);
+  EXPECT_FALSE(cache.containsImageWithIdentifier(3, 128));
+  EXPECT_TRUE(strayFiles(root_ / "Thumbnails").empty());
+}
+
+// Eight threads add, read and remove over one small set of identifiers at once. Every read gives
+// none (not there) or a whole image; nothing torn, nothing stray; the survivors all decode.
+TEST_F(ImageCacheFiles, ConcurrentAddReadRemove) {
+  MCImageCache cache(root_);
+  constexpr int kThreads = 8, kIdentifiers = 40, kSteps = 60;
+  std::atomic<int> torn{0};
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t)
+    threads.emplace_back([&, t] {
+      std::mt19937 random{unsigned(t)};
+      for (int step = 0; step < kSteps; ++step) {
+        const int64_t id = int64_t(random() % kIdentifiers);
+        const int64_t size = random() % 2 ? 128 : 256;
+        switch (random() % 3) {
+          case 0: cache.addImage(solid(12, uint8_t(id * 5)), id, size); break;
+          case 1:
+            if (auto image = cache.imageWithIdentifier(id, size); image && (image->width() != 12 || std::abs(firstRed(*image) - int(id * 5)) > 8))
+              ++torn;
+            break;
+          default: cache.removeImageWithIdentifier(id, size); break;
+        }
+      }
+    });
+  for (auto& thread : threads) thread.join();
+  EXPECT_EQ(torn.load(), 0);
+  EXPECT_TRUE(strayFiles(root_).empty());
+  for (int64_t id = 0; id < kIdentifiers; ++id)
+    for (int64_t size : {128, 256})
+      if (cache.containsImageWithIdentifier(id, size)) {
+        EXPECT_TRUE(cache.imageWithIdentifier(id, size)) << id;
+      }
+}
