@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/LogCapture.h"
+
 #include <atomic>
 #include <fstream>
 #include <random>
@@ -110,7 +112,11 @@ TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
 
   // A file where the container's folder should be: nothing is written, nothing is left.
   std::ofstream(root_ / "Thumbnails.64") << "blocks the folder";
+  LogCapture log;
   cache.addImage(solid(8, 0), 2, 64);
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't cache image with ID: 2\n")) << log.text();
+  }
   EXPECT_FALSE(cache.containsImageWithIdentifier(2, 64));
   cache.addImage(nullptr, 3, 128);
   EXPECT_FALSE(cache.containsImageWithIdentifier(3, 128));

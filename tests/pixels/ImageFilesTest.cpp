@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/LogCapture.h"
+
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -74,6 +76,31 @@ TEST_F(ImageFiles, SavesJPEGAndReadsItBack) {
   auto wideBack = MCCreateImageWithURL(scratch("wide.jpg"));
   ASSERT_TRUE(wideBack);
   EXPECT_NEAR(redAt(*wideBack, 2, 4), 220, 12);
+}
+
+TEST_F(ImageFiles, ReportsOnTheGraphicsLog) {
+  LogCapture log;
+  if (!log.available()) GTEST_SKIP() << "no log file";
+  std::filesystem::create_directories(scratch(""));
+  std::ofstream(scratch("text.jpg")) << "plain text, not an image";
+  std::ofstream(scratch("nothing.jpg")).close();
+  const MCData empty, garbage(64, 0x42);
+  EXPECT_FALSE(MCCreateImageWithURL(""));
+  EXPECT_FALSE(MCCreateImageWithURL(scratch("text.jpg")));
+  EXPECT_FALSE(MCCreateImageWithURL(scratch("nothing.jpg")));
+  EXPECT_FALSE(MCCreateImageWithURL(scratch("missing.jpg")));
+  EXPECT_FALSE(MCCreateImageWithData(nullptr));
+  EXPECT_FALSE(MCCreateImageWithData(&empty));
+  EXPECT_FALSE(MCCreateImageWithData(&garbage));
+  const std::string text = log.text();
+  const std::string prefix = "[com.quillary.vesperon, Graphics] : CGImageSource: ";
+  EXPECT_NE(text.find(prefix + "URL cannot be nil\n"), std::string::npos) << text;
+  EXPECT_NE(text.find(prefix + "bad status -2 at URL: " + scratch("text.jpg").string() + "\n"), std::string::npos);
+  EXPECT_NE(text.find(prefix + "zero count at URL: " + scratch("nothing.jpg").string() + "\n"), std::string::npos);
+  EXPECT_EQ(text.find("missing.jpg"), std::string::npos) << "an unreadable file is not reported";
+  EXPECT_NE(text.find(prefix + "data cannot be nil\n"), std::string::npos);
+  EXPECT_NE(text.find(prefix + "zero count.\n"), std::string::npos);
+  EXPECT_NE(text.find(prefix + "bad status -2.\n"), std::string::npos);
 }
 
 TEST_F(ImageFiles, BadInputGivesNone) {
