@@ -1,0 +1,324 @@
+// The libexif road out of the library: the encoder, the entries and their type tables, the block,
+// and the writer — checked byte by byte, through libexif's own load, and against exiftool.
+
+#include "ExifTestSupport.h"
+
+#include <vesperon/metadata/MCExifData.h>
+#include <vesperon/metadata/MCExifEncoder.h>
+#include <vesperon/metadata/MCExifEntry.h>
+#include <vesperon/metadata/MCExifReader.h>
+#include <vesperon/metadata/MCExifWriter.h>
+
+#include <libexif/exif-data.h>
+#include <nlohmann/json.hpp>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+using namespace exif_test;
+
+namespace {
+
+MCData bytes(std::initializer_list<int> values) {
+  MCData out;
+  for (int v : values) out.push_back(static_cast<uint8_t>(v));
+  return out;
+}
+
+MCValue rational(int32_t n, int32_t d) { return MCValue(*MCExifRational::create(n, d)); }
+
+// One loaded entry of a saved block, as libexif sees it.
+struct Loaded {
+  int ifd = -1;
+  int format = 0;
+  unsigned long components = 0;
+  MCData data;
+};
+
+std::optional<Loaded> find(const MCData& block, uint16_t tag, int wantedIfd = -1) {
+  ExifData* d = exif_data_new_from_data(block.data(), static_cast<unsigned int>(block.size()));
+  std::optional<Loaded> out;
+  for (int i = 0; i < EXIF_IFD_COUNT && !out; ++i) {
+    if (wantedIfd >= 0 && i != wantedIfd) continue;
+    ExifEntry* e = exif_content_get_entry(d->ifd[i], static_cast<ExifTag>(tag));
+    if (e) out = Loaded{i, e->format, e->components, MCData(e->data, e->data + e->size)};
+  }
+  exif_data_unref(d);
+  return out;
+}
+
+}  // namespace
+
+TEST(MCExifEncoder, ShapesOfTheWire) {
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(6), 3, 0x4D4D), bytes({0, 6, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(6), 3, 0x4949), bytes({6, 0, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(0x01020304), 4, 0x4D4D), bytes({1, 2, 3, 4}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(200), 1, 0x4D4D), bytes({200, 0, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(-2), 8, 0x4D4D), bytes({0xFF, 0xFE, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(1.5), 5, 0x4D4D), bytes({0, 0, 0, 3, 0, 0, 0, 2}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(-0.5), 10, 0x4D4D), bytes({0xFF, 0xFF, 0xFF, 0xFF, 0, 0, 0, 2}));
+  EXPECT_FALSE(MCExifEncoder::encodeNumber(MCValue(3e9), 5, 0x4D4D));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(1.0), 11, 0x4D4D), bytes({0x3F, 0x80, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(2.0), 12, 0x4D4D), bytes({0x40, 0, 0, 0, 0, 0, 0, 0}));
+  EXPECT_FALSE(MCExifEncoder::encodeNumber(MCValue(1), 13, 0x4D4D));
+  // An order that is neither mark leaves the wider shapes zero, but not the bytes.
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(6), 3, 0), bytes({0, 0, 0, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeNumber(MCValue(6), 1, 0), bytes({6, 0, 0, 0}));
+
+  EXPECT_EQ(MCExifEncoder::encodeString("abc", 2, 0x4D4D), bytes({'a', 'b', 'c', 0}));
+  EXPECT_FALSE(MCExifEncoder::encodeString("é", 2, 0x4D4D));
+  EXPECT_EQ(MCExifEncoder::encodeString("é", 1, 0x4D4D), bytes({0xC3, 0xA9, 0}));
+  EXPECT_EQ(MCExifEncoder::encodeData(bytes({1, 2}), 7, 0x4D4D), bytes({1, 2}));
+  EXPECT_EQ(MCExifEncoder::encodeRational(*MCExifRational::create(1, 3), 10, 0x4949), bytes({1, 0, 0, 0, 3, 0, 0, 0}));
+  EXPECT_FALSE(MCExifEncoder::encodeValue(MCValue(MCDictionary{}), 2, 0x4D4D));
+
+  auto pair = MCExifEncoder::encodeArray({1.5, 2}, 5, 0x4D4D);
+  EXPECT_EQ(pair, bytes({0, 0, 0, 3, 0, 0, 0, 2, 0, 0, 0, 2, 0, 0, 0, 1}));
+  EXPECT_EQ(MCExifEncoder::encodeArray({1, 258}, 3, 0x4D4D), bytes({0, 1, 1, 2}));
+  EXPECT_EQ(MCExifEncoder::encodeArray({1, 258}, 3, 0x4949), bytes({1, 0, 2, 1}));
+  EXPECT_EQ(MCExifEncoder::encodeArray({rational(1, 2), 0.25}, 5, 0x4D4D), bytes({0, 0, 0, 1, 0, 0, 0, 2, 0, 0, 0, 1, 0, 0, 0, 4}));
+  // One element beyond any rational: 8 bytes fewer than the count says.
+  MCArray wide{1.0, 5e9, 2.0};
+  EXPECT_EQ(MCExifEncoder::encodeArray(wide, 5, 0x4D4D)->size(), 16u);
+  EXPECT_EQ(MCExifEncoder::numberOfComponentsInValue(MCValue(wide), MCExifEncoder::encodeArray(wide, 5, 0x4D4D)), 3u);
+  EXPECT_FALSE(MCExifEncoder::encodeArray({1}, 0, 0x4D4D));
+}
+
+TEST(MCExifEncoder, RefusalsAreLogged) {
+  LogCapture log;
+  EXPECT_FALSE(MCExifEncoder::encodeArray({1, 2}, 2, 0x4D4D));
+  auto longs = MCExifEncoder::encodeArray({rational(1, 2), rational(3, 4), 7}, 4, 0x4D4D);
+  EXPECT_EQ(longs, bytes({0, 0, 0, 7})) << "the reported rationals are left out";
+  EXPECT_FALSE(MCExifEncoder::encodeNumber(MCValue(5), 2, 0x4D4D));
+  EXPECT_FALSE(MCExifEncoder::encodeData(bytes({1}), 2, 0x4D4D));
+  EXPECT_FALSE(MCExifEncoder::encodeString("x", 7, 0x4D4D));
+  EXPECT_FALSE(MCExifEncoder::encodeRational(*MCExifRational::create(1, 2), 3, 0x4D4D));
+  if (!log.available()) GTEST_SKIP() << "no log file";
+  std::string text = log.text();
+  EXPECT_TRUE(log.contains("Cannot encode [1,2] to EXIF data type: 2"));
+  std::size_t first = text.find("Unexpected element type in array: MCExifRational");
+  ASSERT_NE(first, std::string::npos);
+  EXPECT_NE(text.find("Unexpected element type in array: MCExifRational", first + 1), std::string::npos) << "each element";
+  EXPECT_TRUE(log.contains("Failed to encode number to EXIF data type: 2"));
+  EXPECT_TRUE(log.contains("Cannot encode [1] to EXIF data type: 2"));
+  EXPECT_TRUE(log.contains("Failed to encode string to EXIF data type: 7"));
+  EXPECT_TRUE(log.contains("Failed to encode MCExifRational to EXIF data type: 3"));
+}
+
+TEST(MCExifEntry, TypeTablesAndComponents) {
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x8832), 3) << "SHORT, not the standard's LONG";
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x9206), 10) << "SRATIONAL, not RATIONAL";
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x882A), 8);
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x02BC), 1);
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0xA462), 7);
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x010F), 2);
+  EXPECT_EQ(MCExifEntry::typeForExifTag(0x1234), 2) << "unknown tags are ASCII";
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(0), 1);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(1), 2);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(2), 5);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(27), 7);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(30), 3);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(31), 5);
+  EXPECT_EQ(MCExifGPSEntry::typeForExifGPSTag(32), 1);
+
+  MCExifEntry make(0x010F, MCValue("abc"));
+  EXPECT_EQ(make.type(), 2);
+  EXPECT_EQ(make.byteOrder(), 0x4D4D);
+  EXPECT_EQ(make.encodedData(), bytes({'a', 'b', 'c', 0}));
+  EXPECT_EQ(make.numberOfComponents(), 4u);
+  MCExifEntry accented(0x010F, MCValue("é"));
+  EXPECT_FALSE(accented.encodedData());
+  EXPECT_EQ(accented.numberOfComponents(), 0u);
+  MCExifEntry orientation(0x0112, MCValue(6));
+  EXPECT_EQ(orientation.encodedData(), bytes({0, 6, 0, 0}));
+  EXPECT_EQ(orientation.numberOfComponents(), 1u);
+}
+
+TEST(MCExifWriter, BlocksAsLibexifLoadsThem) {
+  MCExifWriter writer;
+  writer.writeEXIFValue(MCValue("Acme"), 0x010F);
+  writer.writeEXIFValue(MCValue("Other"), 0x010F);  // the first value stays
+  writer.writeEXIFValue(MCValue(6), 0x0112);
+  writer.writeEXIFValue(MCValue("0231"), 0x9000);  // not an array: ignored
+  writer.writeEXIFValue(MCArray{2, 3, 1}, 0x9000);
+  writer.writeEXIFValue(MCArray{1, 2, 3, 0}, 0x9101);
+  writer.writeEXIFValue(MCValue(MCData{1, 2}), 0x927C);  // maker notes are never written
+  writer.writeEXIFValue(MCValue("Grüße"), 0x9286);
+  writer.writeEXIFValue(MCValue(3), 0xA300);
+  writer.writeEXIFValue(MCValue(200), 0x8827);  // ISO by the number path
+  writer.writeEXIFValue(MCValue(), 0x0131);
+  writer.writeEXIFValue(MCValue("host"), 0x013C);  // libexif's table has no place for it in JPEG data
+  writer.writeEXIFValue(MCValue("é"), 0x0131);     // refused by the encoder: an entry without bytes
+  writer.writeGPSValue(MCValue(51.5), 2);
+  writer.writeGPSValue(MCValue("N"), 1);
+  writer.writeGPSValue(MCValue("not a time"), 7);
+  writer.writeGPSValue(MCValue("WGS-84"), 40);
+  writer.writeGPSValue(MCValue("GPS"), 27);
+  auto block = writer.exifData();
+  ASSERT_TRUE(block);
+  ASSERT_GE(block->size(), 14u);
+  EXPECT_EQ(MCData(block->begin(), block->begin() + 8), bytes({'E', 'x', 'i', 'f', 0, 0, 'M', 'M'}));
+
+  auto make = find(*block, 0x010F);
+  ASSERT_TRUE(make);
+  EXPECT_EQ(make->ifd, EXIF_IFD_0);
+  EXPECT_EQ(make->format, EXIF_FORMAT_ASCII);
+  EXPECT_EQ(make->components, 5u);
+  EXPECT_EQ(make->data, bytes({'A', 'c', 'm', 'e', 0}));
+  EXPECT_EQ(find(*block, 0x0112)->data, bytes({0, 6}));
+  auto version = find(*block, 0x9000);
+  ASSERT_TRUE(version);
+  EXPECT_EQ(version->ifd, EXIF_IFD_EXIF);
+  EXPECT_EQ(version->data, bytes({'0', '2', '3', '1'}));
+  EXPECT_EQ(find(*block, 0x9101)->data, bytes({1, 2, 3, 0}));
+  EXPECT_FALSE(find(*block, 0x927C));
+  EXPECT_FALSE(find(*block, 0x013C));
+  auto comment = find(*block, 0x9286);
+  ASSERT_TRUE(comment);
+  EXPECT_EQ(MCData(comment->data.begin(), comment->data.begin() + 8), bytes({'U', 'N', 'I', 'C', 'O', 'D', 'E', 0}));
+  EXPECT_EQ(find(*block, 0xA300)->data, bytes({3}));
+  auto iso = find(*block, 0x8827);
+  EXPECT_EQ(iso->format, EXIF_FORMAT_SHORT);
+  EXPECT_EQ(iso->components, 1u);
+  EXPECT_EQ(iso->data, bytes({0, 200}));
+  auto latitude = find(*block, 2, EXIF_IFD_GPS);
+  ASSERT_TRUE(latitude);
+  EXPECT_EQ(latitude->components, 3u);
+  EXPECT_EQ(latitude->data, bytes({0, 0, 0, 51, 0, 0, 0, 1, 0, 0, 0, 30, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1}));
+  EXPECT_FALSE(find(*block, 7, EXIF_IFD_GPS));
+
+  // And back through the reading road.
+  auto exif = MCExifReader::create(*block)->parseExif();
+  ASSERT_TRUE(exif);
+  EXPECT_EQ(exif->tiffMake(), "Acme");
+  EXPECT_EQ(exif->exifUserComment(), "Grüße");
+  EXPECT_EQ(exif->exifVersion(), (MCArray{2, 3, 1}));
+  EXPECT_EQ(exif->gpsLatitude(), MCValue(51.5));
+  EXPECT_EQ(exif->gpsLatitudeRef(), "N");
+  EXPECT_EQ(exif->gpsProcessingMethod(), "GPS");
+  EXPECT_FALSE(exif->tiffSoftware());
+}
+
+TEST(MCExifData, EmptyBlockAndAnEntryWithoutBytes) {
+  MCExifData empty;
+  auto block = empty.exifData();
+  ASSERT_TRUE(block);
+  EXPECT_EQ(MCData(block->begin(), block->begin() + 6), bytes({'E', 'x', 'i', 'f', 0, 0}));
+  MCExifData data;
+  data.addEntry(MCExifEntry(0x010F, MCValue("é")));
+  // libexif's own load skips an entry of no bytes, so look into the block being built.
+  ExifEntry* make = exif_content_get_entry(data.data()->ifd[EXIF_IFD_0], EXIF_TAG_MAKE);
+  ASSERT_TRUE(make) << "the entry is added with no bytes";
+  EXPECT_EQ(make->components, 0u);
+  EXPECT_EQ(make->size, 0u);
+  EXPECT_TRUE(data.exifData());
+}
+
+// What MCExifWriter wrote, exiftool reads back with the same values, tag by tag.
+TEST(MCExifWriter, ExiftoolReadsWhatWasWritten) {
+  if (!run("exiftool -ver").first) GTEST_SKIP() << "exiftool is not installed";
+  fs::path base = plainJPEG("writer-base");
+  MCData jpeg = readBytes(base);
+  ASSERT_GT(jpeg.size(), 2u);
+
+  struct Row {
+    uint16_t tag;
+    bool gps;
+    MCValue value;
+    const char* exiftoolName;
+    nlohmann::json expected;
+  };
+  const std::vector<Row> rows = {
+      {0x010E, false, "A description", "ImageDescription", "A description"},
+      {0x010F, false, "Acme", "Make", "Acme"},
+      {0x0110, false, "Model 1", "Model", "Model 1"},
+      {0x0112, false, 6, "Orientation", 6},
+      {0x011A, false, 300, "XResolution", 300},
+      {0x011B, false, 72.5, "YResolution", 72.5},
+      {0x0128, false, 2, "ResolutionUnit", 2},
+      {0x0131, false, "Vesperon", "Software", "Vesperon"},
+      {0x0132, false, "2024:05:01 10:00:00", "ModifyDate", "2024:05:01 10:00:00"},
+      {0x013B, false, "Ann", "Artist", "Ann"},
+      {0x013E, false, MCArray{0.3125, 0.328125}, "WhitePoint", "0.3125 0.328125"},
+      {0x8298, false, "(c) Ann", "Copyright", "(c) Ann"},
+      {0x829A, false, 0.004, "ExposureTime", 0.004},
+      {0x829D, false, 2.8, "FNumber", 2.8},
+      {0x8822, false, 3, "ExposureProgram", 3},
+      {0x8827, false, MCArray{400}, "ISO", 400},
+      {0x8832, false, 320, "RecommendedExposureIndex", 320},
+      {0x8833, false, 400, "ISOSpeed", 400},
+      {0x9000, false, MCArray{2, 3, 1}, "ExifVersion", "0231"},
+      {0x9003, false, "2024:05:01 10:00:01", "DateTimeOriginal", "2024:05:01 10:00:01"},
+      {0x9010, false, "+02:00", "OffsetTime", "+02:00"},
+      {0x9101, false, MCArray{1, 2, 3, 0}, "ComponentsConfiguration", "1 2 3 0"},
+      {0x9201, false, 7.97, "ShutterSpeedValue", std::pow(2.0, -7.97)},
+      {0x9204, false, -0.7, "ExposureCompensation", -0.7},
+      {0x9206, false, 3.5, "SubjectDistance", 3.5},
+      {0x9207, false, 5, "MeteringMode", 5},
+      {0x9209, false, 16, "Flash", 16},
+      {0x920A, false, 50, "FocalLength", 50},
+      {0x9214, false, MCArray{10, 20, 30, 40}, "SubjectArea", "10 20 30 40"},
+      {0x9286, false, "Hello there", "UserComment", "Hello there"},
+      {0x9290, false, "12", "SubSecTime", "12"},
+      {0xA000, false, MCArray{1, 0}, "FlashpixVersion", "0100"},
+      {0xA001, false, 1, "ColorSpace", 1},
+      {0xA002, false, 6000, "ExifImageWidth", 6000},
+      {0xA003, false, 4000, "ExifImageHeight", 4000},
+      {0xA300, false, 3, "FileSource", 3},
+      {0xA301, false, 1, "SceneType", 1},
+      {0xA402, false, 1, "ExposureMode", 1},
+      {0xA404, false, 1.5, "DigitalZoomRatio", 1.5},
+      {0xA405, false, 75, "FocalLengthIn35mmFormat", 75},
+      {0xA420, false, "ABC123", "ImageUniqueID", "ABC123"},
+      {0xA432, false, MCArray{24, 70, 2.8, 4}, "LensInfo", "24 70 2.8 4"},
+      {0xA434, false, "LM 50", "LensModel", "LM 50"},
+      {0, true, MCArray{2, 3, 0, 0}, "GPSVersionID", "2 3 0 0"},
+      {1, true, "S", "GPSLatitudeRef", "S"},
+      {2, true, 33.5, "GPSLatitude", 33.5},
+      {3, true, "W", "GPSLongitudeRef", "W"},
+      {4, true, 70.123456, "GPSLongitude", 70.123456},
+      {5, true, 1, "GPSAltitudeRef", 1},
+      {6, true, 12.5, "GPSAltitude", 12.5},
+      {7, true, "10:20:30", "GPSTimeStamp", "10:20:30"},
+      {18, true, "WGS-84", "GPSMapDatum", "WGS-84"},
+      {27, true, "GPS", "GPSProcessingMethod", "GPS"},
+      {29, true, "2024:05:01", "GPSDateStamp", "2024:05:01"},
+      {30, true, 1, "GPSDifferential", 1},
+  };
+  MCExifWriter writer;
+  for (const Row& row : rows) {
+    if (row.gps) {
+      writer.writeGPSValue(row.value, row.tag);
+    } else {
+      writer.writeEXIFValue(row.value, row.tag);
+    }
+  }
+  auto block = writer.exifData();
+  ASSERT_TRUE(block);
+  // The block becomes the APP1 segment right after the JPEG's start-of-image marker.
+  MCData file{0xFF, 0xD8, 0xFF, 0xE1, uint8_t((block->size() + 2) >> 8), uint8_t(block->size() + 2)};
+  file.insert(file.end(), block->begin(), block->end());
+  file.insert(file.end(), jpeg.begin() + 2, jpeg.end());
+  fs::path out = scratchDirectory() / "written.jpg";
+  writeBytes(out, file);
+
+  auto [ok, text] = run("exiftool -n -j -EXIF:all '" + out.string() + "'");
+  ASSERT_TRUE(ok) << text;
+  nlohmann::json read = nlohmann::json::parse(text, nullptr, false);
+  ASSERT_TRUE(read.is_array() && read.size() == 1) << text;
+  const nlohmann::json& tags = read[0];
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.exiftoolName);
+    ASSERT_TRUE(tags.contains(row.exiftoolName));
+    nlohmann::json got = tags[row.exiftoolName];
+    // exiftool prints some numbers as text and some digit strings as numbers.
+    if (got.is_string() && row.expected.is_number()) got = std::stod(got.get<std::string>());
+    if (got.is_number() && row.expected.is_string()) got = got.dump();
+    if (row.expected.is_number() && got.is_number()) {
+      EXPECT_NEAR(got.get<double>(), row.expected.get<double>(), 1e-5 * std::max(1.0, std::fabs(row.expected.get<double>())));
+    } else {
+      EXPECT_EQ(got, row.expected);
+    }
+  }
+}
