@@ -2,7 +2,7 @@
 // MCXMPPropertyMap: the one table from image property keys (a sub-dictionary name and a key in it)
 // to XMP properties, used both to find a property when reading and to set one when writing.
 //
-// Exif, TIFF and auxiliary keys follow the XMP specification, part 2 (namespaces exif, exifEX, tiff,
+// Exif, TIFF and auxiliary keys follow Adobe's XMP standard for its additional properties (namespaces exif, exifEX, tiff,
 // aux, and the TIFF fields that XMP keeps in dc and xmp). IPTC keys follow the IPTC Photo Metadata
 // Standard's mapping of IIM fields to XMP (dc, photoshop, Iptc4xmpCore, xmpRights, xmp:Rating).
 // Keys without an XMP counterpart (GPS references, which XMP folds into the coordinate text; IIM
