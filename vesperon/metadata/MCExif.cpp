@@ -62,7 +62,9 @@ MCDictionary MCExif::dictionary() const {
     if (known) {
       // std::round rounds half away from zero.
       double dpiX = std::round(x), dpiY = std::round(y);
-      if (dpiX != 0 && dpiY != 0 && std::isfinite(dpiX) && std::isfinite(dpiY)) {
+      // A resolution no integer can hold (a damaged rational) has no DPI rather than a wrapped one.
+      constexpr double limit = 9.0e18;
+      if (dpiX != 0 && dpiY != 0 && std::fabs(dpiX) < limit && std::fabs(dpiY) < limit) {
         out.emplace(kCGImagePropertyDPIWidth, MCValue(static_cast<int64_t>(dpiX)));
         out.emplace(kCGImagePropertyDPIHeight, MCValue(static_cast<int64_t>(dpiY)));
       }
