@@ -12,6 +12,8 @@
 
 #include <vesperon/browser/MCBrowserViewLayout.h>
 
+#include "BenchTimes.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -134,29 +136,14 @@ void Ours_ItemIndexesInRect(benchmark::State& state) {
 BENCHMARK(Ours_ItemIndexesInRect)->ArgNames({"items", "headers"})->Args({10000, 0})->Args({1000000, 0})
     ->Args({10000, 1})->Args({1000000, 1});
 
-// Keeps each benchmark's CPU time per iteration for the ratios. Every side runs on one thread, and
-// on a shared machine CPU time is the fairer measure: wall time counts the waits for a core.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> times;  // nanoseconds per iteration
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const auto& run : runs)
-      if (!run.error_occurred)
-        times[run.benchmark_name()] = run.GetAdjustedCPUTime() * (run.time_unit == benchmark::kMillisecond ? 1e6 : 1);
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  const auto find = [&](const std::string& name) {
-    auto it = reporter.times.find(name);
-    return it == reporter.times.end() ? -1.0 : it->second;
-  };
+  // Every side runs on one thread; CPU time leaves out the waits for a core on a shared machine.
+  BenchTimes find(BenchTimes::Clock::CPU);
+  benchmark::RunSpecifiedBenchmarks(&find);
   std::printf("\nBrowser layout, 1,000,000 items in 10,000 groups (CPU time):\n");
   const double layout = find("Ours_Layout1M"), memsetTime = find("Peer_Memset1M");
   if (layout > 0 && memsetTime > 0)
@@ -169,7 +156,7 @@ int main(int argc, char** argv) {
       const double a = find(small), b = find(large);
       if (a <= 0 || b <= 0) continue;
       std::printf("  %-24s headers %d: %6.1f M calls/s at 1M items; 1M vs 10k items: %.2fx the time%s\n", query + 5,
-                  headers, 1e3 / b, b / a,
+                  headers, 1e-3 / b, b / a,
                   std::string(query) == "Ours_ItemIndexAtPoint" && !headers ? "  (goal >= 10 M calls/s)" : "");
     }
   benchmark::Shutdown();

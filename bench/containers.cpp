@@ -18,6 +18,8 @@
 #include <vesperon/core/MCRedBlackTree.h>
 #include <vesperon/core/MCSortedArray.h>
 
+#include "BenchTimes.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -225,31 +227,13 @@ BENCHMARK(Peer_IndexSetRuns)->Unit(benchmark::kMillisecond)->Iterations(2);
 BENCHMARK(Ours_IndexAtIndexWalk)->Unit(benchmark::kMillisecond);
 BENCHMARK(Peer_IndexAtIndexWalk)->Unit(benchmark::kMillisecond)->Iterations(2);
 
-// Keeps each benchmark's time per iteration for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> times;  // milliseconds per iteration
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const auto& run : runs)
-      if (!run.error_occurred) {
-        std::string name = run.benchmark_name();
-        name = name.substr(0, name.find('/'));
-        times[name] = run.GetAdjustedRealTime();
-      }
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  const auto time = [&](const std::string& name) {
-    auto it = reporter.times.find(name);
-    return it == reporter.times.end() ? -1.0 : it->second;
-  };
+  BenchTimes time;
+  benchmark::RunSpecifiedBenchmarks(&time);
   std::vector<std::string> missed;
   std::printf("\nSorted containers and index set, ours vs peer (time ratio; lower is better):\n");
   struct Row {

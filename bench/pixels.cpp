@@ -12,6 +12,8 @@
 #include <vesperon/pixels/MCBitmapFilters.h>
 #include <vesperon/pixels/MCBitmapHistograms.h>
 
+#include "BenchTimes.h"
+
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
 
@@ -165,30 +167,20 @@ BENCHMARK(Vips_HistFind)->Unit(benchmark::kMillisecond);
 BENCHMARK(Ours_CompareFast64MB)->Unit(benchmark::kMillisecond);
 BENCHMARK(Peer_Memcpy64MB)->Unit(benchmark::kMillisecond);
 
-// Keeps each benchmark's time per iteration for the ratios.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> times;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const auto& run : runs)
-      if (!run.error_occurred) times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
+  BenchTimes times;
+  benchmark::RunSpecifiedBenchmarks(&times);
   const auto ratio = [&](const char* label, const char* ours, const char* peer, const char* goal) {
-    auto a = reporter.times.find(ours), b = reporter.times.find(peer);
-    if (a == reporter.times.end() || b == reporter.times.end()) {
+    const double a = times(ours), b = times(peer);
+    if (a <= 0 || b <= 0) {
       std::printf("%-44s n/a (a side did not run)\n", label);
       return;
     }
-    std::printf("%-44s %.2fx the peer's speed  (%s)\n", label, b->second / a->second, goal);
+    std::printf("%-44s %.2fx the peer's speed  (%s)\n", label, b / a, goal);
   };
   std::printf("\nRatios (peer time / our time; above 1 means faster than the peer):\n");
   ratio("tent blur 9 vs vips_gaussblur sigma 2", "Ours_TentBlur9", "Vips_GaussBlurSigma2", "reported");

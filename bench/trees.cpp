@@ -10,6 +10,8 @@
 #include <vesperon/trees/MCTreeBuilder.h>
 #include <vesperon/trees/MCTreeController.h>
 
+#include "BenchTimes.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
@@ -152,28 +154,13 @@ void Peer_SmartSetItems(benchmark::State& state) {
 }
 BENCHMARK(Peer_SmartSetItems)->Unit(benchmark::kMillisecond);
 
-// Keeps each benchmark's CPU time per iteration (ms) for the ratios; on a shared machine CPU time
-// is the fairer measure.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> times;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const auto& run : runs)
-      if (!run.error_occurred) times[run.benchmark_name()] = run.GetAdjustedCPUTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
 int main(int argc, char** argv) {
   benchmark::Initialize(&argc, argv);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  auto find = [&](const char* name) {
-    auto it = reporter.times.find(name);
-    return it == reporter.times.end() ? -1.0 : it->second;
-  };
+  BenchTimes find(BenchTimes::Clock::CPU);
+  benchmark::RunSpecifiedBenchmarks(&find);
   std::printf("\nTrees, %d photos in year / month / day, batches of %d (CPU time, goal >= 10x):\n", kPhotos, kBatch);
   auto ratio = [&](const char* ours, const char* peer, const char* what) {
     const double a = find(ours), b = find(peer);

@@ -7,6 +7,8 @@
 
 #include <vesperon/metadata/MCExifReader.h>
 
+#include "../BenchTimes.h"
+
 #include <benchmark/benchmark.h>
 #include <exiv2/exiv2.hpp>
 #include <libexif/exif-data.h>
@@ -128,14 +130,6 @@ void Exiv2_Decode(benchmark::State& state) {
   }
 }
 
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  std::map<std::string, double> times;
-  void ReportRuns(const std::vector<Run>& runs) override {
-    for (const Run& run : runs) times[run.benchmark_name()] = run.GetAdjustedRealTime();
-    ConsoleReporter::ReportRuns(runs);
-  }
-};
 
 }  // namespace
 
@@ -151,16 +145,14 @@ int main(int argc, char** argv) {
   }
   std::printf("block: %zu bytes, %d blocks per iteration\n", blocks()[0].size(), kBlocks);
   Exiv2::LogMsg::setLevel(Exiv2::LogMsg::mute);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  auto ours = reporter.times.find("Ours_ReaderParseDictionary");
-  auto bare = reporter.times.find("Libexif_Load");
-  auto exiv2 = reporter.times.find("Exiv2_Decode");
-  if (ours != reporter.times.end() && bare != reporter.times.end() && exiv2 != reporter.times.end()) {
+  BenchTimes times;
+  benchmark::RunSpecifiedBenchmarks(&times);
+  const double ours = times("Ours_ReaderParseDictionary"), bare = times("Libexif_Load"), exiv2 = times("Exiv2_Decode");
+  if (ours > 0 && bare > 0 && exiv2 > 0) {
     std::printf("\nRatios:\n");
-    std::printf("%-52s %.2fx  (goal <= 1.5)\n", "whole road / libexif's bare load (time)", ours->second / bare->second);
+    std::printf("%-52s %.2fx  (goal <= 1.5)\n", "whole road / libexif's bare load (time)", ours / bare);
     std::printf("%-52s %.2fx  (goal > 1)\n", "Exiv2 / whole road (time; above 1 = faster than Exiv2)",
-                exiv2->second / ours->second);
+                exiv2 / ours);
   }
   benchmark::Shutdown();
   return 0;
