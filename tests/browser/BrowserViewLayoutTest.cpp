@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <cmath>
 #include <limits>
 #include <map>
@@ -42,16 +44,6 @@ struct Grid {
     layout.rebuild([groups](uint64_t g, uint64_t) { return g < groups.size() ? groups[g] : NSNotFound; });
   }
 };
-
-template <typename F>
-std::string thrownMessage(F&& f) {
-  try {
-    f();
-  } catch (const std::exception& e) {
-    return e.what();
-  }
-  return "(nothing thrown)";
-}
 
 // The grid built independently, one group, line and cell at a time, with a running offset along
 // the scrolling axis. Frames are worked out as if vertical and transposed for horizontal layout.

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -10,16 +12,6 @@
 namespace {
 
 std::vector<uint64_t> entries(const MCIndexMap& map) { return std::vector<uint64_t>(map.data(), map.data() + map.count()); }
-
-template <typename F>
-std::string thrownMessage(F&& f) {
-  try {
-    f();
-  } catch (const std::exception& e) {
-    return e.what();
-  }
-  return "(nothing thrown)";
-}
 
 constexpr uint64_t G = NSNotFound;
 

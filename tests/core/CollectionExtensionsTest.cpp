@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <memory>
 #include <random>
 #include <set>
@@ -90,12 +92,8 @@ TEST(MCIndexSetExtensions, NthIndexAndMissedIndexes) {
   MCIndexSet s{2, 3, 7};
   EXPECT_EQ(indexAtIndex(s, 0), 2u);
   EXPECT_EQ(indexAtIndex(s, 2), 7u);
-  try {
-    indexAtIndex(s, 3);
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "*** indexAtIndex: index 3 is out of range [0..3]");
-  }
+  EXPECT_EQ(thrownMessage<std::out_of_range>([&] { indexAtIndex(s, 3); }),
+            "*** indexAtIndex: index 3 is out of range [0..3]");
   MCIndexSet big(MCRange{1000, 1000000});
   big.addIndexesInRange({5000000, 10});
   EXPECT_EQ(indexAtIndex(big, 1000003), 5000003u);
@@ -108,12 +106,8 @@ TEST(MCIndexSetExtensions, NthIndexAndMissedIndexes) {
   EXPECT_EQ(missedIndexLessThanOrEqualToIndex(held, 4, {3, 5}), NSNotFound);
   EXPECT_EQ(missedIndexLessThanOrEqualToIndex(held, 6, {0, 10}), 6u);
   EXPECT_EQ(missedIndexLessThanOrEqualToIndex(MCIndexSet{0, 1}, 1, {0, 10}), NSNotFound);
-  try {
-    missedIndexGreaterThanOrEqualToIndex(held, 12, {0, 10});
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "*** missedIndexGreaterThanOrEqualToIndex: index 12 is out of range {0, 10}");
-  }
+  EXPECT_EQ(thrownMessage<std::out_of_range>([&] { missedIndexGreaterThanOrEqualToIndex(held, 12, {0, 10}); }),
+            "*** missedIndexGreaterThanOrEqualToIndex: index 12 is out of range {0, 10}");
   // Against a walk index by index.
   std::mt19937 rng(4);
   for (int trial = 0; trial < 300; ++trial) {

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <algorithm>
 #include <random>
 #include <vector>
@@ -16,12 +18,8 @@ TEST(MCIndexMap, RepeatsAValueAndRefusesOutOfRangeReads) {
   EXPECT_EQ(map.indexAtIndex(0), 7u);
   EXPECT_EQ(map.indexAtIndex(2), 7u) << "the same value, not 7, 8, 9";
   EXPECT_EQ(map.indexAtIndex(3), 9u);
-  try {
-    map.indexAtIndex(4);
-    FAIL() << "no exception";
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "*** MCIndexMap::indexAtIndex: index 4 is out of range [0..4]");
-  }
+  EXPECT_EQ(thrownMessage<std::out_of_range>([&] { map.indexAtIndex(4); }),
+            "*** MCIndexMap::indexAtIndex: index 4 is out of range [0..4]");
   EXPECT_THROW(map.indexAtIndex(NSNotFound), std::out_of_range);
   map.removeAllIndexes();
   EXPECT_EQ(map.count(), 0u);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <cmath>
 #include <memory>
 #include <random>
@@ -41,18 +43,10 @@ TEST(MCRedBlackTree, RefusesDuplicatesKeepingTheFirstAndHandlesEmptyTrees) {
   EXPECT_TRUE(tree.removeObject(second)) << "found by comparator, not by pointer";
   EXPECT_EQ(tree.count(), 0u);
 
-  try {
-    tree.insertObject(nullptr);
-    FAIL();
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** MCRedBlackTree::insertObject: object must not be nil");
-  }
-  try {
-    tree.removeObject(nullptr);
-    FAIL();
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** MCRedBlackTree::removeObject: object must not be nil");
-  }
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { tree.insertObject(nullptr); }),
+            "*** MCRedBlackTree::insertObject: object must not be nil");
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { tree.removeObject(nullptr); }),
+            "*** MCRedBlackTree::removeObject: object must not be nil");
   EXPECT_EQ(MCRedBlackTree<int>::create(nullptr), nullptr);
   EXPECT_FALSE(MCRedBlackTree<int>(compareInts).minObject().has_value());
 }

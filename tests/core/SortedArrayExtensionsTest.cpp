@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <algorithm>
 #include <functional>
 #include <random>
@@ -32,12 +34,8 @@ TEST(MCBinarySearchInArray, FindsHitsAndAnswersNotFoundOnMissesAndEmptyRanges) {
   EXPECT_EQ(MCBinarySearchInArray(values, 5, 2, seek(7)), NSNotFound) << "end before first";
 
   EXPECT_EQ(binarySearchWithBlock(values, seek(9)), 4u);
-  try {
-    binarySearchWithBlock(values, std::function<int(int)>());
-    FAIL();
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** binarySearchWithBlock: block must not be nil");
-  }
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { binarySearchWithBlock(values, std::function<int(int)>()); }),
+            "*** binarySearchWithBlock: block must not be nil");
 }
 
 TEST(MCBinarySearchInsertionIndex, EmptyAndOneSidedSearches) {

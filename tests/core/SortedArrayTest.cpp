@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <memory>
 #include <random>
 #include <set>
@@ -61,12 +63,8 @@ TEST(MCSortedArray, StaysInOrderThroughRandomInsertsAndRemovalsLikeAMultiset) {
 TEST(MCSortedArray, RefusesNilAndDistinguishesEqualFromIdentical) {
   using Ptr = std::shared_ptr<std::string>;
   MCSortedArray<Ptr> array([](const Ptr& a, const Ptr& b) { return MCCompareValues(a->size(), b->size()); });
-  try {
-    array.insertObject(nullptr);
-    FAIL();
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** MCSortedArray::insertObject: object must not be nil");
-  }
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { array.insertObject(nullptr); }),
+            "*** MCSortedArray::insertObject: object must not be nil");
   EXPECT_THROW(array.removeObject(nullptr), std::invalid_argument);
   EXPECT_THROW(array.removeObjectEqualTo(nullptr), std::invalid_argument);
   EXPECT_THROW(array.removeObjectIdenticalTo(nullptr), std::invalid_argument);
@@ -83,12 +81,8 @@ TEST(MCSortedArray, RefusesNilAndDistinguishesEqualFromIdentical) {
   array.removeObjectEqualTo(std::make_shared<std::string>("ab"));  // a fresh pointer, equal text
   ASSERT_EQ(array.count(), 1u);
   EXPECT_EQ(array[0], b);
-  try {
-    array.objectAtIndex(3);
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "*** MCSortedArray::objectAtIndex: index 3 is out of range [0..1]");
-  }
+  EXPECT_EQ(thrownMessage<std::out_of_range>([&] { array.objectAtIndex(3); }),
+            "*** MCSortedArray::objectAtIndex: index 3 is out of range [0..1]");
   int calls = 0;
   array.enumerateObjectsUsingBlock([&](const Ptr&, uint64_t, bool& stop) {
     ++calls;

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -95,12 +97,8 @@ TEST(MCValueObserver, BadIndexesChangeNothingAndRaise) {
   MCValueObserver<List> observer(album, "photos");
   Recorder recorder;
   recorder.attach(observer);
-  try {
-    album->photos.insertObject(3, 3);
-    FAIL();
-  } catch (const std::out_of_range& e) {
-    EXPECT_STREQ(e.what(), "*** MCObservableArray::insertObject: index 3 is out of range [0..2]");
-  }
+  EXPECT_EQ(thrownMessage<std::out_of_range>([&] { album->photos.insertObject(3, 3); }),
+            "*** MCObservableArray::insertObject: index 3 is out of range [0..2]");
   EXPECT_THROW(album->photos.removeObjectAtIndex(2), std::out_of_range);
   EXPECT_THROW(album->photos.replaceObjectAtIndex(NSNotFound, 0), std::out_of_range);
   EXPECT_THROW(album->photos.removeObjectsAtIndexes(MCIndexSet{1, 2}), std::out_of_range);

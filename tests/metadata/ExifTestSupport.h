@@ -1,10 +1,10 @@
 #pragma once
-// Helpers of the Exif tests: log capture through the log file, files, and the peer programs
-// (cjpeg to make a JPEG, exiftool to write and read Exif).
+// Helpers of the Exif tests: files, and the peer programs (cjpeg to make a JPEG, exiftool to write
+// and read Exif).
 
-#include <vesperon/core/MCLog.h>
-#include <vesperon/core/MCLogWriter.h>
 #include <vesperon/core/MCValue.h>
+
+#include "../support/LogCapture.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -65,36 +65,6 @@ inline fs::path plainJPEG(const std::string& name) {
   return jpg;
 }
 
-/// Captures what the library logs while it lives, through the process's log file.
-class LogCapture {
- public:
-  LogCapture() {
-    // Keep the log file of the test run out of the user's state folder (effective only before the
-    // process's writer is first made).
-    static const bool redirected = [] {
-      return ::setenv("XDG_STATE_HOME", (scratchDirectory() / "state").c_str(), 0) == 0;
-    }();
-    (void)redirected;
-    if (!MCLogWriter::fileWriter()) return;
-    writer_ = MCLogWriter::fileWriter();
-    writer_->flush();
-    start_ = readText(writer_->fileURL()).size();
-    MCLog::setWritesToFile(true);
-  }
-  ~LogCapture() { MCLog::setWritesToFile(false); }
-  bool available() const { return writer_ != nullptr; }
-  /// Everything logged since the capture began.
-  std::string text() const {
-    if (!writer_) return {};
-    writer_->flush();
-    std::string all = readText(writer_->fileURL());
-    return all.size() > start_ ? all.substr(start_) : std::string();
-  }
-  bool contains(const std::string& message) const { return text().find(message) != std::string::npos; }
-
- private:
-  MCLogWriter* writer_ = nullptr;
-  std::size_t start_ = 0;
-};
+using ::LogCapture;
 
 }  // namespace exif_test

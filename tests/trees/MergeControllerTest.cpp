@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -53,12 +55,8 @@ TEST(MergeController, RefusesToMergeWithoutAllThreeBlocks) {
   merge.setOldBlock([](const int&, uint64_t) {});
   merge.setNewBlock([](const int&, uint64_t) {});
   auto compare = [](const int& a, const int& b) { return MCCompareValues(a, b); };
-  try {
-    merge.merge({1}, {1}, compare);
-    FAIL() << "merged without an equal block";
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** MCMergeController::merge: block must not be nil");
-  }
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { merge.merge({1}, {1}, compare); }),
+            "*** MCMergeController::merge: block must not be nil");
 }
 
 }  // namespace

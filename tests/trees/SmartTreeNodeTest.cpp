@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <memory>
 #include <random>
 #include <stdexcept>
@@ -152,22 +154,14 @@ TEST(SmartTreeNode, RefusesRootOperationsBelowTheRootAndMismatchedNodes) {
   auto rule = tens();
   Tree tree({rule}, {1, 12});
   auto child = tree.nodes()[0];
-  auto message = [](auto&& call) {
-    try {
-      call();
-    } catch (const std::exception& e) {
-      return std::string(e.what());
-    }
-    return std::string("no exception");
-  };
-  EXPECT_EQ(message([&] { child->addItems({3}); }), "*** MCSmartTreeNode::addItems: must be called on the root node");
-  EXPECT_EQ(message([&] { child->setRules({}); }), "*** MCSmartTreeNode::setRules: must be called on the root node");
+  EXPECT_EQ(thrownMessage([&] { child->addItems({3}); }), "*** MCSmartTreeNode::addItems: must be called on the root node");
+  EXPECT_EQ(thrownMessage([&] { child->setRules({}); }), "*** MCSmartTreeNode::setRules: must be called on the root node");
   EXPECT_THROW(child->removeItems({1}), std::logic_error);
   EXPECT_THROW(child->setItems({1}), std::logic_error);
-  EXPECT_EQ(message([&] { tree.unionNode(nullptr); }), "*** MCSmartTreeNode::unionNode: node must not be nil");
-  EXPECT_EQ(message([&] { tree.minusNode(child); }), "*** MCSmartTreeNode::minusNode: node's _rule must be equal to the receiver's");
+  EXPECT_EQ(thrownMessage([&] { tree.unionNode(nullptr); }), "*** MCSmartTreeNode::unionNode: node must not be nil");
+  EXPECT_EQ(thrownMessage([&] { tree.minusNode(child); }), "*** MCSmartTreeNode::minusNode: node's _rule must be equal to the receiver's");
   Tree stranger({tens()}, {1});
-  EXPECT_EQ(message([&] { tree.unionNode(stranger.copyWithItems({5})); }),
+  EXPECT_EQ(thrownMessage([&] { tree.unionNode(stranger.copyWithItems({5})); }),
             "*** MCSmartTreeNode::unionNode: node's _prototype must be equal to the receiver's");
   EXPECT_EQ(outline(tree), "(1,12 {(1)(12)})");
 }

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/ThrownMessage.h"
+
 #include <stdexcept>
 #include <string>
 
@@ -63,12 +65,8 @@ TEST(TreeBuilder, AbstractComparisonsFailAtFirstUseOnly) {
   auto a = photo("a", 2020, 1, 1), b = photo("b", 2021, 1, 1);
   MCTreeController<PhotoPtr> controller(builder, {a});
   EXPECT_EQ(outline(controller.root(), false), "(a {(a)})");
-  try {
-    controller.insertItems({b});
-    FAIL() << "merged children without compareNode";
-  } catch (const std::invalid_argument& e) {
-    EXPECT_STREQ(e.what(), "*** MCTreeBuilderRule::compareNode: unrecognized selector sent to instance");
-  }
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { controller.insertItems({b}); }),
+            "*** MCTreeBuilderRule::compareNode: unrecognized selector sent to instance");
 
   Rule bare;
   EXPECT_TRUE(bare.nodesWithItems({a}).size() == 1);  // one item needs no comparison
