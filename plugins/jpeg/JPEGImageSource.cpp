@@ -38,7 +38,7 @@ JPEGImageSource::JPEGImageSource(std::filesystem::path url, MCImageSourceOptions
       height_(header->height()),
       colorModel_(header->colorModel()) {
   const auto& segment = header->exifSegment();
-  if (!segment.empty()) exif_ = ExifBlock::create(segment.data(), segment.size());
+  if (!segment.empty()) exif_ = EmbeddedExif::create(segment.data(), segment.size());
   header_ = std::move(header);
 }
 
@@ -100,7 +100,8 @@ MCRasterImageRef JPEGImageSource::newThumbnailWithOptions(const MCThumbnailReadi
 }
 
 std::optional<MCDictionary> JPEGImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
-  MCDictionary properties;
+  // What the Exif block says first; the frame itself knows its size and depth better.
+  MCDictionary properties = exif_ ? exif_->properties() : MCDictionary();
   properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(width_));
   properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(height_));
   properties[kCGImagePropertyDepth] = MCValue(int64_t(8));
@@ -108,10 +109,6 @@ std::optional<MCDictionary> JPEGImageSource::metadataWithOptions(const std::opti
     case JPEGDecoder::ColorModel::Gray: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelGray; break;
     case JPEGDecoder::ColorModel::CMYK: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelCMYK; break;
     case JPEGDecoder::ColorModel::RGB: properties[kCGImagePropertyColorModel] = kCGImagePropertyColorModelRGB; break;
-  }
-  if (exif_) {
-    if (unsigned orientation = exif_->orientation()) properties[kCGImagePropertyOrientation] = MCValue(int64_t(orientation));
-    exif_->addProperties(properties);
   }
   return properties;
 }

@@ -5,13 +5,14 @@
 //                            libjpeg-turbo's DCT scaling when the factor is 2, 4 or 8
 //   newThumbnailWithOptions  the embedded Exif (IFD 1) thumbnail or one made from the image, by the
 //                            platform's rules (see the .cpp), oriented on request
-//   metadataWithOptions      pixel size, orientation, depth, colour model and the TIFF, Exif and
-//                            GPS sub-dictionaries
+//   metadataWithOptions      the Exif block's nested property dictionary as MCExif presents it
+//                            (orientation, DPI, TIFF, Exif and GPS sub-dictionaries), with the
+//                            frame's own pixel size, depth and colour model
 //
 // Grayscale and CMYK files come out as RGBA like any other. Embedded ICC profiles are not applied:
 // the pixels are taken as sRGB.
 
-#include "ExifBlock.h"
+#include "EmbeddedExif.h"
 #include "JPEGDecoder.h"
 
 #include <vesperon/codecs/MCImageCodec.h>
@@ -41,7 +42,7 @@ class JPEGImageSource : public MCImageSource {
   MCImageSourceOptions options_;
   std::size_t width_, height_;
   JPEGDecoder::ColorModel colorModel_;
-  std::unique_ptr<ExifBlock> exif_;
+  std::unique_ptr<EmbeddedExif> exif_;
   std::unique_ptr<JPEGDecoder> header_;  // reused for the first decode: the header is read once
 };
 

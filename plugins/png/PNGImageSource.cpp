@@ -71,7 +71,7 @@ std::shared_ptr<PNGImageSource> PNGImageSource::create(const std::filesystem::pa
 
 PNGImageSource::PNGImageSource(std::filesystem::path url, MCImageSourceOptions options, Header header)
     : url_(std::move(url)), options_(std::move(options)), header_(std::move(header)) {
-  if (!header_.exif.empty()) exif_ = ExifBlock::create(header_.exif.data(), header_.exif.size());
+  if (!header_.exif.empty()) exif_ = EmbeddedExif::create(header_.exif.data(), header_.exif.size());
 }
 
 bool PNGImageSource::decode(RGBAPixels& out) const {
@@ -139,17 +139,13 @@ MCRasterImageRef PNGImageSource::newThumbnailWithOptions(const MCThumbnailReadin
 }
 
 std::optional<MCDictionary> PNGImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
-  MCDictionary properties;
+  MCDictionary properties = exif_ ? exif_->properties() : MCDictionary();
   properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(header_.width));
   properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(header_.height));
   properties[kCGImagePropertyDepth] = MCValue(int64_t(header_.bitDepth));
   properties[kCGImagePropertyHasAlpha] = MCValue(header_.hasTransparency);
   const bool gray = (header_.colorType & PNG_COLOR_MASK_COLOR) == 0;
   properties[kCGImagePropertyColorModel] = gray ? kCGImagePropertyColorModelGray : kCGImagePropertyColorModelRGB;
-  if (exif_) {
-    if (unsigned orientation = exif_->orientation()) properties[kCGImagePropertyOrientation] = MCValue(int64_t(orientation));
-    exif_->addProperties(properties);
-  }
   return properties;
 }
 

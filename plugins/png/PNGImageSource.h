@@ -10,7 +10,7 @@
 //
 // libpng's errors are caught per call; a damaged file gives none.
 
-#include "ExifBlock.h"
+#include "EmbeddedExif.h"
 #include "PixelResampler.h"
 
 #include <vesperon/codecs/MCImageCodec.h>
@@ -41,7 +41,7 @@ class PNGImageSource : public MCImageSource {
   std::filesystem::path url_;
   MCImageSourceOptions options_;
   Header header_;
-  std::unique_ptr<ExifBlock> exif_;
+  std::unique_ptr<EmbeddedExif> exif_;
 };
 
 }  // namespace mc_detail
