@@ -61,17 +61,6 @@ TEST(MCLayoutMatrix, FoldsTwoSectionsIntoLinesWithGapCells) {
             "*** MCLayoutMatrix::itemsRangeOfSectionAtIndex: index 2 is out of range [0..2]");
 }
 
-TEST(MCLayoutMatrix, ExactMultiplesAndSingleItems) {
-  MCLayoutMatrix m(5);
-  m.addSectionWithSize(10);
-  m.addSectionWithSize(1);
-  EXPECT_EQ(m.cellsRangeOfSectionAtIndex(0), MCMakeRange(0, 10)) << "no gap cells for an exact multiple";
-  EXPECT_EQ(m.linesRangeOfSectionAtIndex(1), MCMakeRange(2, 1));
-  EXPECT_EQ(m.cellsRangeOfSectionAtIndex(1), MCMakeRange(10, 5));
-  const auto cells = entries(m.cellToItemMap());
-  EXPECT_EQ(std::vector<uint64_t>(cells.begin() + 10, cells.end()), (std::vector<uint64_t>{10, G, G, G, G}));
-}
-
 TEST(MCLayoutMatrix, PassesOverEmptySectionsAndKeepsTheirRanges) {
   MCLayoutMatrix empty(3);
   EXPECT_EQ(empty.numberOfSections(), 0u);

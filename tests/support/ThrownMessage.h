@@ -4,6 +4,7 @@
 
 #include <exception>
 #include <string>
+#include <type_traits>
 
 template <typename E = std::exception, typename F>
 std::string thrownMessage(F&& call) {
@@ -11,8 +12,17 @@ std::string thrownMessage(F&& call) {
     call();
   } catch (const E& e) {
     return e.what();
-  } catch (const std::exception& e) {
-    return std::string("(another exception: ") + e.what() + ")";
+  } catch (...) {
+    // Only reached when E is narrower than what was thrown.
+    if constexpr (!std::is_same_v<E, std::exception>) {
+      try {
+        throw;
+      } catch (const std::exception& e) {
+        return std::string("(another exception: ") + e.what() + ")";
+      } catch (...) {
+      }
+    }
+    return "(not a standard exception)";
   }
   return "(nothing thrown)";
 }
