@@ -1,6 +1,9 @@
 #include "JPEGDecoder.h"
 
+#include "ProfileConversion.h"
+
 #include <csetjmp>
+#include <cstdlib>
 #include <cstring>
 
 #include <jerror.h>
@@ -94,6 +97,7 @@ bool JPEGDecoder::readHeader() {
     jpeg_stdio_src(&s.cinfo, s.file);
   }
   jpeg_save_markers(&s.cinfo, JPEG_APP0 + 1, 0xFFFF);
+  jpeg_save_markers(&s.cinfo, JPEG_APP0 + 2, 0xFFFF);
   if (jpeg_read_header(&s.cinfo, TRUE) != JPEG_HEADER_OK) return false;
   if (s.error.truncated) return false;
   width_ = s.cinfo.image_width;
@@ -112,6 +116,13 @@ bool JPEGDecoder::readHeader() {
       exif_.assign(marker->data, marker->data + marker->data_length);
       break;
     }
+  }
+  JOCTET* icc = nullptr;
+  unsigned int iccLength = 0;
+  // A profile whose segments do not add up is ignored, as if there were none.
+  if (jpeg_read_icc_profile(&s.cinfo, &icc, &iccLength) && icc) {
+    icc_.assign(icc, icc + iccLength);
+    std::free(icc);
   }
   return true;
 }
@@ -152,9 +163,13 @@ bool JPEGDecoder::decode(unsigned scaleNumerator, RGBAPixels& out) {
   // The rest of the stream (trailing markers) is not needed.
   jpeg_abort_decompress(&s.cinfo);
 
+  const bool inverted = cmyk && s.cinfo.saw_Adobe_marker;
+  if (!icc_.empty()) {
+    const ProfiledLayout layout = !cmyk ? ProfiledLayout::RGBA : inverted ? ProfiledLayout::InvertedCMYK : ProfiledLayout::CMYK;
+    if (convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, layout, icc_)) return true;
+  }
   if (cmyk) {
     // Photoshop writes CMYK inverted (its Adobe segment says so); others store plain ink values.
-    const bool inverted = s.cinfo.saw_Adobe_marker;
     uint8_t* p = out.bytes.data();
     for (std::size_t i = 0, n = out.width * out.height; i < n; ++i, p += 4) {
       unsigned c = p[0], m = p[1], y = p[2], k = p[3];

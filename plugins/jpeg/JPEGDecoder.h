@@ -4,6 +4,10 @@
 // libjpeg's fatal errors are caught per decoder and turn into a failed call; they never end the
 // process. A stream that ends before its image data does counts as a failure too, so a truncated
 // file gives no image rather than one filled with grey.
+//
+// Pixels come out in sRGB: an embedded ICC profile (APP2 "ICC_PROFILE" segments) of the file's
+// model is applied through Little CMS; without one, RGB is taken as sRGB and CMYK is converted by
+// the plain ink formula.
 
 #include "PixelResampler.h"
 
@@ -33,6 +37,8 @@ class JPEGDecoder {
   ColorModel colorModel() const { return colorModel_; }
   /// The payload of the first APP1 Exif segment, starting with "Exif\0\0"; empty if none.
   const std::vector<uint8_t>& exifSegment() const { return exif_; }
+  /// The embedded ICC profile, reassembled from its segments; empty if none.
+  const std::vector<uint8_t>& iccProfile() const { return icc_; }
 
   /// The smallest scale n/8 (n from 1 to 8) whose output still has a larger side of at least
   /// `pixelSize`; 8 when `pixelSize` is 0 or beyond the full size.
@@ -49,6 +55,7 @@ class JPEGDecoder {
   std::size_t width_ = 0, height_ = 0;
   ColorModel colorModel_ = ColorModel::RGB;
   std::vector<uint8_t> exif_;
+  std::vector<uint8_t> icc_;
 };
 
 }  // namespace mc_detail

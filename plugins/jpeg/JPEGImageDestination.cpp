@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <algorithm>
 #include <string>
+#include <vector>
 
 #include <jpeglib.h>
 #include <sys/stat.h>
@@ -45,8 +46,9 @@ J_COLOR_SPACE inputLayout(const MCRasterImage& image, int& components) {
   return JCS_UNKNOWN;
 }
 
-// Compresses `image` into `file`; false on any libjpeg error.
-bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, int quality, FILE* file) {
+// Compresses `image` into `file`, with an ICC profile when `icc` has one; false on any libjpeg error.
+bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, int quality,
+              const std::vector<uint8_t>& icc, FILE* file) {
   jpeg_compress_struct cinfo{};
   ErrorManager error;
   cinfo.err = jpeg_std_error(&error.base);
@@ -65,6 +67,7 @@ bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, 
   jpeg_set_defaults(&cinfo);
   jpeg_set_quality(&cinfo, quality, TRUE);
   jpeg_start_compress(&cinfo, TRUE);
+  if (!icc.empty()) jpeg_write_icc_profile(&cinfo, icc.data(), unsigned(icc.size()));
   while (cinfo.next_scanline < cinfo.image_height) {
     JSAMPROW row = const_cast<JSAMPROW>(image.row(cinfo.next_scanline));
     jpeg_write_scanlines(&cinfo, &row, 1);
@@ -99,7 +102,10 @@ bool JPEGImageDestination::finalize() {
     unlink(temporary.c_str());
     return false;
   }
-  bool ok = compress(*image_, layout, components, quality, file);
+  // The pixels stay as they are; with the profile a reader knows what they mean.
+  std::vector<uint8_t> icc;
+  if (options_.embedColorProfile && image_->colorSpace()) icc = image_->colorSpace()->iccData();
+  bool ok = compress(*image_, layout, components, quality, icc, file);
   ok = std::fflush(file) == 0 && ok;
   ok = std::fclose(file) == 0 && ok;
   if (ok) {

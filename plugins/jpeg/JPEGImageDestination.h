@@ -5,7 +5,8 @@
 // subsampled 4:2:0. The file is written under a temporary name beside the target and renamed
 // into place by `finalize`, so a failed or interrupted write never leaves a partial file.
 // Accepted images: 8 bits per component, gray or RGB, with or without an alpha or padding byte in
-// any of the platform's layouts; alpha is dropped.
+// any of the platform's layouts; alpha is dropped. With `embedColorProfile` the image's colour
+// space goes into the file as an ICC profile.
 
 #include <vesperon/codecs/MCImageCodec.h>
 

@@ -9,8 +9,8 @@
 //                            (orientation, DPI, TIFF, Exif and GPS sub-dictionaries), with the
 //                            frame's own pixel size, depth and colour model
 //
-// Grayscale and CMYK files come out as RGBA like any other. Embedded ICC profiles are not applied:
-// the pixels are taken as sRGB.
+// Grayscale and CMYK files come out as RGBA like any other, and every image is in sRGB: an
+// embedded ICC profile is applied when the pixels are decoded.
 
 #include "EmbeddedExif.h"
 #include "JPEGDecoder.h"

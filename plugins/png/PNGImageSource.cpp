@@ -1,5 +1,7 @@
 #include "PNGImageSource.h"
 
+#include "ProfileConversion.h"
+
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <png.h>
@@ -56,6 +58,12 @@ bool readInfo(Reader& reader, PNGImageSource::Header& header) {
   if (png_get_eXIf_1(reader.png, reader.info, &exifSize, &exif) && exif && exifSize > 0)
     header.exif.assign(exif, exif + exifSize);
 #endif
+  png_charp iccName = nullptr;
+  png_bytep icc = nullptr;
+  png_uint_32 iccSize = 0;
+  int compression = 0;
+  if (png_get_iCCP(reader.png, reader.info, &iccName, &compression, &icc, &iccSize) && icc && iccSize > 0)
+    header.icc.assign(icc, icc + iccSize);
   return width > 0 && height > 0;
 }
 
@@ -95,6 +103,7 @@ bool PNGImageSource::decode(RGBAPixels& out) const {
   if (png_get_rowbytes(reader.png, reader.info) != out.width * 4) return false;
   png_read_image(reader.png, rows.data());
   png_read_end(reader.png, nullptr);
+  convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, ProfiledLayout::RGBA, header.icc);
 
   // The library's RGBA images are premultiplied.
   if (header.hasTransparency) {

@@ -2,7 +2,8 @@
 // PNGImageSource: one opened PNG file, read with libpng.
 //
 //   newImage                 the full image as 8-bit RGBA in sRGB (16-bit samples reduced,
-//                            palettes and gray expanded, transparency kept and premultiplied)
+//                            palettes and gray expanded, an RGB iCCP profile applied,
+//                            transparency kept and premultiplied)
 //   newThumbnailWithOptions  always made from the full image (a PNG holds no thumbnail), unless
 //                            neither creation flag is set; bounded and oriented as asked
 //   metadataWithOptions      pixel size, depth, alpha, colour model, orientation, and the TIFF,
@@ -32,6 +33,7 @@ class PNGImageSource : public MCImageSource {
     int colorType = 0;
     bool hasTransparency = false;
     std::vector<uint8_t> exif;
+    std::vector<uint8_t> icc;
   };
 
  private:

@@ -2,6 +2,8 @@
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <lcms2.h>
+
 #include <fstream>
 #include <unistd.h>
 
@@ -227,5 +229,41 @@ TEST(JPEGCodec, DestinationWritesAReadableFileAtomically) {
   ASSERT_TRUE(lost->addImage(image, nullptr));
   EXPECT_FALSE(lost->finalize());
   EXPECT_FALSE(fs::exists(dir / "missing"));
+  fs::remove_all(dir);
+}
+
+TEST(JPEGCodec, EmbeddedProfilesAreWrittenAndConvertedToSRGB) {
+  // A space whose red primary is sRGB's green and whose curve is linear: stored (128, 0, 0) is
+  // sRGB green at the sRGB encoding of 0.5, which is 188. Ignoring the profile would give red.
+  cmsCIExyY white;
+  cmsWhitePointFromTemp(&white, 6504);
+  cmsCIExyYTRIPLE primaries = {{0.30, 0.60, 1.0}, {0.64, 0.33, 1.0}, {0.15, 0.06, 1.0}};
+  cmsToneCurve* linear = cmsBuildGamma(nullptr, 1.0);
+  cmsToneCurve* curves[3] = {linear, linear, linear};
+  cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, curves);
+  cmsUInt32Number length = 0;
+  cmsSaveProfileToMem(profile, nullptr, &length);
+  std::vector<uint8_t> icc(length);
+  cmsSaveProfileToMem(profile, icc.data(), &length);
+  cmsCloseProfile(profile);
+  cmsFreeToneCurve(linear);
+
+  std::vector<uint8_t> pixels(16 * 16 * 4, 0);
+  for (std::size_t i = 0; i < pixels.size(); i += 4) pixels[i] = 128;
+  auto image = MCRasterImage::create(16, 16, 8, 32, 64, MCColorSpace::createWithICCData(icc), MCImageAlphaNoneSkipLast,
+                                     std::move(pixels));
+  ASSERT_TRUE(image);
+  fs::path dir = scratchDirectory("jpeg-icc");
+  MCImageDestinationOptions options("public.jpeg");
+  options.embedColorProfile = true;
+  auto destination = codecFor("public.jpeg")->imageDestinationAtURL(dir / "wide.jpg", options);
+  ASSERT_TRUE(destination->addImage(image, nullptr));
+  ASSERT_TRUE(destination->finalize());
+
+  auto source = openSource("public.jpeg", dir / "wide.jpg");
+  ASSERT_TRUE(source);
+  EXPECT_TRUE(colourNear(source->newImage(), 0.5, 0.5, {0, 188, 0}, 6));
+  EXPECT_TRUE(colourNear(source->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 8)), 0.5, 0.5,
+                         {0, 188, 0}, 6));
   fs::remove_all(dir);
 }
