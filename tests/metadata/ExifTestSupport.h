@@ -65,6 +65,19 @@ inline fs::path plainJPEG(const std::string& name) {
   return jpg;
 }
 
+/// A copy of `plainJPEG` with `block` (which opens with "Exif\0\0") as the APP1 segment right after
+/// the start-of-image marker.
+inline fs::path jpegWithExif(const std::string& name, const MCData& block) {
+  MCData jpeg = readBytes(plainJPEG(name + "-base"));
+  if (jpeg.size() < 2) return {};
+  MCData file{0xFF, 0xD8, 0xFF, 0xE1, uint8_t((block.size() + 2) >> 8), uint8_t(block.size() + 2)};
+  file.insert(file.end(), block.begin(), block.end());
+  file.insert(file.end(), jpeg.begin() + 2, jpeg.end());
+  fs::path out = scratchDirectory() / (name + ".jpg");
+  writeBytes(out, file);
+  return out;
+}
+
 using ::LogCapture;
 
 }  // namespace exif_test

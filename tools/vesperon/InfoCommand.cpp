@@ -1,45 +1,71 @@
-// vesperon info FILE…: the Exif block of each file (JPEG, or a bare Exif/TIFF block), parsed into
-// an MCExif record and printed as its nested property dictionary: one JSON object keyed by path.
-// A file without Exif prints an empty object; a file that cannot be read prints null, a line on
-// stderr, and makes the exit status 1.
+// vesperon info FILE… [--merge-mask N]: the metadata of each file as one JSON object keyed by path.
+// The file's own Exif block (JPEG, or a bare Exif/TIFF block) is parsed into an MCExif record and
+// presented as its nested property dictionary; the XMP sidecar beside the file (same name,
+// extension "xmp"), when there is one, is read and merged into it by the metadata reader's merge.
+// Where both have the "{Exif}", "{GPS}" or "{IPTC}" sub-dictionary, the file's wins unless the mask
+// has bit 1, 2 or 4 set, which lets the sidecar's keys win in that sub-dictionary; a sub-dictionary
+// only one side has is always taken. The mask defaults to 0.
+// A file without Exif or sidecar prints an empty object; a file that cannot be read prints null, a
+// line on stderr, and makes the exit status 1.
 
+#include "CommandFiles.h"
 #include "VesperonCommand.h"
 
-#include <vesperon/core/MCValueJSON.h>
+#include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExifReader.h>
 
-#include <cstdio>
-#include <fstream>
-#include <iterator>
+#include <stdexcept>
 
 namespace {
 
-std::optional<MCData> readFile(const std::string& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return std::nullopt;
-  MCData bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-  if (in.bad()) return std::nullopt;
-  return bytes;
+std::optional<uint64_t> parseMask(const std::string& text) {
+  if (text.empty() || text[0] == '-') return std::nullopt;
+  try {
+    std::size_t used = 0;
+    uint64_t mask = std::stoull(text, &used, 0);
+    if (used == text.size()) return mask;
+  } catch (const std::exception&) {
+  }
+  return std::nullopt;
 }
 
 int runInfo(const std::vector<std::string>& arguments) {
-  if (arguments.empty()) {
-    std::fprintf(stderr, "usage: vesperon info FILE...\n");
+  std::vector<std::string> paths;
+  uint64_t mask = 0;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (arguments[i] != "--merge-mask") {
+      paths.push_back(arguments[i]);
+      continue;
+    }
+    auto parsed = i + 1 < arguments.size() ? parseMask(arguments[++i]) : std::nullopt;
+    if (!parsed) {
+      std::fprintf(stderr, "vesperon info: --merge-mask takes an unsigned number (bits 1 Exif, 2 GPS, 4 IPTC)\n");
+      return 2;
+    }
+    mask = *parsed;
+  }
+  if (paths.empty()) {
+    std::fprintf(stderr, "usage: vesperon info FILE... [--merge-mask N]\n");
     return 2;
   }
   int status = 0;
   nlohmann::json out = nlohmann::json::object();
-  for (const std::string& path : arguments) {
-    auto bytes = readFile(path);
+  for (const std::string& path : paths) {
+    auto bytes = readFileBytes(path);
     if (!bytes) {
       std::fprintf(stderr, "vesperon info: cannot read %s\n", path.c_str());
       out[path] = nullptr;
       status = 1;
       continue;
     }
-    std::shared_ptr<MCExif> exif;
-    if (auto reader = MCExifReader::create(*bytes)) exif = reader->parseExif();
-    out[path] = exif ? MCValueToJSON(exif->dictionary()) : nlohmann::json::object();
+    MCDictionary properties;
+    if (auto reader = MCExifReader::create(*bytes)) {
+      if (auto exif = reader->parseExif()) properties = exif->dictionary();
+    }
+    if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(path)) {
+      properties = MCCGImageMetadataReader::mergeImageMetadata(properties, *sidecar, mask);
+    }
+    out[path] = MCValueToJSON(MCValue(std::move(properties)));
   }
   std::printf("%s\n", out.dump(2).c_str());
   return status;
@@ -47,4 +73,5 @@ int runInfo(const std::vector<std::string>& arguments) {
 
 }  // namespace
 
-VESPERON_COMMAND("info", "FILE...", "print the Exif metadata of image files as JSON", runInfo)
+VESPERON_COMMAND("info", "FILE... [--merge-mask N]",
+                 "print the Exif metadata of image files, merged with their XMP sidecars, as JSON", runInfo)

@@ -1,7 +1,7 @@
 #include <vesperon/metadata/MCCGImageMetadataPropertyReader.h>
 
 #include <vesperon/metadata/MCDateExtensions.h>
-#include <vesperon/core/MCLog.h>
+#include <vesperon/metadata/MCExifUtils.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <cstdio>
@@ -23,20 +23,6 @@ MCCGImageMetadataPropertyReader MCCGImageMetadataPropertyReader::exifAuxWithName
 }
 
 namespace {
-
-// The version scans of the Exif road ("0231" gives 2, 3, 1; "0100" gives 1, 0), kept here until that
-// road offers them.
-std::optional<MCArray> versionArray(const std::string& text, bool exifVersion) {
-  unsigned a = 0, b = 0, c = 0;
-  if (exifVersion ? std::sscanf(text.c_str(), "%02u%01u%01u", &a, &b, &c) == 3
-                  : std::sscanf(text.c_str(), "%02u%02u", &a, &b) == 2) {
-    return exifVersion ? MCArray{a, b, c} : MCArray{a, b};
-  }
-  MCLog::sdkGraphics()->logError(std::string(exifVersion ? "Failed to parse Exif Version from string: "
-                                                         : "Failed to parse FlashPix Version from string: ") +
-                                 text);
-  return std::nullopt;
-}
 
 MCValue readString(const std::string& text, int64_t elementType) {
   switch (elementType) {
@@ -130,7 +116,9 @@ MCValue MCCGImageMetadataPropertyReader::readValueFromMetadata(const MCImageMeta
   } else if (propertyName_ == kCGImagePropertyExifVersion || propertyName_ == kCGImagePropertyExifFlashPixVersion) {
     const std::string* text = value.string();
     if (!text) return {};
-    auto parts = versionArray(*text, propertyName_ == kCGImagePropertyExifVersion);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(text->data());
+    auto parts = propertyName_ == kCGImagePropertyExifVersion ? MCExifUtils::arrayFromExifVersionData(bytes, text->size())
+                                                              : MCExifUtils::arrayFromFlashPixVersionData(bytes, text->size());
     return parts ? MCValue(std::move(*parts)) : MCValue();
   } else if (propertyName_ == kCGImagePropertyExifISOSpeedRatings) {
     if (const MCArray* items = value.array()) {

@@ -1,5 +1,6 @@
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 
+#include <vesperon/core/MCDictionaryExtensions.h>
 #include <vesperon/metadata/GPSStringParser.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
@@ -7,7 +8,6 @@
 #include <libxml/tree.h>
 
 #include <cmath>
-#include <functional>
 #include <stdexcept>
 
 namespace {
@@ -27,38 +27,8 @@ std::vector<Rule> rules(Rule (*make)(std::string, int64_t),
   return out;
 }
 
-// Two dictionaries key by key over the union of their keys: a key on one side keeps its value; a key
-// on both goes to `resolve` (key, first value, second value), or, with `recursively` and two
-// dictionaries, to the same merge one level down.
-using Resolver = std::function<MCValue(const std::string&, const MCValue&, const MCValue&)>;
-MCDictionary merge(const MCDictionary& first, const MCDictionary& second, bool recursively, const Resolver& resolve) {
-  MCDictionary result = first;
-  for (const auto& [key, value] : second) {
-    auto found = result.find(key);
-    if (found == result.end()) {
-      result.emplace(key, value);
-    } else if (recursively && found->second.isDictionary() && value.isDictionary()) {
-      found->second = merge(*found->second.dictionary(), *value.dictionary(), recursively, resolve);
-    } else {
-      found->second = resolve(key, found->second, value);
-    }
-  }
-  return result;
-}
-
 MCDictionary xmpWins(const MCDictionary& image, const MCDictionary& xmp) {
   return merge(image, xmp, false, [](const std::string&, const MCValue&, const MCValue& xmpValue) { return xmpValue; });
-}
-
-std::optional<std::string> stringOf(const MCDictionary& dictionary, const char* key) {
-  const MCValue* value = MCDictionaryGet(dictionary, key);
-  if (value && value->isString()) return *value->string();
-  return std::nullopt;
-}
-
-MCValue valueOf(const MCDictionary& dictionary, const char* key) {
-  const MCValue* value = MCDictionaryGet(dictionary, key);
-  return value ? *value : MCValue();
 }
 
 }  // namespace
@@ -183,8 +153,12 @@ MCDictionary MCCGImageMetadataReader::extractMetadataFromXMPData(const MCData& d
 
 void MCCGImageMetadataReader::normalizeGPSDictionary(MCDictionary& gps) {
   GPSStringParser parser;
-  auto store = [&](const char* key, const char* referenceKey, std::optional<double> number, MCValue negative,
-                   MCValue positive) {
+  using Parse = std::optional<double> (GPSStringParser::*)(const MCValue&, const std::optional<std::string>&) const;
+  auto normalize = [&](const char* key, const char* referenceKey, Parse parse, MCValue negative, MCValue positive) {
+    const MCValue* value = MCDictionaryGet(gps, key);
+    const std::string* reference = safeStringForKey(gps, referenceKey);
+    std::optional<double> number = (parser.*parse)(value ? *value : MCValue(),
+                                                   reference ? std::optional<std::string>(*reference) : std::nullopt);
     if (!number) {
       gps.erase(key);
       gps.erase(referenceKey);
@@ -193,16 +167,12 @@ void MCCGImageMetadataReader::normalizeGPSDictionary(MCDictionary& gps) {
     gps.insert_or_assign(key, MCValue(std::fabs(*number)));
     gps.insert_or_assign(referenceKey, *number < 0 ? std::move(negative) : std::move(positive));
   };
-  store(kCGImagePropertyGPSAltitude, kCGImagePropertyGPSAltitudeRef,
-        parser.parseAltitude(valueOf(gps, kCGImagePropertyGPSAltitude), stringOf(gps, kCGImagePropertyGPSAltitudeRef)),
-        MCValue(1), MCValue(0));
-  store(kCGImagePropertyGPSLatitude, kCGImagePropertyGPSLatitudeRef,
-        parser.parseLatitude(valueOf(gps, kCGImagePropertyGPSLatitude), stringOf(gps, kCGImagePropertyGPSLatitudeRef)),
-        MCValue("S"), MCValue("N"));
-  store(kCGImagePropertyGPSLongitude, kCGImagePropertyGPSLongitudeRef,
-        parser.parseLongitude(valueOf(gps, kCGImagePropertyGPSLongitude),
-                              stringOf(gps, kCGImagePropertyGPSLongitudeRef)),
-        MCValue("W"), MCValue("E"));
+  normalize(kCGImagePropertyGPSAltitude, kCGImagePropertyGPSAltitudeRef, &GPSStringParser::parseAltitude, MCValue(1),
+            MCValue(0));
+  normalize(kCGImagePropertyGPSLatitude, kCGImagePropertyGPSLatitudeRef, &GPSStringParser::parseLatitude, MCValue("S"),
+            MCValue("N"));
+  normalize(kCGImagePropertyGPSLongitude, kCGImagePropertyGPSLongitudeRef, &GPSStringParser::parseLongitude,
+            MCValue("W"), MCValue("E"));
 }
 
 std::optional<MCDictionary> MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(

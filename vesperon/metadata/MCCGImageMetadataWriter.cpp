@@ -1,5 +1,6 @@
 #include <vesperon/metadata/MCCGImageMetadataWriter.h>
 
+#include <vesperon/metadata/MCExifWriter.h>
 #include <vesperon/metadata/MCImageMetadata.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
@@ -121,6 +122,21 @@ const MCCGImageMetadataWriter::TagMap& MCCGImageMetadataWriter::cgImagePropertyT
     return out;
   }();
   return map;
+}
+
+std::optional<MCData> MCCGImageMetadataWriter::exifDataFromCGImageProperties(const MCDictionary& properties) const {
+  MCExifWriter writer;
+  auto write = [&](const char* dictionaryName, const TagMap& tags, void (MCExifWriter::*writeValue)(const MCValue&, uint16_t)) {
+    const MCDictionary* sub = MCDictionaryGetDictionary(properties, dictionaryName);
+    if (!sub) return;
+    for (const auto& [key, value] : *sub) {
+      if (auto tag = tags.find(key); tag != tags.end()) (writer.*writeValue)(value, tag->second);
+    }
+  };
+  write(kCGImagePropertyTIFFDictionary, cgImagePropertyToExifTIFFTagMap(), &MCExifWriter::writeEXIFValue);
+  write(kCGImagePropertyExifDictionary, cgImagePropertyToExifTagMap(), &MCExifWriter::writeEXIFValue);
+  write(kCGImagePropertyGPSDictionary, cgImagePropertyToExifGPSTagMap(), &MCExifWriter::writeGPSValue);
+  return writer.exifData();
 }
 
 std::optional<MCData> MCCGImageMetadataWriter::xmpDataFromCGImageProperties(const MCDictionary& properties) const {

@@ -24,6 +24,11 @@ class MCCGImageMetadataWriter {
   /// Keys of "{GPS}" to GPS tags 0 to 31.
   const TagMap& cgImagePropertyToExifGPSTagMap() const;
 
+  /// The Exif block of the "{TIFF}", "{Exif}" and "{GPS}" sub-dictionaries, through MCExifWriter:
+  /// each key the maps have becomes its tag, the rest is passed over in silence. None when libexif
+  /// saves nothing.
+  std::optional<MCData> exifDataFromCGImageProperties(const MCDictionary& properties) const;
+
   /// An XMP packet of the "{ExifAux}" and "{IPTC}" sub-dictionaries, each value in the XMP form of
   /// its property; keys without a property are passed over. None when no packet can be made.
   std::optional<MCData> xmpDataFromCGImageProperties(const MCDictionary& properties) const;

@@ -1,6 +1,7 @@
 #include <vesperon/metadata/MCImageMetadata.h>
 
 #include <vesperon/metadata/MCDateExtensions.h>
+#include <vesperon/metadata/MCExifUtils.h>
 #include <vesperon/metadata/MCXMPPropertyMap.h>
 
 #include <exempi/xmp.h>
@@ -234,17 +235,11 @@ std::optional<std::string> dateText(const MCValue& value) {
 
 std::optional<std::string> versionText(const MCValue& value) {
   if (const MCArray* parts = value.array()) {
-    std::vector<int64_t> numbers;
-    for (const MCValue& part : *parts) {
-      auto n = part.integerValue();
-      if (!n || *n < 0 || *n > 99) return std::nullopt;
-      numbers.push_back(*n);
-    }
-    if (numbers.size() == 3 && numbers[1] < 10 && numbers[2] < 10) {
-      return fmt::format("{:02}{}{}", numbers[0], numbers[1], numbers[2]);
-    }
-    if (numbers.size() == 2) return fmt::format("{:02}{:02}", numbers[0], numbers[1]);
-    return std::nullopt;
+    // Three parts are an Exif version ("0231"), two a FlashPix one ("0100").
+    auto bytes = parts->size() == 3 ? MCExifUtils::dataWithExifVersionComponents(*parts)
+                                    : MCExifUtils::dataWithFlashPixVersionComponents(*parts);
+    if (!bytes) return std::nullopt;
+    return std::string(bytes->begin(), bytes->end());
   }
   if (const MCData* bytes = value.data()) return std::string(bytes->begin(), bytes->end());
   return scalarText(value);
