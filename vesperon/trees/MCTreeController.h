@@ -113,10 +113,11 @@ class MCTreeController {
       const Items& items = node->items();
       for (uint64_t i = 0; i < items.size(); ++i) {
         const T& item = items[i];
-        if (lookForInserted && inserted.contains(item)) {
+        const uint64_t h = FastSet::spread(item);
+        if (lookForInserted && inserted.contains(item, h)) {
           held.insert(item);
-          if (removing.contains(item)) removingBelow.insert(item);
-        } else if (removing.contains(item)) {
+          if (removing.contains(item, h)) removingBelow.insert(item);
+        } else if (removing.contains(item, h)) {
           lostIndexes.addIndex(i);
           lost.push_back(item);
           removingBelow.insert(item);
