@@ -126,20 +126,26 @@ const std::vector<int>& hundredThousand() {
   static const std::vector<int> values = randomValues(100000, 2);
   return values;
 }
+// Each runs one untimed round first: the first round after the tree benchmarks pays for the heap
+// they left behind, and only one of the two would be first.
 void Ours_SortedArrayInsert(benchmark::State& state) {
-  for (auto _ : state) {
+  auto round = [] {
     MCSortedArray<int> array(kCompare);
     for (int v : hundredThousand()) array.insertObject(v);
     benchmark::DoNotOptimize(array.count());
-  }
+  };
+  round();
+  for (auto _ : state) round();
 }
 void Peer_SortedArrayInsert(benchmark::State& state) {
-  for (auto _ : state) {
+  auto round = [] {
     std::vector<int> array;
     for (int v : hundredThousand())
       array.insert(std::lower_bound(array.begin(), array.end(), v, Less{&kCompare}), v);
     benchmark::DoNotOptimize(array.size());
-  }
+  };
+  round();
+  for (auto _ : state) round();
 }
 BENCHMARK(Ours_SortedArrayInsert)->Unit(benchmark::kMillisecond)->Iterations(6);
 BENCHMARK(Peer_SortedArrayInsert)->Unit(benchmark::kMillisecond)->Iterations(6);
