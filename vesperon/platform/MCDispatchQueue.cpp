@@ -90,20 +90,13 @@ void MCDispatchQueue::async(std::function<void()> work) { enqueue(std::move(work
 
 void MCDispatchQueue::barrierAsync(std::function<void()> work) { enqueue(std::move(work), true); }
 
-void MCDispatchQueue::sync(const std::function<void()>& work) {
-  std::promise<void> done;
-  enqueue([&] {
-    try {
-      work();
-      done.set_value();
-    } catch (...) {
-      done.set_exception(std::current_exception());
-    }
-  }, false);
-  done.get_future().get();
-}
+void MCDispatchQueue::sync(const std::function<void()>& work) { enqueueAndWait(work, false); }
 
-void MCDispatchQueue::barrierSync(const std::function<void()>& work) {
+void MCDispatchQueue::barrierSync(const std::function<void()>& work) { enqueueAndWait(work, true); }
+
+// The caller waits on the promise, so the item may refer to `work` and `done` by reference;
+// an exception thrown by the work is carried back to the caller.
+void MCDispatchQueue::enqueueAndWait(const std::function<void()>& work, bool barrier) {
   std::promise<void> done;
   enqueue([&] {
     try {
@@ -112,6 +105,6 @@ void MCDispatchQueue::barrierSync(const std::function<void()>& work) {
     } catch (...) {
       done.set_exception(std::current_exception());
     }
-  }, true);
+  }, barrier);
   done.get_future().get();
 }

@@ -33,5 +33,6 @@ class MCDispatchQueue {
  private:
   struct State;
   void enqueue(std::function<void()> work, bool barrier);
+  void enqueueAndWait(const std::function<void()>& work, bool barrier);
   std::shared_ptr<State> state_;
 };
