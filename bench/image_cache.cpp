@@ -4,7 +4,10 @@
 // temporary file is left — and reports operations per second.
 //
 // Peer, in the same run: the same file operations done directly (MCSaveImageToURL,
-// MCCreateImageWithURL, remove) on one thread, without the cache's queues.
+// MCCreateImageWithURL, remove) on one thread, without the cache's locks and atomic replace. The
+// two take turns over slices of 1,000 identifiers, and each reports its processor time per
+// operation as well: on a shared machine the wall-clock ratio moves with the neighbours' load
+// (a process with more threads gets a larger share), the processor time much less.
 
 #include <vesperon/pipeline/MCImageCache.h>
 #include <vesperon/pixels/MCImageFiles.h>
@@ -14,12 +17,14 @@
 #include <cstdio>
 #include <random>
 #include <thread>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
 
 constexpr int kThreads = 8;
 constexpr int64_t kIdentifiers = 10000;
+constexpr int64_t kRound = 1000;
 constexpr std::size_t kSide = 48;
 
 MCRasterImageRef imageFor(int64_t id) {
@@ -44,6 +49,14 @@ double seconds(std::chrono::steady_clock::time_point since) {
   return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
 }
 
+// Processor time of the whole process, user and system, in seconds.
+double cpuSeconds() {
+  rusage usage{};
+  getrusage(RUSAGE_SELF, &usage);
+  const auto add = [](const timeval& t) { return double(t.tv_sec) + double(t.tv_usec) / 1e6; };
+  return add(usage.ru_utime) + add(usage.ru_stime);
+}
+
 }  // namespace
 
 int main() {
@@ -58,14 +71,16 @@ int main() {
   // The cache: each thread owns the identifiers ≡ t (mod 8); it adds each, reads it back, removes
   // every third one, and in between reads a random identifier of any thread.
   std::atomic<long> operations{0}, broken{0};
-  const auto start = std::chrono::steady_clock::now();
-  {
-    MCImageCache cache(root / "cache");
+  long peerOperations = 0;
+  double cacheSeconds = 0, peerSeconds = 0, cacheCPU = 0, peerCPU = 0;
+  std::mt19937 peerRandom{99};
+  MCImageCache cache(root / "cache");
+  const auto cacheRound = [&](int64_t first, int64_t last) {
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t)
       threads.emplace_back([&, t] {
-        std::mt19937 random{unsigned(t) + 1};
-        for (int64_t id = t; id < kIdentifiers; id += kThreads) {
+        std::mt19937 random{unsigned(t + first) + 1};
+        for (int64_t id = first + t; id < last; id += kThreads) {
           const int64_t size = id % 2 ? 128 : 256;
           cache.addImage(imageFor(id), id, size);
           if (!whole(cache.imageWithIdentifier(id, size), id)) ++broken;
@@ -79,8 +94,38 @@ int main() {
         }
       });
     for (auto& thread : threads) thread.join();
+  };
+  // The peer: the same adds, reads and removes straight on the files, one thread.
+  const auto peerRound = [&](int64_t first, int64_t last) {
+    for (int64_t id = first; id < last; ++id) {
+      const auto url = root / "direct" / std::to_string(id % 256) / (std::to_string(id) + ".JPG");
+      MCSaveImageToURL(imageFor(id), url);
+      (void)MCCreateImageWithURL(url);
+      const int64_t other = int64_t(peerRandom() % uint64_t(kIdentifiers));
+      const auto otherURL = root / "direct" / std::to_string(other % 256) / (std::to_string(other) + ".JPG");
+      if (std::filesystem::exists(otherURL)) (void)MCCreateImageWithURL(otherURL);
+      peerOperations += 3;
+      if (id % 3 == 0) {
+        std::filesystem::remove(url);
+        ++peerOperations;
+      }
+    }
+  };
+  // The two take turns over slices of the identifiers, so that both meet the same load from
+  // whatever else the machine is doing.
+  for (int64_t first = 0; first < kIdentifiers; first += kRound) {
+    const int64_t last = std::min(first + kRound, kIdentifiers);
+    auto start = std::chrono::steady_clock::now();
+    double cpu = cpuSeconds();
+    cacheRound(first, last);
+    cacheSeconds += seconds(start);
+    cacheCPU += cpuSeconds() - cpu;
+    start = std::chrono::steady_clock::now();
+    cpu = cpuSeconds();
+    peerRound(first, last);
+    peerSeconds += seconds(start);
+    peerCPU += cpuSeconds() - cpu;
   }
-  const double cacheSeconds = seconds(start);
 
   // Afterwards, from a fresh cache object: survivors decode, removed ones are gone, nothing stray.
   long lost = 0, leftover = 0, stray = 0;
@@ -96,31 +141,13 @@ int main() {
       if (entry.is_regular_file() && entry.path().extension() != ".JPG") ++stray;
   }
 
-  // The peer: the same adds, reads and removes straight on the files, one thread.
-  long peerOperations = 0;
-  const auto peerStart = std::chrono::steady_clock::now();
-  std::mt19937 random{99};
-  for (int64_t id = 0; id < kIdentifiers; ++id) {
-    const auto url = root / "direct" / std::to_string(id % 256) / (std::to_string(id) + ".JPG");
-    MCSaveImageToURL(imageFor(id), url);
-    (void)MCCreateImageWithURL(url);
-    const int64_t other = int64_t(random() % uint64_t(kIdentifiers));
-    const auto otherURL = root / "direct" / std::to_string(other % 256) / (std::to_string(other) + ".JPG");
-    if (std::filesystem::exists(otherURL)) (void)MCCreateImageWithURL(otherURL);
-    peerOperations += 3;
-    if (id % 3 == 0) {
-      std::filesystem::remove(url);
-      ++peerOperations;
-    }
-  }
-  const double peerSeconds = seconds(peerStart);
   std::filesystem::remove_all(root);
 
   const double ours = double(operations) / cacheSeconds, peer = double(peerOperations) / peerSeconds;
-  std::printf("MCImageCache, %d threads, %lld identifiers: %ld operations in %.2f s = %.0f ops/s\n", kThreads,
-              (long long)kIdentifiers, operations.load(), cacheSeconds, ours);
-  std::printf("peer, direct file operations on one thread:  %ld operations in %.2f s = %.0f ops/s\n", peerOperations,
-              peerSeconds, peer);
+  std::printf("MCImageCache, %d threads, %lld identifiers: %ld operations in %.2f s = %.0f ops/s (%.0f us of CPU each)\n",
+              kThreads, (long long)kIdentifiers, operations.load(), cacheSeconds, ours, cacheCPU * 1e6 / double(operations));
+  std::printf("peer, direct file operations on one thread:  %ld operations in %.2f s = %.0f ops/s (%.0f us of CPU each)\n",
+              peerOperations, peerSeconds, peer, peerCPU * 1e6 / double(peerOperations));
   std::printf("ratio (cache / direct): %.2fx\n", ours / peer);
   std::printf("torn reads: %ld, lost files: %ld, removed files still there: %ld, stray files: %ld\n", broken.load(),
               lost, leftover, stray);

@@ -2,14 +2,13 @@
 #include <vesperon/platform/MCApplicationDirectories.h>
 
 #include <charconv>
+#include <mutex>
 
 MCImageCache::MCImageCache()
     : MCImageCache(MCApplicationDirectories::cacheDirectory() / MCApplicationDirectories::applicationIdentifier()) {}
 
 MCImageCache::MCImageCache(std::filesystem::path root)
-    : log_(MCLog::sdkImageCache()),
-      syncQueue_(std::make_unique<MCDispatchQueue>("com.quillary.image-cache", MCDispatchQueue::Kind::Concurrent)),
-      root_(std::move(root)) {
+    : log_(MCLog::sdkImageCache()), root_(std::move(root)) {
   loadContainers();
 }
 
@@ -46,101 +45,71 @@ void MCImageCache::loadContainers() {
 }
 
 std::shared_ptr<MCImageCacheContainer> MCImageCache::containerForPixelSize(int64_t pixelSize) {
-  std::shared_ptr<MCImageCacheContainer> container;
-  syncQueue_->sync([&] {
-    auto it = containers_.find(pixelSize);
-    if (it != containers_.end()) container = it->second;
-  });
-  if (container) return container;
-  syncQueue_->barrierSync([&] {
-    auto it = containers_.find(pixelSize);
-    if (it != containers_.end()) {
-      container = it->second;
-      return;
-    }
-    std::error_code ec;
-    std::filesystem::create_directories(root_, ec);
-    if (ec || !std::filesystem::is_directory(root_, ec)) {
-      log_->logError("Couldn't create Caches folder");
-      return;
-    }
-    container = std::make_shared<MCImageCacheContainer>(root_ / directoryNameForPixelSize(pixelSize), log_);
-    containers_[pixelSize] = container;
-  });
+  {
+    std::shared_lock lock(syncLock_);
+    if (auto it = containers_.find(pixelSize); it != containers_.end()) return it->second;
+  }
+  std::unique_lock lock(syncLock_);
+  if (auto it = containers_.find(pixelSize); it != containers_.end()) return it->second;
+  std::error_code ec;
+  std::filesystem::create_directories(root_, ec);
+  if (ec || !std::filesystem::is_directory(root_, ec)) {
+    log_->logError("Couldn't create Caches folder");
+    return nullptr;
+  }
+  auto container = std::make_shared<MCImageCacheContainer>(root_ / directoryNameForPixelSize(pixelSize), log_);
+  containers_[pixelSize] = container;
   return container;
 }
 
 MCImageCache::Containers MCImageCache::snapshot() {
-  Containers copy;
-  syncQueue_->sync([&] { copy = containers_; });
-  return copy;
+  std::shared_lock lock(syncLock_);
+  return containers_;
 }
 
 std::vector<int64_t> MCImageCache::pixelSizes() const {
+  std::shared_lock lock(syncLock_);
   std::vector<int64_t> sizes;
-  syncQueue_->sync([&] {
-    for (const auto& [size, container] : containers_) sizes.push_back(size);
-  });
+  for (const auto& [size, container] : containers_) sizes.push_back(size);
   return sizes;
 }
 
 bool MCImageCache::containsImageWithIdentifier(int64_t id, int64_t pixelSize) {
   auto container = containerForPixelSize(pixelSize);
-  if (!container) return false;
-  bool exists = false;
-  container->syncQueue().sync([&] { exists = container->imageExists(container->imageURL(id)); });
-  return exists;
+  return container && container->imageExists(container->imageURL(id));
 }
 
 bool MCImageCache::containsImageWithIdentifier(int64_t id) {
-  for (const auto& [size, container] : snapshot()) {
-    bool exists = false;
-    container->syncQueue().sync([&, c = container] { exists = c->imageExists(c->imageURL(id)); });
-    if (exists) return true;
-  }
+  for (const auto& [size, container] : snapshot())
+    if (container->imageExists(container->imageURL(id))) return true;
   return false;
 }
 
 MCRasterImageRef MCImageCache::imageWithIdentifier(int64_t id, int64_t pixelSize) {
   auto container = containerForPixelSize(pixelSize);
-  if (!container) return nullptr;
-  MCRasterImageRef image;
-  container->syncQueue().sync([&] { image = container->image(container->imageURL(id)); });
-  return image;
+  return container ? container->image(container->imageURL(id)) : nullptr;
 }
 
 MCRasterImageRef MCImageCache::imageWithIdentifierMinPixelSize(int64_t id, int64_t minPixelSize) {
   for (const auto& [size, container] : snapshot()) {
     if (size < minPixelSize) continue;
-    MCRasterImageRef image;
-    container->syncQueue().sync([&, c = container] { image = c->image(c->imageURL(id)); });
-    if (image) return image;
+    if (auto image = container->image(container->imageURL(id))) return image;
   }
   return nullptr;
 }
 
 void MCImageCache::addImage(const MCRasterImageRef& image, int64_t id, int64_t pixelSize) {
-  auto container = containerForPixelSize(pixelSize);
-  if (!container) return;
-  const auto url = container->imageURL(id);
-  container->syncQueue().barrierSync([&] { container->saveImage(image, url, id); });
+  if (auto container = containerForPixelSize(pixelSize)) container->saveImage(image, container->imageURL(id), id);
 }
 
 void MCImageCache::removeImageWithIdentifier(int64_t id, int64_t pixelSize) {
-  auto container = containerForPixelSize(pixelSize);
-  if (!container) return;
-  const auto url = container->imageURL(id);
-  container->syncQueue().barrierSync([&] { container->removeImage(url, id); });
+  if (auto container = containerForPixelSize(pixelSize)) container->removeImage(container->imageURL(id), id);
 }
 
 void MCImageCache::removeImageWithIdentifier(int64_t id) {
-  for (const auto& [size, container] : snapshot()) {
-    const auto url = container->imageURL(id);
-    container->syncQueue().barrierSync([&, c = container] { c->removeImage(url, id); });
-  }
+  for (const auto& [size, container] : snapshot()) container->removeImage(container->imageURL(id), id);
 }
 
 void MCImageCache::clean() {
-  for (const auto& [size, container] : snapshot())
-    container->syncQueue().barrierSync([c = container] { c->clean(); });
+  for (const auto& [size, container] : snapshot()) container->clean();
 }

@@ -10,10 +10,10 @@
 // until clean.
 //
 // Every operation may be called from any thread and waits until its disk work is done. The map of
-// containers is guarded by the reader-writer queue "com.quillary.image-cache"; each container's
-// folder by its own queue, reads as plain items and writes as barriers. The cache's queue is never
-// held while a container's queue is waited for. Asking for an unknown size, even by a query,
-// enters a container for it; its folder appears with the first saved image. Errors go to the log
+// containers is guarded by a reader-writer lock, each container's folder by its own (see
+// MCImageCacheContainer); both are taken on the caller's thread, and the map's lock is never held
+// while a container's is waited for. Asking for an unknown size, even by a query, enters a
+// container for it; its folder appears with the first saved image. Errors go to the log
 // sdkImageCache.
 
 #include <vesperon/pipeline/MCImageCacheContainer.h>
@@ -23,6 +23,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <shared_mutex>
 
 class MCImageCache {
  public:
@@ -66,6 +67,6 @@ class MCImageCache {
 
   std::shared_ptr<MCLog> log_;
   Containers containers_;
-  std::unique_ptr<MCDispatchQueue> syncQueue_;
+  mutable std::shared_mutex syncLock_;
   std::filesystem::path root_;
 };

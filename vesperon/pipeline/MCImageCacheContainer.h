@@ -8,18 +8,21 @@
 //   5 → 00/00/05.JPG, 418 → 00/01/1a2.JPG, 1193046 → 12/1234/123456.JPG.
 // The files are plain JPEGs; there is no index and no record of age or use.
 //
-// The container does no locking of its own: its owner runs imageExists and image as plain items
-// on `syncQueue`, and saveImage, removeImage and clean as barrier items. A save writes a hidden
-// temporary file in the target folder and renames it into place, so neither a crash nor a reader
-// in another process ever sees half a file.
+// The container guards its folder with a reader-writer lock taken on the caller's thread: lookups
+// and reads share it; a save, a removal and clean hold it alone while they change the folder. A
+// save encodes into a hidden temporary file in the target folder while the lock is shared — the
+// name is unique, so saves encode side by side and readers are not held up by the encoder — and
+// only the rename into place is done alone. Neither a crash nor a reader in another process ever
+// sees half a file. (A dispatch queue here would move every call to one of its workers and back:
+// two thread switches per operation, and at most one worker per core for any number of callers.)
 
 #include <vesperon/core/MCLog.h>
-#include <vesperon/platform/MCDispatchQueue.h>
 #include <vesperon/platform/MCRasterImage.h>
 
 #include <cstdint>
 #include <filesystem>
 #include <memory>
+#include <shared_mutex>
 
 class MCImageCacheContainer {
  public:
@@ -30,9 +33,6 @@ class MCImageCacheContainer {
 
   const std::filesystem::path& directoryURL() const { return directoryURL_; }
   const std::shared_ptr<MCLog>& log() const { return log_; }
-  /// Concurrent, labelled "com.quillary.image-cache.container"; one per container.
-  MCDispatchQueue& syncQueue() const { return *syncQueue_; }
-
   /// The file of `id`, without touching the disk.
   std::filesystem::path imageURL(int64_t id) const;
   /// Whether a file is there; an error counts as no.
@@ -52,5 +52,5 @@ class MCImageCacheContainer {
  private:
   std::filesystem::path directoryURL_;
   std::shared_ptr<MCLog> log_;
-  std::unique_ptr<MCDispatchQueue> syncQueue_;
+  mutable std::shared_mutex syncLock_;
 };
