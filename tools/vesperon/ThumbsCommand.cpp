@@ -4,7 +4,11 @@
 // is an item at an index path, this command is the cache's delegate, and answers arrive on the main
 // queue, which the command runs. It keeps a bounded window of index paths in flight, as a view
 // keeps only what is near the screen, so memory does not grow with the folder.
+//
+// With --cache (or --cache-dir DIR) the files the persistent image cache holds are answered from it
+// first, and every new thumbnail is stored there (ThumbsPersistentCache).
 
+#include "ThumbsPersistentCache.h"
 #include "VesperonCommand.h"
 
 #include <vesperon/codecs/MCImageCodecManager.h>
@@ -31,6 +35,8 @@ struct Settings {
   fs::path output = "thumbnails";
   int64_t size = 256;
   int64_t jobs = 0;  // 0: the operation queue's default (one per core)
+  bool cache = false;  // through the persistent image cache
+  fs::path cacheDirectory;  // empty: the application's folder under the user's cache folder
 };
 
 bool parse(const std::vector<std::string>& arguments, Settings& settings) {
@@ -49,6 +55,12 @@ bool parse(const std::vector<std::string>& arguments, Settings& settings) {
       if (!number(settings.size)) return false;
     } else if (a == "--jobs") {
       if (!number(settings.jobs)) return false;
+    } else if (a == "--cache") {
+      settings.cache = true;
+    } else if (a == "--cache-dir") {
+      if (i + 1 >= arguments.size()) return false;
+      settings.cacheDirectory = arguments[++i];
+      settings.cache = true;
     } else if (a == "--out") {
       if (i + 1 >= arguments.size()) return false;
       settings.output = arguments[++i];
@@ -118,6 +130,7 @@ class Run : public MCThumbnailCacheDelegate {
                          const MCIndexPath& indexPath) override {
     const fs::path& file = files_[indexPath.item];
     if (!thumbnail || !thumbnail->image() || !write(thumbnail->image(), outputPath(file))) failures_.push_back(file);
+    else if (persistent_) persistent_->store(file, thumbnail->image());
     ++done_;
     --inFlight_;
     progress();
@@ -129,11 +142,26 @@ class Run : public MCThumbnailCacheDelegate {
     refill();
   }
 
+  // Answers every file the persistent cache holds, on `jobs` threads, before the thumbnail cache
+  // starts; the others are stored there as they arrive.
+  void serveFromCache(std::shared_ptr<ThumbsPersistentCache> persistent, unsigned jobs) {
+    persistent_ = std::move(persistent);
+    served_ = persistent_->serve(files_, jobs, [this](std::size_t i, const MCRasterImageRef& image) {
+      return write(image, outputPath(files_[i]));
+    });
+    done_ = fromCache_ = std::size_t(std::count(served_.begin(), served_.end(), true));
+  }
+  std::size_t fromCache() const { return fromCache_; }
+
   // Keeps the window full; a fetch answered from memory calls back before it returns, so the loop
   // re-reads the counters each time.
   void refill() {
     if (!cache_) return;  // not started yet
     while (next_ < files_.size() && inFlight_ < window_) {
+      if (next_ < served_.size() && served_[next_]) {
+        ++next_;
+        continue;
+      }
       ++inFlight_;
       cache_->fetchThumbnailsAtIndexPaths({MCIndexPath::indexPathForItem(next_++, 0)});
     }
@@ -184,6 +212,9 @@ class Run : public MCThumbnailCacheDelegate {
   std::shared_ptr<MCImageCodec> writer_;
   std::shared_ptr<MCThumbnailCache> cache_;
   std::vector<fs::path> failures_;
+  std::shared_ptr<ThumbsPersistentCache> persistent_;
+  std::vector<bool> served_;
+  std::size_t fromCache_ = 0;
   std::size_t next_ = 0, done_ = 0, inFlight_ = 0, window_ = 8;
   bool tty_;
 };
@@ -191,7 +222,7 @@ class Run : public MCThumbnailCacheDelegate {
 int runThumbs(const std::vector<std::string>& arguments) {
   Settings settings;
   if (!parse(arguments, settings)) {
-    std::fprintf(stderr, "usage: vesperon thumbs DIR [--size N] [--out DIR] [--jobs N]\n");
+    std::fprintf(stderr, "usage: vesperon thumbs DIR [--size N] [--out DIR] [--jobs N] [--cache] [--cache-dir DIR]\n");
     return 2;
   }
   std::error_code ec;
@@ -212,6 +243,12 @@ int runThumbs(const std::vector<std::string>& arguments) {
   auto cache = MCThumbnailCache::create(options, 16);
   if (settings.jobs > 0) cache->resourceCache().loader().operationQueue()->setMaxConcurrentOperationCount(settings.jobs);
   cache->setDelegate(run);
+  if (settings.cache) {
+    auto images = settings.cacheDirectory.empty() ? MCImageCache::thumbnailsCache()
+                                                  : std::make_shared<MCImageCache>(settings.cacheDirectory);
+    const int64_t jobs = settings.jobs ? settings.jobs : int64_t(std::thread::hardware_concurrency());
+    run->serveFromCache(std::make_shared<ThumbsPersistentCache>(images, settings.size), unsigned(jobs));
+  }
 
   MCMainQueue::async([run, cache] { run->start(cache); });
   MCMainQueue::runUntil(
@@ -225,13 +262,15 @@ int runThumbs(const std::vector<std::string>& arguments) {
   const double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
   for (const auto& failure : run->failures()) std::fprintf(stderr, "failed: %s\n", failure.c_str());
   const std::size_t files = run->files().size();
-  std::printf("%zu files, %zu failures, %.1f files/s (%.2f s), thumbnails in %s\n", files, run->failures().size(),
+  std::printf("%zu files, %zu failures, %.1f files/s (%.2f s), thumbnails in %s", files, run->failures().size(),
               seconds > 0 ? double(files) / seconds : 0.0, seconds, settings.output.c_str());
+  if (settings.cache) std::printf(", %zu from the image cache", run->fromCache());
+  std::printf("\n");
   // Files that could not be thumbnailed are counted, not fatal: the run itself succeeded.
   return 0;
 }
 
 }  // namespace
 
-VESPERON_COMMAND("thumbs", "DIR [--size N] [--out DIR] [--jobs N]",
+VESPERON_COMMAND("thumbs", "DIR [--size N] [--out DIR] [--jobs N] [--cache] [--cache-dir DIR]",
                  "write a JPEG thumbnail of every image under DIR, through the thumbnail cache", runThumbs)
