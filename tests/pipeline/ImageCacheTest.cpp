@@ -13,13 +13,8 @@
 namespace {
 
 MCRasterImageRef solid(std::size_t side, uint8_t red) {
-  std::vector<uint8_t> pixels(side * side * 4);
-  for (std::size_t i = 0; i < pixels.size(); i += 4) {
-    pixels[i] = red;
-    pixels[i + 1] = 60;
-    pixels[i + 2] = 90;
-    pixels[i + 3] = 255;
-  }
+  std::vector<uint8_t> pixels;
+  for (std::size_t i = 0; i < side * side; ++i) pixels.insert(pixels.end(), {red, 60, 90, 255});
   return MCRasterImage::createRGBA8(side, side, std::move(pixels));
 }
 
@@ -32,9 +27,8 @@ int firstRed(const MCRasterImage& image) {
 // Every file under `folder` that is not a finished .JPG: temporary or partial files.
 std::vector<std::filesystem::path> strayFiles(const std::filesystem::path& folder) {
   std::vector<std::filesystem::path> stray;
-  std::error_code ec;
-  for (auto it = std::filesystem::recursive_directory_iterator(folder, ec); !ec && it != std::filesystem::recursive_directory_iterator(); it.increment(ec))
-    if (it->is_regular_file() && it->path().extension() != ".JPG") stray.push_back(it->path());
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    if (entry.is_regular_file() && entry.path().extension() != ".JPG") stray.push_back(entry.path());
   return stray;
 }
 
@@ -51,6 +45,59 @@ class ImageCacheFiles : public ::testing::Test {
 };
 
 }  // namespace
+
+TEST(ImageCacheContainer, PathTableUsesWholeShiftedNumbers) {
+  MCImageCacheContainer container("/cache/Thumbnails", MCLog::sdkImageCache());
+  EXPECT_EQ(container.imageURL(5), "/cache/Thumbnails/00/00/05.JPG");
+  EXPECT_EQ(container.imageURL(418), "/cache/Thumbnails/00/01/1a2.JPG");
+  EXPECT_EQ(container.imageURL(1193046), "/cache/Thumbnails/12/1234/123456.JPG");
+  EXPECT_EQ(container.imageURL(-1), "/cache/Thumbnails/ffffffffffffffff/ffffffffffffffff/ffffffffffffffff.JPG")
+      << "the sign survives the arithmetic shift";
+  EXPECT_EQ(container.imageURL(0x1200).parent_path(), container.imageURL(0x12ff).parent_path());
+  EXPECT_NE(container.imageURL(0x1200).parent_path(), container.imageURL(0x1300).parent_path());
+}
+
+TEST_F(ImageCacheFiles, FindsContainersByFolderName) {
+  for (const char* name : {"Thumbnails", "Thumbnails.256", "Other.512", "Thumbnails.abc", "Thumbnails.12x", "plain",
+                           ".hidden.64"})
+    std::filesystem::create_directories(root_ / name);
+  std::ofstream(root_ / "file.32") << "any entry with a numeric extension counts";
+  EXPECT_EQ(MCImageCache(root_).pixelSizes(), (std::vector<int64_t>{32, 128, 256, 512}));
+}
+
+TEST_F(ImageCacheFiles, FirstStartAndQueriesOfNewSizes) {
+  MCImageCache cache(root_);
+  EXPECT_TRUE(cache.pixelSizes().empty());
+  EXPECT_FALSE(std::filesystem::exists(root_)) << "construction only looks";
+  EXPECT_FALSE(cache.containsImageWithIdentifier(7, 300));
+  EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{300})) << "a mere query enters the size";
+  EXPECT_TRUE(std::filesystem::is_directory(root_));
+  EXPECT_FALSE(std::filesystem::exists(root_ / "Thumbnails.300")) << "its folder waits for the first image";
+  EXPECT_FALSE(cache.imageWithIdentifierMinPixelSize(7, 0));
+  LogCapture log;
+  cache.removeImageWithIdentifier(7);  // logs, and carries on
+  cache.clean();
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't remove from cache image with ID: 7\n"))
+        << log.text();
+    EXPECT_TRUE(log.contains("Couldn't clean caches container at: " + (root_ / "Thumbnails.300").string() + "\n"));
+  }
+  EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{300}));
+}
+
+TEST_F(ImageCacheFiles, RootThatCannotBeMadeGivesNoContainers) {
+  std::filesystem::create_directories(root_);
+  std::ofstream(root_ / "file") << "a file where a folder should be";
+  MCImageCache cache(root_ / "file" / "root");
+  LogCapture log;
+  EXPECT_FALSE(cache.containsImageWithIdentifier(1, 128));
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("Couldn't create Caches folder\n")) << log.text();
+  }
+  EXPECT_TRUE(cache.pixelSizes().empty());
+  cache.addImage(solid(1, 0), 1, 128);
+  EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
+}
 
 TEST_F(ImageCacheFiles, AddFindRestartRemoveAndClean) {
   {
@@ -101,18 +148,21 @@ TEST_F(ImageCacheFiles, AddFindRestartRemoveAndClean) {
 TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
   MCImageCache cache(root_);
   cache.addImage(solid(8, 0), 1, 128);
-  // A cache file replaced by garbage reads as none.
+  // A cache file replaced by garbage reads as none, with the image source's report.
   const auto file = root_ / "Thumbnails/00/00/01.JPG";
   std::ofstream(file, std::ios::binary | std::ios::trunc) << "not a JPEG at all";
   EXPECT_TRUE(cache.containsImageWithIdentifier(1, 128));
+  LogCapture log;
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
+  if (log.available()) {
+    EXPECT_TRUE(log.contains("CGImageSource: bad status -2 at URL: " + file.string() + "\n")) << log.text();
+  }
   // Cut short: a JPEG header with no scan.
   std::ofstream(file, std::ios::binary | std::ios::trunc) << std::string("\xFF\xD8\xFF\xE0\x00\x10JFIF", 10);
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
 
   // A file where the container's folder should be: nothing is written, nothing is left.
   std::ofstream(root_ / "Thumbnails.64") << "blocks the folder";
-  LogCapture log;
   cache.addImage(solid(8, 0), 2, 64);
   if (log.available()) {
     EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't cache image with ID: 2\n")) << log.text();
@@ -123,8 +173,9 @@ TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
   EXPECT_TRUE(strayFiles(root_ / "Thumbnails").empty());
 }
 
-// Eight threads add, read and remove over one small set of identifiers at once. Every read gives
-// none (not there) or a whole image; nothing torn, nothing stray; the survivors all decode.
+// Eight threads add, read and remove over one small set of identifiers at once, and one of them
+// cleans now and then. Every read gives none (not there) or a whole image; nothing torn, nothing
+// stray; the survivors all decode.
 TEST_F(ImageCacheFiles, ConcurrentAddReadRemove) {
   MCImageCache cache(root_);
   constexpr int kThreads = 8, kIdentifiers = 40, kSteps = 60;
@@ -134,6 +185,7 @@ TEST_F(ImageCacheFiles, ConcurrentAddReadRemove) {
     threads.emplace_back([&, t] {
       std::mt19937 random{unsigned(t)};
       for (int step = 0; step < kSteps; ++step) {
+        if (t == 0 && step % 20 == 19) cache.clean();
         const int64_t id = int64_t(random() % kIdentifiers);
         const int64_t size = random() % 2 ? 128 : 256;
         switch (random() % 3) {

@@ -38,17 +38,9 @@ std::vector<uint8_t> randomBytes(std::size_t n, unsigned seed) {
 }  // namespace
 
 TEST(BitmapBlur, HandComputedTentWithTruncatedEdges) {
-  // One row: the vertical kernel keeps only its centre.
-  const uint8_t row[3] = {0, 90, 180};
-  uint8_t out[9] = {};
-  ASSERT_TRUE(MCBitmapBlur_1C_8(row, out, 3, MCMakeSize(3, 1)));
-  EXPECT_EQ(std::vector<uint8_t>(out, out + 3), (std::vector<uint8_t>{30, 90, 150}));
-  const uint8_t small[3] = {0, 0, 1};
-  ASSERT_TRUE(MCBitmapBlur_1C_8(small, out, 3, MCMakeSize(3, 1)));
-  EXPECT_EQ(std::vector<uint8_t>(out, out + 3), (std::vector<uint8_t>{0, 0, 1})) << "2/8 rounds down, 4/6 up";
-
   // A single bright pixel in the middle of 3×3: corner 255/9, edge 510/12, centre 1020/16.
   const uint8_t dot[9] = {0, 0, 0, 0, 255, 0, 0, 0, 0};
+  uint8_t out[9] = {};
   ASSERT_TRUE(MCBitmapBlur_1C_8(dot, out, 3, MCMakeSize(3, 3)));
   EXPECT_EQ(std::vector<uint8_t>(out, out + 9), (std::vector<uint8_t>{28, 43, 28, 43, 64, 43, 28, 43, 28}));
 

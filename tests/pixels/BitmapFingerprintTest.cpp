@@ -51,9 +51,6 @@ TEST(BitmapHistograms, HashBinsSumRunsOfCounters) {
   auto whole = mc_detail::histogramHash(gray.data(), 1, 1, 8, MCMakeSize(16, 16));
   ASSERT_EQ(whole->size(), 1u);
   EXPECT_EQ((*whole)[0], 1.0f);
-  auto none = mc_detail::histogramHash(gray.data(), 1, 1, 9, MCMakeSize(16, 16));
-  ASSERT_TRUE(none);
-  EXPECT_TRUE(none->empty());
   EXPECT_FALSE(mc_detail::histogramHash(nullptr, 1, 1, 2, MCMakeSize(16, 16)));
 
   // The public form carries the same floats as bytes.
@@ -86,7 +83,6 @@ TEST(BitmapCompare, FastDistanceCountsWholeGroupsOnly) {
   std::vector<uint8_t> tail(20, 0);
   tail[17] = 255;
   EXPECT_EQ(MCBitmapCompareFast(zeros.data(), tail.data(), 20), 0.0f);
-  EXPECT_EQ(MCBitmapCompareFast(zeros.data(), full.data(), 15), 0.0f);
   std::vector<uint8_t> a(16, 10), b(16, 13);
   EXPECT_EQ(MCBitmapCompareFast(a.data(), b.data(), 16), float(48.0 / 255.0 / 16.0));
   EXPECT_TRUE(std::isnan(MCBitmapCompareFast(a.data(), b.data(), 0)));
