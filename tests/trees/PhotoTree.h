@@ -74,8 +74,10 @@ inline std::string indexes(const MCIndexSet& set) {
 }
 
 // The tree as one line: each node's items (sorted by name when `sortItems`) and its children in
-// braces. Two trees with the same outline hold the same items in the same shape.
-inline std::string outline(const NodePtr& node, bool sortItems) {
+// braces. Two trees with the same outline hold the same items in the same shape. Any node type
+// with items() and nodes() will do.
+template <typename N>
+std::string outline(const std::shared_ptr<N>& node, bool sortItems) {
   auto items = node->items();
   if (sortItems)
     std::sort(items.begin(), items.end(), [](const PhotoPtr& a, const PhotoPtr& b) { return a->name < b->name; });

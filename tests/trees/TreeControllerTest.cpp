@@ -26,7 +26,7 @@ class Recorder : public MCTreeControllerDelegate<PhotoPtr> {
   void controllerWillChangeContent(Controller&) override { calls.push_back("will"); }
   void controllerDidChangeContent(Controller&) override { calls.push_back("did"); }
   void didInsertNodes(Controller& c, const Nodes& nodes, const MCIndexSet& at, const NodePtr& parent) override {
-    calls.push_back("+nodes " + nodeNames(c, nodes, parent) + " @" + indexes(at) + " in " + name(c, parent));
+    calls.push_back("+nodes " + nodeNames(nodes) + " @" + indexes(at) + " in " + name(c, parent));
   }
   void didRemoveNodes(Controller& c, const Nodes& nodes, const MCIndexSet& at, const NodePtr& parent) override {
     calls.push_back("-nodes " + std::to_string(nodes.size()) + " @" + indexes(at) + " in " + name(c, parent));
@@ -57,7 +57,7 @@ class Recorder : public MCTreeControllerDelegate<PhotoPtr> {
     for (size_t i = 0; i < path.size(); ++i) text += (i ? "/" : "") + std::to_string(keyOf(path[i]));
     return text;
   }
-  static std::string nodeNames(Controller&, const Nodes& nodes, const NodePtr&) {
+  static std::string nodeNames(const Nodes& nodes) {
     std::string text;
     for (const auto& n : nodes) text += (text.empty() ? "[" : ",[") + names(n->items()) + "]";
     return text;
@@ -80,14 +80,6 @@ TEST(TreeController, EmptyListsAreNoOps) {
   EXPECT_TRUE(f.recorder->calls.empty());
 }
 
-TEST(TreeController, InsertionIntoAnExistingGroupAddsItemsFromTheDeepestLevelUp) {
-  Fixture f;
-  auto e = photo("e", 2020, 5, 3);
-  f.controller.insertItems({e});
-  EXPECT_EQ(f.recorder->calls, (Calls{"will", "+items e @1 in 2020/5/3", "+items e @3 in 2020/5", "+items e @3 in 2020",
-                                      "+items e @4 in root", "did"}));
-}
-
 TEST(TreeController, InsertionWithANewGroupInsertsTheNodeAtItsMergedPosition) {
   Fixture f;
   auto e = photo("e", 2020, 5, 2);  // a new day between the 1st and the 3rd
@@ -99,8 +91,6 @@ TEST(TreeController, InsertionWithANewGroupInsertsTheNodeAtItsMergedPosition) {
                                       "+nodes [g] @0 in new", "+nodes [g] @0 in new",
                                       "+nodes [e] @1 in 2020/5", "+items e @3 in 2020/5", "+items e @3 in 2020",
                                       "+nodes [g] @0 in root", "+items e,g @4,5 in root", "did"}));
-  EXPECT_EQ(outline(f.controller.root(), true),
-            outline(dateBuilder()->nodeWithItems({f.a, f.b, f.c, f.d, e, g}), true));
 }
 
 TEST(TreeController, RemovalOfTheLastItemOfAGroupRemovesItsNodes) {
@@ -129,7 +119,6 @@ TEST(TreeController, UpdateMovesAnItemBetweenGroupsAndKeepsItInPlaceWhereItStays
   f.controller.updateItems({f.d});
   EXPECT_EQ(f.recorder->calls, (Calls{"will", "-items d @0 in 2021/2/2", "-nodes 1 @0 in 2021/2", "-items d @0 in 2021/2",
                                       "+nodes [d] @0 in new", "+nodes [d] @1 in 2021", "-nodes 1 @0 in 2021", "did"}));
-  EXPECT_EQ(outline(f.controller.root(), true), outline(dateBuilder()->nodeWithItems({f.a, f.b, f.c, f.d}), true));
 }
 
 TEST(TreeController, AGoneDelegateHearsNothingAndTheUpdateGoesOn) {
@@ -144,27 +133,20 @@ TEST(TreeController, AGoneDelegateHearsNothingAndTheUpdateGoesOn) {
 // What an outline view keeps: its own copy of the tree, changed only by the reported changes.
 struct Replica {
   struct Row {
-    std::vector<PhotoPtr> items;
+    std::vector<PhotoPtr> rowItems;
     std::vector<std::shared_ptr<Row>> rows;
+    const std::vector<PhotoPtr>& items() const { return rowItems; }
+    const std::vector<std::shared_ptr<Row>>& nodes() const { return rows; }
   };
   std::shared_ptr<Row> root;
   std::map<const Node*, std::shared_ptr<Row>> rowOf;
 
   std::shared_ptr<Row> copy(const NodePtr& node) {
     auto row = std::make_shared<Row>();
-    row->items = node->items();
+    row->rowItems = node->items();
     for (const auto& child : node->nodes()) row->rows.push_back(copy(child));
     rowOf[node.get()] = row;
     return row;
-  }
-  static std::string outline(const std::shared_ptr<Row>& row) {
-    std::string text = "(" + names(row->items);
-    if (!row->rows.empty()) {
-      text += " {";
-      for (const auto& r : row->rows) text += outline(r);
-      text += "}";
-    }
-    return text + ")";
   }
 };
 
@@ -174,45 +156,46 @@ class ReplayingDelegate : public MCTreeControllerDelegate<PhotoPtr> {
   int skipped = 0;
 
   void didInsertNodes(Controller&, const Nodes& nodes, const MCIndexSet& at, const NodePtr& parent) override {
-    auto row = rowFor(parent);
-    if (!row) return;
-    size_t k = 0;
-    for (uint64_t index : at) {
-      ASSERT_LE(index, row->rows.size());
-      row->rows.insert(row->rows.begin() + index, replica_.copy(nodes[k++]));
+    if (auto row = rowFor(parent)) {
+      std::vector<std::shared_ptr<Replica::Row>> rows;
+      for (const auto& node : nodes) rows.push_back(replica_.copy(node));
+      insertAt(row->rows, rows, at);
     }
   }
   void didRemoveNodes(Controller&, const Nodes& nodes, const MCIndexSet& at, const NodePtr& parent) override {
     auto row = rowFor(parent);
     ASSERT_TRUE(row) << "removal from a node the view never saw";
-    auto all = at.allIndexes();
-    for (size_t k = all.size(); k-- > 0;) {
-      ASSERT_LT(all[k], row->rows.size());
-      EXPECT_EQ(row->rows[all[k]], replica_.rowOf[nodes[k].get()]) << "removed node is not the one at its index";
-      row->rows.erase(row->rows.begin() + all[k]);
-    }
+    std::vector<std::shared_ptr<Replica::Row>> rows;
+    for (const auto& node : nodes) rows.push_back(replica_.rowOf[node.get()]);
+    removeAt(row->rows, rows, at);
   }
   void didInsertItems(Controller&, const Items& items, const MCIndexSet& at, const NodePtr& parent) override {
-    auto row = rowFor(parent);
-    if (!row) return;
-    size_t k = 0;
-    for (uint64_t index : at) {
-      ASSERT_LE(index, row->items.size());
-      row->items.insert(row->items.begin() + index, items[k++]);
-    }
+    if (auto row = rowFor(parent)) insertAt(row->rowItems, items, at);
   }
   void didRemoveItems(Controller&, const Items& items, const MCIndexSet& at, const NodePtr& parent) override {
     auto row = rowFor(parent);
     ASSERT_TRUE(row) << "removal from a node the view never saw";
-    auto all = at.allIndexes();
-    for (size_t k = all.size(); k-- > 0;) {
-      ASSERT_LT(all[k], row->items.size());
-      EXPECT_EQ(row->items[all[k]], items[k]) << "removed item is not the one at its index";
-      row->items.erase(row->items.begin() + all[k]);
-    }
+    removeAt(row->rowItems, items, at);
   }
 
  private:
+  template <typename E>
+  static void insertAt(std::vector<E>& list, const std::vector<E>& values, const MCIndexSet& at) {
+    size_t k = 0;
+    for (uint64_t index : at) {
+      ASSERT_LE(index, list.size());
+      list.insert(list.begin() + long(index), values[k++]);
+    }
+  }
+  template <typename E>
+  static void removeAt(std::vector<E>& list, const std::vector<E>& values, const MCIndexSet& at) {
+    auto all = at.allIndexes();
+    for (size_t k = all.size(); k-- > 0;) {
+      ASSERT_LT(all[k], list.size());
+      EXPECT_EQ(list[all[k]], values[k]) << "removed value is not the one at its index";
+      list.erase(list.begin() + long(all[k]));
+    }
+  }
   std::shared_ptr<Replica::Row> rowFor(const NodePtr& node) {
     auto it = replica_.rowOf.find(node.get());
     if (it != replica_.rowOf.end()) return it->second;
@@ -270,7 +253,7 @@ TEST(TreeController, RandomChangesMatchAFreshBuildAndReplayOntoACopyOfTheTree) {
         break;
     }
     ASSERT_EQ(outline(controller.root(), true), outline(builder->nodeWithItems(present), true)) << "round " << round;
-    ASSERT_EQ(Replica::outline(replica.root), outline(controller.root(), false)) << "round " << round;
+    ASSERT_EQ(outline(replica.root, false), outline(controller.root(), false)) << "round " << round;
   }
   EXPECT_GT(replayer->skipped, 0);  // new subtrees did come up
 }

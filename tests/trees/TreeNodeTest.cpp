@@ -52,8 +52,6 @@ TEST(TreeNode, ChangesThroughTheAccessorsReachObserversOfItemsAndNodes) {
   EXPECT_TRUE(calls.empty());
 
   EXPECT_THROW(node->objectInItemsAtIndex(3), std::out_of_range);
-  EXPECT_THROW(node->removeNodesAtIndexes(MCIndexSet(2)), std::out_of_range);
-  EXPECT_EQ(node->countOfNodes(), 2u);
 }
 
 TEST(TreeNode, IsDescendantOfItselfAndOfEveryAncestor) {
