@@ -25,6 +25,7 @@
 #include <vesperon/trees/MCTreeItemSet.h>
 #include <vesperon/trees/MCTreeNode.h>
 
+#include <algorithm>
 #include <memory>
 #include <span>
 #include <unordered_set>
@@ -97,10 +98,11 @@ class MCTreeController {
   // of `removing` a child may lose are among those its parent holds: the parent's look at its
   // own items narrows both before its children are visited, and a child with nothing left to
   // look for is not scanned at all. The parent's items do not change until its children are done.
-  void updateNode(const NodePtr& node, const FastSet& removing, const Items& inserting, std::span<const RulePtr> rules,
-                  const FastSet* parentHeld) {
+  // Answers how many items of `removing` the node held.
+  size_t updateNode(const NodePtr& node, const FastSet& removing, const Items& inserting, std::span<const RulePtr> rules,
+                    const FastSet* parentHeld) {
     // With nothing to take out and nothing to add no node below can change.
-    if (removing.empty() && inserting.empty()) return;
+    if (removing.empty() && inserting.empty()) return 0;
 
     const bool lookForInserted = !inserting.empty() && (!parentHeld || !parentHeld->empty());
     FastSet inserted;
@@ -145,6 +147,7 @@ class MCTreeController {
       node->removeItemsAtIndexes(lostIndexes);
       if (auto delegate = delegate_.lock()) delegate->didRemoveItems(*this, lost, lostIndexes, node);
     }
+    return removingBelow.size();
   }
 
   // Merges the node's children with the candidate nodes the first rule makes of `inserting`:
@@ -161,6 +164,11 @@ class MCTreeController {
     MCIndexSet insertedIndexes;
     MCIndexSet removedIndexes;
 
+    // The groups of one level are disjoint, so once the children passed hold every item of
+    // `removing`, the children still to come have nothing to lose and need no scan for it.
+    size_t toFind = removing.size();
+    auto lookFor = [&]() -> const FastSet& { return toFind > 0 ? removing : none; };
+
     MCMergeController<NodePtr> merge;
     merge.setNewBlock([&](const NodePtr& candidate, uint64_t position) {
       // A new node holds exactly its items, none of which are to be taken out.
@@ -169,11 +177,11 @@ class MCTreeController {
       insertedIndexes.addIndex(position);
     });
     merge.setEqualBlock([&](const NodePtr& child, const NodePtr& candidate, uint64_t position) {
-      updateNode(child, removing, candidate->items(), lower, &held);
+      toFind -= std::min(toFind, updateNode(child, lookFor(), candidate->items(), lower, &held));
       if (child->countOfItems() == 0) removedIndexes.addIndex(position);
     });
     merge.setOldBlock([&](const NodePtr& child, uint64_t position) {
-      updateNode(child, removing, Items(), lower, &held);
+      toFind -= std::min(toFind, updateNode(child, lookFor(), Items(), lower, &held));
       if (child->countOfItems() == 0) removedIndexes.addIndex(position);
     });
     merge.merge(node->nodes(), candidates,
