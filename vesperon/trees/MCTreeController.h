@@ -106,8 +106,11 @@ class MCTreeController {
 
     const bool lookForInserted = !inserting.empty() && (!parentHeld || !parentHeld->empty());
     FastSet inserted;
-    if (lookForInserted) inserted = FastSet(inserting.begin(), inserting.end());
-    FastSet held;             // items of `inserting` this node holds
+    FastSet held;             // items of `inserting` this node holds: in an update, most of them
+    if (lookForInserted) {
+      inserted = FastSet(inserting.begin(), inserting.end());
+      held.reserve(inserting.size());
+    }
     FastSet removingBelow;    // items of `removing` this node holds
     MCIndexSet lostIndexes;
     Items lost;
