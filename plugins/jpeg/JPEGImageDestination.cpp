@@ -6,6 +6,9 @@
 #include <string>
 #include <vector>
 
+#include <vesperon/metadata/MCCGImageMetadataWriter.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
 #include <jpeglib.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -46,9 +49,35 @@ J_COLOR_SPACE inputLayout(const MCRasterImage& image, int& components) {
   return JCS_UNKNOWN;
 }
 
-// Compresses `image` into `file`, with an ICC profile when `icc` has one; false on any libjpeg error.
+// The APP1 payload for a nested property dictionary: its TIFF, Exif and GPS sub-dictionaries as
+// an Exif block. The top-level orientation goes in as the TIFF orientation, and the pixel
+// dimensions are those of the image written, as the platform does; none without any of the three.
+std::optional<MCData> exifSegment(const MCDictionary& properties, const MCRasterImage& image) {
+  MCDictionary exifProperties;
+  for (const char* key : {kCGImagePropertyTIFFDictionary, kCGImagePropertyExifDictionary, kCGImagePropertyGPSDictionary})
+    if (const MCDictionary* sub = MCDictionaryGetDictionary(properties, key)) exifProperties[key] = *sub;
+  const MCValue* orientation = MCDictionaryGet(properties, kCGImagePropertyOrientation);
+  if (exifProperties.empty() && !orientation) return std::nullopt;
+  if (orientation) {
+    MCValue& tiff = exifProperties[kCGImagePropertyTIFFDictionary];
+    if (!tiff.dictionary()) tiff = MCValue(MCDictionary());
+    (*tiff.dictionary())[kCGImagePropertyTIFFOrientation] = *orientation;
+  }
+  if (auto exif = exifProperties.find(kCGImagePropertyExifDictionary); exif != exifProperties.end()) {
+    MCDictionary& dictionary = *exif->second.dictionary();
+    dictionary[kCGImagePropertyExifPixelXDimension] = MCValue(int64_t(image.width()));
+    dictionary[kCGImagePropertyExifPixelYDimension] = MCValue(int64_t(image.height()));
+  }
+  auto block = MCCGImageMetadataWriter().exifDataFromCGImageProperties(exifProperties);
+  // A JPEG segment holds at most 65533 bytes of payload.
+  if (!block || block->empty() || block->size() > 65533) return std::nullopt;
+  return block;
+}
+
+// Compresses `image` into `file`, with an Exif segment and an ICC profile when given; false on
+// any libjpeg error.
 bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, int quality,
-              const std::vector<uint8_t>& icc, FILE* file) {
+              const std::optional<MCData>& exif, const std::vector<uint8_t>& icc, FILE* file) {
   jpeg_compress_struct cinfo{};
   ErrorManager error;
   cinfo.err = jpeg_std_error(&error.base);
@@ -67,6 +96,7 @@ bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, 
   jpeg_set_defaults(&cinfo);
   jpeg_set_quality(&cinfo, quality, TRUE);
   jpeg_start_compress(&cinfo, TRUE);
+  if (exif) jpeg_write_marker(&cinfo, JPEG_APP0 + 1, exif->data(), unsigned(exif->size()));
   if (!icc.empty()) jpeg_write_icc_profile(&cinfo, icc.data(), unsigned(icc.size()));
   while (cinfo.next_scanline < cinfo.image_height) {
     JSAMPROW row = const_cast<JSAMPROW>(image.row(cinfo.next_scanline));
@@ -79,10 +109,11 @@ bool compress(const MCRasterImage& image, J_COLOR_SPACE layout, int components, 
 
 }  // namespace
 
-bool JPEGImageDestination::addImage(const MCRasterImageRef& image, const MCDictionary*) {
+bool JPEGImageDestination::addImage(const MCRasterImageRef& image, const MCDictionary* properties) {
   int components = 0;
   if (!image || image_ || inputLayout(*image, components) == JCS_UNKNOWN) return false;
   image_ = image;
+  if (properties) properties_ = *properties;
   return true;
 }
 
@@ -105,7 +136,7 @@ bool JPEGImageDestination::finalize() {
   // The pixels stay as they are; with the profile a reader knows what they mean.
   std::vector<uint8_t> icc;
   if (options_.embedColorProfile && image_->colorSpace()) icc = image_->colorSpace()->iccData();
-  bool ok = compress(*image_, layout, components, quality, icc, file);
+  bool ok = compress(*image_, layout, components, quality, exifSegment(properties_, *image_), icc, file);
   ok = std::fflush(file) == 0 && ok;
   ok = std::fclose(file) == 0 && ok;
   if (ok) {

@@ -6,7 +6,9 @@
 // into place by `finalize`, so a failed or interrupted write never leaves a partial file.
 // Accepted images: 8 bits per component, gray or RGB, with or without an alpha or padding byte in
 // any of the platform's layouts; alpha is dropped. With `embedColorProfile` the image's colour
-// space goes into the file as an ICC profile.
+// space goes into the file as an ICC profile. Properties given with the image are written as an
+// Exif segment: the orientation and the TIFF, Exif and GPS sub-dictionaries, through the
+// metadata writer.
 
 #include <vesperon/codecs/MCImageCodec.h>
 
@@ -26,6 +28,7 @@ class JPEGImageDestination : public MCImageDestination {
   std::filesystem::path url_;
   MCImageDestinationOptions options_;
   MCRasterImageRef image_;
+  MCDictionary properties_;
 };
 
 }  // namespace mc_detail

@@ -155,32 +155,20 @@ TEST(ImageReader, MetadataComesFromTheFirstSourceWithEntries) {
 }
 
 TEST(ImageReader, ScaleFactorsBecomeSubsampleFactors) {
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(1.0), 1u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0.5000001), 1u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0.5), 2u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0.25), 4u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0.125), 8u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0.01), 8u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(0), 0u);
-  EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(-1), 0u);
+  const std::pair<double, uint64_t> rows[] = {{0.5000001, 1}, {0.5, 2}, {0.25, 4}, {0.125, 8}, {0.01, 8}, {0, 0}, {-1, 0}};
+  for (auto [scale, factor] : rows) EXPECT_EQ(MCImageReader::subsampleFactorForScaleFactor(scale), factor) << scale;
 }
 
 TEST(ImageReader, RawOptionsTakeOnlyValidValues) {
-  auto none = MCImageReader::rawSourceOptionsForReadingOptions(std::nullopt);
-  EXPECT_EQ(none.demosaic, -1);
-  EXPECT_EQ(none.noiseReduction, 0);
-  EXPECT_EQ(none.outputGamma, 2);
-  EXPECT_DOUBLE_EQ(none.autoBrightnessThreshold, 0.01);
-
-  auto defaults = MCImageReader::rawSourceOptionsForReadingOptions(MCImageReadingOptions{});
-  EXPECT_EQ(defaults.demosaic, 0);
-  EXPECT_EQ(defaults.outputGamma, 0);
-  EXPECT_EQ(defaults.noiseReduction, 0);
-  EXPECT_EQ(defaults.outputColorSpace, 1);
-  EXPECT_EQ(defaults.outputColorDepth, 8);
-  EXPECT_DOUBLE_EQ(defaults.autoBrightnessThreshold, 0.0);
-  EXPECT_FALSE(defaults.autoWhiteBalance);
-  EXPECT_FALSE(defaults.cameraWhiteBalance);
+  // The reader starts from the record's defaults (checked in the options' own test) but with no
+  // noise reduction; default reading options then bring demosaic, gamma and threshold to 0.
+  MCRAWImageSourceOptions start;
+  start.noiseReduction = 0;
+  EXPECT_EQ(MCImageReader::rawSourceOptionsForReadingOptions(std::nullopt), start);
+  MCRAWImageSourceOptions defaults = start;
+  defaults.demosaic = defaults.outputGamma = 0;
+  defaults.autoBrightnessThreshold = 0;
+  EXPECT_EQ(MCImageReader::rawSourceOptionsForReadingOptions(MCImageReadingOptions{}), defaults);
 
   MCImageReadingOptions options;
   for (int32_t d : {5, 10, 12, -2}) {

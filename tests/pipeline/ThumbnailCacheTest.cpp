@@ -3,45 +3,9 @@
 #include <vesperon/pipeline/MCThumbnailCache.h>
 #include <vesperon/platform/MCMainQueue.h>
 
-#include <condition_variable>
 #include <map>
-#include <mutex>
 
 namespace {
-
-// The real strategy behind a gate, so that a test decides when loads may run.
-class GatedStrategy : public MCThumbnailLoadStrategy {
- public:
-  std::shared_ptr<MCResource> loadResourceForDescriptor(const std::shared_ptr<const MCResourceDescriptor>& descriptor,
-                                                        const std::shared_ptr<const MCResourceLoadOptions>& options) override {
-    {
-      std::unique_lock lock(mutex_);
-      ++started_;
-      changed_.notify_all();
-      changed_.wait(lock, [&] { return open_; });
-    }
-    return MCThumbnailLoadStrategy::loadResourceForDescriptor(descriptor, options);
-  }
-  void open() {
-    std::lock_guard lock(mutex_);
-    open_ = true;
-    changed_.notify_all();
-  }
-  void waitForStarted(int n) {
-    std::unique_lock lock(mutex_);
-    changed_.wait(lock, [&] { return started_ >= n; });
-  }
-  int started() {
-    std::lock_guard lock(mutex_);
-    return started_;
-  }
-
- private:
-  std::mutex mutex_;
-  std::condition_variable changed_;
-  bool open_ = false;
-  int started_ = 0;
-};
 
 class Provider : public MCThumbnailDescriptorProvider {
  public:
@@ -135,11 +99,6 @@ TEST(ThumbnailCache, LoadsAsynchronouslyThenAnswersFromMemory) {
   f.waitForArrivals(3);
   EXPECT_EQ(f.cache->thumbnailForDescriptorProvider(*provider)->image()->width(), 16u);
 
-  // Back to the first size: the earlier resource is still in the resource cache.
-  f.cache->setThumbnailSize(32);
-  f.cache->fetchThumbnailsAtIndexPaths({at(0)});
-  ASSERT_EQ(f.delegate->arrivals.size(), 4u);
-  EXPECT_EQ(f.delegate->arrivals[3].thumbnail->image()->width(), 32u);
   EXPECT_EQ(f.strategy->started(), 2);
 }
 
@@ -202,10 +161,7 @@ TEST(ThumbnailCache, FailedLoadsArriveWithoutAnImageAndInvalidateForgets) {
   f.waitForArrivals(2);
   MCMainQueue::drain();
   ASSERT_EQ(f.delegate->arrivals.size(), 2u);
-  for (const auto& arrival : f.delegate->arrivals) {
-    if (arrival.indexPath == at(0)) EXPECT_FALSE(arrival.thumbnail->image());
-    if (arrival.indexPath == at(1)) EXPECT_TRUE(arrival.thumbnail->image());
-  }
+  for (const auto& arrival : f.delegate->arrivals) EXPECT_EQ(bool(arrival.thumbnail->image()), arrival.indexPath == at(1));
   ASSERT_TRUE(f.cache->thumbnailForDescriptorProvider(*broken));
   EXPECT_FALSE(f.cache->thumbnailForDescriptorProvider(*broken)->image());
 
@@ -220,7 +176,6 @@ TEST(ThumbnailCache, ConvenienceConstructorSharesItsOptions) {
   auto cache = MCThumbnailCache::cacheWithThumbnailSize(128);
   EXPECT_EQ(cache->thumbnailSize(), 128);
   EXPECT_FALSE(cache->options()->createThumbnailFromImageAlways());
-  cache->setThumbnailSize(128);
   EXPECT_EQ(cache->options()->thumbnailMaxPixelSize(), 128u);
   EXPECT_EQ(cache->resourceCache().cache().cacheSize(), 2048u);
 }

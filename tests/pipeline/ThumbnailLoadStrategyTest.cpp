@@ -38,11 +38,6 @@ TEST(ThumbnailLoadStrategy, WantedSizeComesFromEstimateAndMaximum) {
   auto estimated = strategy.newThumbnailForImageDescriptor(image, *makeOptions(300));
   ASSERT_TRUE(estimated);
   EXPECT_EQ(estimated->width(), 160u);
-
-  image.estimatedPixelSize = 0;  // nothing known and no maximum: the full size
-  auto full = strategy.newThumbnailForImageDescriptor(image, *makeOptions(0));
-  ASSERT_TRUE(full);
-  EXPECT_EQ(full->width(), 400u);
 }
 
 TEST(ThumbnailLoadStrategy, StageOneTakesTheSmallestSufficientCandidate) {
@@ -120,7 +115,6 @@ TEST(ThumbnailLoadStrategy, ResourceAlwaysComesBackWithTheRequestedSize) {
   auto strategy = std::make_shared<MCThumbnailLoadStrategy>();
   auto options = std::make_shared<MCThumbnailLoadOptions>(strategy);
   options->setThumbnailMaxPixelSize(32);
-  EXPECT_EQ(options->strategy(), strategy);
 
   auto good = std::make_shared<MCImageDescriptor>(folder.jpeg("good.jpg", 64, 48, kGray));
   auto resource = std::dynamic_pointer_cast<MCThumbnailResource>(strategy->loadResourceForDescriptor(good, options));

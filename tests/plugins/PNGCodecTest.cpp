@@ -2,18 +2,6 @@
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
-namespace {
-
-MCThumbnailReadingOptions fromImage(uint64_t max, bool transform) {
-  MCThumbnailReadingOptions o;
-  o.createThumbnailFromImageIfAbsent = true;
-  o.createThumbnailWithTransform = transform;
-  o.thumbnailMaxPixelSize = max;
-  return o;
-}
-
-}  // namespace
-
 TEST(PNGCodec, DecodesEveryColourTypeToPremultipliedRGBA) {
   auto rgba = openSource("public.png", fixture("quadrants.png"))->newImage();
   ASSERT_TRUE(rgba);
@@ -41,17 +29,15 @@ TEST(PNGCodec, DecodesEveryColourTypeToPremultipliedRGBA) {
 TEST(PNGCodec, ThumbnailsComeOnlyFromTheImage) {
   auto source = openSource("public.png", fixture("exif.png"));
   ASSERT_TRUE(source);
-  MCThumbnailReadingOptions neither;
-  neither.thumbnailMaxPixelSize = 32;
-  EXPECT_FALSE(source->newThumbnailWithOptions(neither));
+  EXPECT_FALSE(source->newThumbnailWithOptions(thumbnailOptions(false, false, true, 0, 32)));
 
   // exif.png holds the quadrants with orientation 6: turned, blue comes to the top left.
-  auto turned = source->newThumbnailWithOptions(fromImage(32, true));
+  auto turned = source->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 32));
   ASSERT_TRUE(turned);
   EXPECT_EQ(turned->width(), 24u);
   EXPECT_EQ(turned->height(), 32u);
   EXPECT_TRUE(colourNear(turned, 0.25, 0.25, kBlue));
-  auto plain = source->newThumbnailWithOptions(fromImage(0, false));
+  auto plain = source->newThumbnailWithOptions(thumbnailOptions(false, true, false, 0, 0));
   EXPECT_EQ(plain->width(), 64u);
 }
 
@@ -79,6 +65,6 @@ TEST(PNGCodec, BadFilesGiveNothing) {
   auto truncated = openSource("public.png", fixture("truncated.png"));
   if (truncated) {
     EXPECT_FALSE(truncated->newImage());
-    EXPECT_FALSE(truncated->newThumbnailWithOptions(fromImage(16, true)));
+    EXPECT_FALSE(truncated->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 16)));
   }
 }

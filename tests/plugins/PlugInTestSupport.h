@@ -29,6 +29,16 @@ inline std::shared_ptr<MCImageSource> openSource(const std::string& type, const 
   return codec->imageSourceWithURL(path, *options);
 }
 
+inline MCThumbnailReadingOptions thumbnailOptions(bool always, bool ifAbsent, bool transform, uint64_t min, uint64_t max) {
+  MCThumbnailReadingOptions o;
+  o.createThumbnailFromImageAlways = always;
+  o.createThumbnailFromImageIfAbsent = ifAbsent;
+  o.createThumbnailWithTransform = transform;
+  o.thumbnailMinPixelSize = min;
+  o.thumbnailMaxPixelSize = max;
+  return o;
+}
+
 /// R, G, B, A at (x, y) of an 8-bit RGBA image.
 inline std::array<int, 4> pixelAt(const MCRasterImageRef& image, std::size_t x, std::size_t y) {
   const uint8_t* p = image->row(y) + x * 4;
@@ -43,9 +53,7 @@ inline ::testing::AssertionResult colourNear(const MCRasterImageRef& image, doub
   const auto p = pixelAt(image, x, y);
   for (int i = 0; i < 3; ++i)
     if (std::abs(p[i] - expected[i]) > tolerance)
-      return ::testing::AssertionFailure() << "at (" << x << ", " << y << ") got " << p[0] << "," << p[1] << ","
-                                           << p[2] << " expected " << expected[0] << "," << expected[1] << ","
-                                           << expected[2];
+      return ::testing::AssertionFailure() << "at (" << x << ", " << y << ") got " << p[0] << "," << p[1] << "," << p[2];
   return ::testing::AssertionSuccess();
 }
 
