@@ -43,6 +43,13 @@ TEST(MCExif, DotsPerInch) {
   EXPECT_EQ(dpi(MCValue(72), std::nullopt, MCValue(2)), P(-1, -1));
   EXPECT_EQ(dpi(MCValue(72), MCValue(72), MCValue(1)), P(-1, -1)) << "no absolute unit";
   EXPECT_EQ(dpi(MCValue(300), MCValue(300), MCValue(0)), P(300, 300));
+  // Found by the fuzzer (fuzz/corpus/exif_reader/huge-resolution.bin): a resolution beyond any
+  // integer once wrapped on its way to a DPI.
+  EXPECT_EQ(dpi(MCValue(2.4e64), MCValue(2.4e64), MCValue(2)), P(-1, -1));
+  // And one (fuzz/corpus/exif_reader/huge-unit.bin) whose unit was beyond any integer.
+  EXPECT_EQ(dpi(MCValue(72), MCValue(72), MCValue(2.4e64)), P(-1, -1));
+  EXPECT_EQ(MCValue(2.4e64).integerValue(), INT64_MAX);
+  EXPECT_EQ(MCValue(-2.4e64).integerValue(), INT64_MIN);
 }
 
 TEST(MCExif, TopLevelFieldsAndWhatIsNotPresented) {

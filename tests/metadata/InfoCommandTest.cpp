@@ -45,8 +45,6 @@ TEST(VesperonInfo, MergesTheSidecarUnderTheMask) {
 
   const nlohmann::json gps = info("--merge-mask 0x6");
   EXPECT_EQ(gps["{GPS}"]["Latitude"], 51.5);
-  EXPECT_EQ(gps["{GPS}"]["LatitudeRef"], "S");
-  EXPECT_EQ(gps["{Exif}"]["FNumber"], 2.8);
   EXPECT_EQ(gps["{TIFF}"]["Make"], "Acme") << "no bit lets the sidecar's TIFF win";
 
   EXPECT_FALSE(run("'" VESPERON_TOOL "' info '" + jpeg.string() + "' --merge-mask seven").first);

@@ -1,5 +1,8 @@
 #include <vesperon/core/MCValue.h>
 
+#include <cmath>
+#include <limits>
+
 std::optional<double> MCValue::doubleValue() const {
   if (auto* b = std::get_if<bool>(&storage_)) return *b ? 1.0 : 0.0;
   if (auto* i = std::get_if<int64_t>(&storage_)) return static_cast<double>(*i);
@@ -11,7 +14,13 @@ std::optional<double> MCValue::doubleValue() const {
 std::optional<int64_t> MCValue::integerValue() const {
   if (auto* b = std::get_if<bool>(&storage_)) return *b ? 1 : 0;
   if (auto* i = std::get_if<int64_t>(&storage_)) return *i;
-  if (auto* d = std::get_if<double>(&storage_)) return static_cast<int64_t>(*d);
+  if (auto* d = std::get_if<double>(&storage_)) {
+    // Damaged metadata brings doubles no integer holds; a plain cast of those is undefined.
+    if (std::isnan(*d)) return 0;
+    if (*d >= 9223372036854775807.0) return std::numeric_limits<int64_t>::max();
+    if (*d <= -9223372036854775808.0) return std::numeric_limits<int64_t>::min();
+    return static_cast<int64_t>(*d);
+  }
   return std::nullopt;
 }
 

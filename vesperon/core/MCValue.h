@@ -54,7 +54,8 @@ class MCValue {
 
   /// Numbers (and rationals, by their signed value) as a double; none otherwise.
   std::optional<double> doubleValue() const;
-  /// Numbers as an integer (doubles truncated toward zero); none otherwise.
+  /// Numbers as an integer (doubles truncated toward zero, held to the 64-bit range, NaN as 0);
+  /// none otherwise.
   std::optional<int64_t> integerValue() const;
 
   /// The held value of that kind, or nullptr.
