@@ -74,8 +74,14 @@ namespace mc_detail {
 
 bool isValidUTF8(const uint8_t* bytes, std::size_t length) {
   std::size_t i = 0;
-  while (i < length)
-    if (!decodeUTF8(bytes, length, i)) return false;
+  while (i < length) {
+    // Almost every Exif text is plain ASCII: step over it without decoding.
+    if (bytes[i] < 0x80) {
+      ++i;
+    } else if (!decodeUTF8(bytes, length, i)) {
+      return false;
+    }
+  }
   return true;
 }
 
