@@ -5,10 +5,21 @@
 
 #include <atomic>
 #include <mutex>
+#include <shared_mutex>
 #include <unistd.h>
 
 MCImageCacheContainer::MCImageCacheContainer(std::filesystem::path directoryURL, std::shared_ptr<MCLog> log)
     : directoryURL_(std::move(directoryURL)), log_(std::move(log)) {}
+
+MCImageCacheContainer::SyncLock::SyncLock() {
+  pthread_rwlockattr_t attributes;
+  pthread_rwlockattr_init(&attributes);
+  pthread_rwlockattr_setkind_np(&attributes, PTHREAD_RWLOCK_PREFER_WRITER_NONRECURSIVE_NP);
+  pthread_rwlock_init(&lock_, &attributes);
+  pthread_rwlockattr_destroy(&attributes);
+}
+
+MCImageCacheContainer::SyncLock::~SyncLock() { pthread_rwlock_destroy(&lock_); }
 
 std::filesystem::path MCImageCacheContainer::imageURL(int64_t id) const {
   const auto hex = [](int64_t value) { return fmt::format("{:02x}", uint64_t(value)); };

@@ -22,7 +22,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <memory>
-#include <shared_mutex>
+#include <pthread.h>
 
 class MCImageCacheContainer {
  public:
@@ -52,5 +52,22 @@ class MCImageCacheContainer {
  private:
   std::filesystem::path directoryURL_;
   std::shared_ptr<MCLog> log_;
-  mutable std::shared_mutex syncLock_;
+  // A reader-writer lock under which a waiting writer goes before the readers that come after it,
+  // as a barrier on a queue holds back the work queued behind it: a steady stream of reads cannot
+  // starve a save. Not recursive.
+  class SyncLock {
+   public:
+    SyncLock();
+    ~SyncLock();
+    SyncLock(const SyncLock&) = delete;
+    SyncLock& operator=(const SyncLock&) = delete;
+    void lock() { pthread_rwlock_wrlock(&lock_); }
+    void unlock() { pthread_rwlock_unlock(&lock_); }
+    void lock_shared() { pthread_rwlock_rdlock(&lock_); }
+    void unlock_shared() { pthread_rwlock_unlock(&lock_); }
+
+   private:
+    pthread_rwlock_t lock_;
+  };
+  mutable SyncLock syncLock_;
 };
