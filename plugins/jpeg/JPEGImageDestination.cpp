@@ -1,16 +1,18 @@
 #include "JPEGImageDestination.h"
 
 #include <csetjmp>
+#include <cerrno>
 #include <cstdio>
 #include <algorithm>
+#include <random>
 #include <string>
 #include <vector>
 
 #include <vesperon/metadata/MCCGImageMetadataWriter.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <fcntl.h>
 #include <jpeglib.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace mc_detail {
@@ -24,6 +26,21 @@ struct ErrorManager {
 
 [[noreturn]] void errorExit(j_common_ptr cinfo) { std::longjmp(reinterpret_cast<ErrorManager*>(cinfo->err)->jump, 1); }
 void outputMessage(j_common_ptr) {}
+
+// Creates a new file beside `target` to write into before renaming it into place. Unlike mkstemp,
+// it creates with mode 0666, so the process's umask gives the image the usual permissions without
+// reading the umask, which can only be done by changing it under every other thread's feet.
+int createTemporaryBeside(const std::string& target, std::string& temporary) {
+  static constexpr char kLetters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789";
+  thread_local std::mt19937_64 random{std::random_device{}()};
+  for (int attempt = 0; attempt < 64; ++attempt) {
+    temporary = target + ".";
+    for (int i = 0; i < 6; ++i) temporary += kLetters[random() % (sizeof(kLetters) - 1)];
+    const int fd = open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  return -1;
+}
 
 // The libjpeg input layout of an image, or JCS_UNKNOWN when it cannot be written.
 J_COLOR_SPACE inputLayout(const MCRasterImage& image, int& components) {
@@ -124,8 +141,8 @@ bool JPEGImageDestination::finalize() {
   const double q = options_.quality > 0 ? std::min(options_.quality, 1.0) : kDefaultQuality;
   const int quality = std::max(1, int(q * 100 + 0.5));
 
-  std::string temporary = url_.string() + ".XXXXXX";
-  const int fd = mkstemp(temporary.data());
+  std::string temporary;
+  const int fd = createTemporaryBeside(url_.string(), temporary);
   if (fd < 0) return false;
   FILE* file = fdopen(fd, "wb");
   if (!file) {
@@ -139,13 +156,7 @@ bool JPEGImageDestination::finalize() {
   bool ok = compress(*image_, layout, components, quality, exifSegment(properties_, *image_), icc, file);
   ok = std::fflush(file) == 0 && ok;
   ok = std::fclose(file) == 0 && ok;
-  if (ok) {
-    // mkstemp makes the file private; a written image gets the usual permissions.
-    const mode_t mask = umask(0);
-    umask(mask);
-    chmod(temporary.c_str(), 0666 & ~mask);
-    ok = std::rename(temporary.c_str(), url_.c_str()) == 0;
-  }
+  if (ok) ok = std::rename(temporary.c_str(), url_.c_str()) == 0;
   if (!ok) unlink(temporary.c_str());
   return ok;
 }
