@@ -1,0 +1,67 @@
+// `vesperon thumbs --cache`, run as a program: a second run answers from the persistent image
+// cache, a cache file replaced by garbage is made again, and a broken image is counted as a
+// failure without leaving an output file.
+
+#include "PipelineTestFiles.h"
+
+#include <vesperon/pixels/MCImageFiles.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The summary line the program prints on standard output.
+std::string thumbs(const PipelineTestFolder& folder, const std::string& out) {
+  const std::string command = "'" VESPERON_TOOL "' thumbs '" + (folder.path() / "photos").string() + "' --size 32 --out '" +
+                              (folder.path() / out).string() + "' --cache --cache-dir '" +
+                              (folder.path() / "cache").string() + "' 2>/dev/null";
+  std::string text;
+  if (FILE* pipe = popen(command.c_str(), "r")) {
+    char buffer[512];
+    while (std::fgets(buffer, sizeof buffer, pipe)) text += buffer;
+    if (pclose(pipe) != 0) text += "(exit status not 0)";
+  }
+  return text;
+}
+
+}  // namespace
+
+TEST(VesperonThumbs, SecondRunComesFromTheImageCacheAndGarbageIsMadeAgain) {
+  PipelineTestFolder folder("thumbs-command");
+  fs::create_directories(folder.path() / "photos");
+  folder.jpeg("photos/wide.jpg", 200, 100, {200, 30, 30});
+  folder.jpeg("photos/tall.jpg", 60, 120, {30, 200, 30});
+  folder.jpeg("photos/square.jpg", 80, 80, {30, 30, 200});
+  std::ofstream(folder.path() / "photos" / "empty.jpg");  // zero bytes
+
+  const std::string first = thumbs(folder, "first");
+  EXPECT_NE(first.find("4 files, 1 failures"), std::string::npos) << first;
+  EXPECT_NE(first.find(", 0 from the image cache"), std::string::npos) << first;
+  EXPECT_FALSE(fs::exists(folder.path() / "first" / "empty.jpg")) << "no partial output for a broken image";
+
+  const std::string second = thumbs(folder, "second");
+  EXPECT_NE(second.find("4 files, 1 failures"), std::string::npos) << second;
+  EXPECT_NE(second.find(", 3 from the image cache"), std::string::npos) << second;
+  for (const char* name : {"wide.jpg", "tall.jpg", "square.jpg"}) {
+    MCRasterImageRef cached = MCCreateImageWithURL(folder.path() / "second" / name);
+    MCRasterImageRef made = MCCreateImageWithURL(folder.path() / "first" / name);
+    ASSERT_TRUE(cached && made) << name;
+    EXPECT_EQ(cached->width(), made->width()) << name;
+    EXPECT_EQ(cached->height(), made->height()) << name;
+    EXPECT_LE(std::max(cached->width(), cached->height()), 32u) << name;
+  }
+
+  // Every cached thumbnail replaced by garbage: none is served, each is made and stored again.
+  for (const auto& entry : fs::recursive_directory_iterator(folder.path() / "cache"))
+    if (entry.is_regular_file()) std::ofstream(entry.path(), std::ios::trunc) << "not a JPEG";
+  const std::string third = thumbs(folder, "third");
+  EXPECT_NE(third.find(", 0 from the image cache"), std::string::npos) << third;
+  EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "third" / "wide.jpg"));
+  EXPECT_NE(thumbs(folder, "fourth").find(", 3 from the image cache"), std::string::npos);
+}
