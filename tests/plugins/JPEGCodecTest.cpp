@@ -2,7 +2,6 @@
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
-#include <lcms2.h>
 #include <nlohmann/json.hpp>
 
 #include <fstream>
@@ -11,13 +10,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-fs::path scratchDirectory(const std::string& name) {
-  fs::path dir = fs::path(VESPERON_TEST_BINARY_DIR) / (name + "-" + std::to_string(getpid()));
-  fs::remove_all(dir);
-  fs::create_directories(dir);
-  return dir;
-}
 
 std::shared_ptr<MCImageDestination> destinationAt(const fs::path& path, bool embedColorProfile = false) {
   MCImageDestinationOptions options("public.jpeg");
@@ -215,20 +207,8 @@ TEST(JPEGCodec, DestinationWritesAReadableFileAtomically) {
 }
 
 TEST(JPEGCodec, DestinationWritesExifAndTheColourProfile) {
-  // A space whose red primary is sRGB's green and whose curve is linear: stored (128, 0, 0) is
-  // sRGB green at the sRGB encoding of 0.5, which is 188. A reader that ignores the profile sees red.
-  cmsCIExyY white;
-  cmsWhitePointFromTemp(&white, 6504);
-  cmsCIExyYTRIPLE primaries = {{0.30, 0.60, 1.0}, {0.64, 0.33, 1.0}, {0.15, 0.06, 1.0}};
-  cmsToneCurve* linear = cmsBuildGamma(nullptr, 1.0);
-  cmsToneCurve* curves[3] = {linear, linear, linear};
-  cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, curves);
-  cmsUInt32Number length = 0;
-  cmsSaveProfileToMem(profile, nullptr, &length);
-  std::vector<uint8_t> icc(length);
-  cmsSaveProfileToMem(profile, icc.data(), &length);
-  cmsCloseProfile(profile);
-  cmsFreeToneCurve(linear);
+  // Stored (128, 0, 0) under the swapped-primaries profile is sRGB green at 188.
+  const std::vector<uint8_t> icc = swappedPrimariesProfile();
   std::vector<uint8_t> pixels(16 * 8 * 4, 0);
   for (std::size_t i = 0; i < pixels.size(); i += 4) pixels[i] = 128;
   auto image = MCRasterImage::create(16, 8, 8, 32, 64, MCColorSpace::createWithICCData(icc), MCImageAlphaNoneSkipLast,

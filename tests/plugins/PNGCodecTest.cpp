@@ -2,6 +2,8 @@
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <fstream>
+
 TEST(PNGCodec, DecodesEveryColourTypeToPremultipliedRGBA) {
   auto rgba = openSource("public.png", fixture("quadrants.png"))->newImage();
   ASSERT_TRUE(rgba);
@@ -67,4 +69,18 @@ TEST(PNGCodec, BadFilesGiveNothing) {
     EXPECT_FALSE(truncated->newImage());
     EXPECT_FALSE(truncated->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 16)));
   }
+}
+
+TEST(PNGCodec, AppliesTheEmbeddedColourProfile) {
+  // ImageMagick writes stored (128, 0, 0); exiftool adds the profile as an iCCP chunk.
+  const std::filesystem::path dir = scratchDirectory("png-icc"), png = dir / "swapped.png", icc = dir / "swapped.icc";
+  const std::vector<uint8_t> profile = swappedPrimariesProfile();
+  std::ofstream(icc, std::ios::binary).write(reinterpret_cast<const char*>(profile.data()), std::streamsize(profile.size()));
+  const std::string make = "convert -size 16x8 'xc:rgb(128,0,0)' -depth 8 'PNG24:" + png.string() +
+                           "' && exiftool -q -overwrite_original '-ICC_Profile<=" + icc.string() + "' '" + png.string() + "'";
+  ASSERT_EQ(std::system(make.c_str()), 0) << make;
+  auto source = openSource("public.png", png);
+  ASSERT_TRUE(source);
+  EXPECT_TRUE(colourNear(source->newImage(), 0.5, 0.5, {0, 188, 0}, 6));
+  std::filesystem::remove_all(dir);
 }

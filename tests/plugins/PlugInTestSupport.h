@@ -5,13 +5,43 @@
 #include <vesperon/codecs/MCImageCodecManager.h>
 
 #include <gtest/gtest.h>
+#include <lcms2.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 inline std::filesystem::path fixture(const std::string& name) { return std::filesystem::path(PLUGIN_FIXTURES_DIR) / name; }
+
+/// A new, empty folder of this test process under the build's test folder.
+inline std::filesystem::path scratchDirectory(const std::string& name) {
+  auto dir = std::filesystem::path(VESPERON_TEST_BINARY_DIR) / (name + "-" + std::to_string(getpid()));
+  std::filesystem::remove_all(dir);
+  std::filesystem::create_directories(dir);
+  return dir;
+}
+
+/// An RGB profile whose red primary is sRGB's green (and green sRGB's red), with linear curves:
+/// stored (128, 0, 0) means sRGB green at the sRGB encoding of 0.5, which is 188, where a reader
+/// that ignores the profile sees dark red.
+inline std::vector<uint8_t> swappedPrimariesProfile() {
+  cmsCIExyY white;
+  cmsWhitePointFromTemp(&white, 6504);
+  cmsCIExyYTRIPLE primaries = {{0.30, 0.60, 1.0}, {0.64, 0.33, 1.0}, {0.15, 0.06, 1.0}};
+  cmsToneCurve* linear = cmsBuildGamma(nullptr, 1.0);
+  cmsToneCurve* curves[3] = {linear, linear, linear};
+  cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, curves);
+  cmsUInt32Number length = 0;
+  cmsSaveProfileToMem(profile, nullptr, &length);
+  std::vector<uint8_t> icc(length);
+  cmsSaveProfileToMem(profile, icc.data(), &length);
+  cmsCloseProfile(profile);
+  cmsFreeToneCurve(linear);
+  return icc;
+}
 
 /// The first source extension registered for `type` by the shared manager.
 inline std::shared_ptr<MCImageCodec> codecFor(const std::string& type) {
