@@ -14,6 +14,7 @@
 #include <vesperon/core/MCObjectSet.h>
 #include <vesperon/core/MCSortDescriptor.h>
 #include <vesperon/core/MCTypes.h>
+#include <vesperon/core/MCVectorIndexes.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -153,9 +154,8 @@ std::vector<T> arrayByInsertingObjects(const std::vector<T>& array, const std::v
   if (indexes.lastIndex() >= total) mc_detail::throwIndexOutOfRange("arrayByInsertingObjects", indexes.lastIndex(), array.size());
   std::vector<T> result;
   result.reserve(total);
-  size_t r = 0, o = 0;
-  for (uint64_t position = 0; position < total; ++position)
-    result.push_back(indexes.containsIndex(position) ? objects[o++] : array[r++]);
+  result.insert(result.end(), array.begin(), array.end());
+  MCInsertObjectsAtIndexes(result, objects, indexes);
   return result;
 }
 
@@ -204,9 +204,8 @@ template <typename T>
 std::vector<T> arrayByRemovingObjectsAtIndexes(const std::vector<T>& array, const MCIndexSet& indexes) {
   if (!indexes.empty() && indexes.lastIndex() >= array.size())
     mc_detail::throwIndexOutOfRange("arrayByRemovingObjectsAtIndexes", indexes.lastIndex(), array.size());
-  std::vector<T> result;
-  for (size_t i = 0; i < array.size(); ++i)
-    if (!indexes.containsIndex(i)) result.push_back(array[i]);
+  std::vector<T> result = array;
+  MCTakeObjectsAtIndexes(result, indexes);
   return result;
 }
 

@@ -12,6 +12,7 @@
 #include <vesperon/core/MCGroupEqualObjects.h>
 #include <vesperon/core/MCOrderedDictionary.h>
 #include <vesperon/core/MCSortDescriptor.h>
+#include <vesperon/core/MCVectorIndexes.h>
 
 #include <algorithm>
 #include <memory>
@@ -145,9 +146,7 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
   /// An index past the end raises std::out_of_range and removes nothing.
   void removeObjectsAtIndexes(const MCIndexSet& indexes) {
     this->checkIndexes(indexes, "MCMutableOrderedDictionary::removeObjectsAtIndexes");
-    for (uint64_t i : indexes) hashMap_.erase(keys_[i]);
-    uint64_t position = 0;
-    std::erase_if(keys_, [&](const K&) { return indexes.containsIndex(position++); });
+    for (const K& key : MCTakeObjectsAtIndexes(keys_, indexes)) hashMap_.erase(key);
   }
   void removeLastObject() {
     if (!keys_.empty()) removeObjectAtIndex(keys_.size() - 1);

@@ -26,6 +26,7 @@
 #include <vesperon/core/MCKeyValueChange.h>
 #include <vesperon/core/MCObjectExtensions.h>
 #include <vesperon/core/MCObservableObject.h>
+#include <vesperon/core/MCVectorIndexes.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -94,18 +95,7 @@ class MCObservableArray {
     uint64_t finalCount = array_.size() + objects.size();
     if (indexes.lastIndex() >= finalCount)
       mc_detail::throwIndexOutOfRange("MCObservableArray::insertObjects", indexes.lastIndex(), array_.size());
-    // Walk the ranges from the back, moving each stretch of old objects once to its final place.
-    const uint64_t oldCount = array_.size();
-    array_.insert(array_.end(), objects.begin(), objects.end());  // grows the list; overwritten below
-    uint64_t source = oldCount, target = finalCount, k = objects.size();
-    const auto& ranges = indexes.ranges();
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-      const uint64_t kept = target - range->end();  // old objects that stand after this range
-      std::move_backward(array_.begin() + (source - kept), array_.begin() + source, array_.begin() + target);
-      source -= kept;
-      target = range->location;
-      for (uint64_t i = range->length; i > 0; --i) array_[target + i - 1] = objects[--k];
-    }
+    MCInsertObjectsAtIndexes(array_, objects, indexes);
     emit(MCKeyValueChangeKind::Insertion, {}, std::move(objects), indexes);
   }
 
@@ -124,19 +114,7 @@ class MCObservableArray {
     if (indexes.empty()) return;
     if (indexes.lastIndex() >= array_.size())
       mc_detail::throwIndexOutOfRange("MCObservableArray::removeObjectsAtIndexes", indexes.lastIndex(), array_.size());
-    // One pass over the ranges: take each range out, then close the gap behind it, so that the
-    // objects before the first index are not touched at all.
-    Value old;
-    old.reserve(indexes.count());
-    const auto& ranges = indexes.ranges();
-    auto target = array_.begin() + ranges.front().location;
-    for (size_t r = 0; r < ranges.size(); ++r) {
-      auto first = array_.begin() + ranges[r].location, last = first + ranges[r].length;
-      std::move(first, last, std::back_inserter(old));
-      auto next = r + 1 < ranges.size() ? array_.begin() + ranges[r + 1].location : array_.end();
-      target = std::move(last, next, target);
-    }
-    array_.erase(target, array_.end());
+    Value old = MCTakeObjectsAtIndexes(array_, indexes);
     emit(MCKeyValueChangeKind::Removal, std::move(old), {}, indexes);
   }
   /// Removes every object equal to `object` (isEqualObject).
