@@ -4,8 +4,6 @@
 
 namespace {
 
-enum class Group { TIFF, Exif, GPS };
-
 template <typename T>
 void put(MCDictionary& out, const char* key, const std::optional<T>& value) {
   if (key && value) out.emplace(key, MCValue(*value));
@@ -13,32 +11,18 @@ void put(MCDictionary& out, const char* key, const std::optional<T>& value) {
 
 }  // namespace
 
-MCDictionary MCExif::tiffDictionary() const {
+MCDictionary MCExif::groupDictionary(Group wanted) const {
   MCDictionary out;
 #define MC_EXIF_PUT(kind, name, setter, group, key) \
-  if (Group::group == Group::TIFF) put(out, key, name##_);
+  if (Group::group == wanted) put(out, key, name##_);
   MC_EXIF_PROPERTIES(MC_EXIF_PUT)
 #undef MC_EXIF_PUT
   return out;
 }
 
-MCDictionary MCExif::exifDictionary() const {
-  MCDictionary out;
-#define MC_EXIF_PUT(kind, name, setter, group, key) \
-  if (Group::group == Group::Exif) put(out, key, name##_);
-  MC_EXIF_PROPERTIES(MC_EXIF_PUT)
-#undef MC_EXIF_PUT
-  return out;
-}
-
-MCDictionary MCExif::gpsDictionary() const {
-  MCDictionary out;
-#define MC_EXIF_PUT(kind, name, setter, group, key) \
-  if (Group::group == Group::GPS) put(out, key, name##_);
-  MC_EXIF_PROPERTIES(MC_EXIF_PUT)
-#undef MC_EXIF_PUT
-  return out;
-}
+MCDictionary MCExif::tiffDictionary() const { return groupDictionary(Group::TIFF); }
+MCDictionary MCExif::exifDictionary() const { return groupDictionary(Group::Exif); }
+MCDictionary MCExif::gpsDictionary() const { return groupDictionary(Group::GPS); }
 
 MCDictionary MCExif::dictionary() const {
   MCDictionary out;

@@ -194,6 +194,9 @@ class MCExif {
   MCDictionary gpsDictionary() const;
 
  private:
+  enum class Group { TIFF, Exif, GPS };
+  MCDictionary groupDictionary(Group group) const;
+
 #define MC_EXIF_DECLARE_STORAGE(kind, name, setter, group, key) std::optional<kind> name##_;
   MC_EXIF_PROPERTIES(MC_EXIF_DECLARE_STORAGE)
 #undef MC_EXIF_DECLARE_STORAGE
