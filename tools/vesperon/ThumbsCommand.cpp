@@ -13,6 +13,7 @@
 
 #include <vesperon/codecs/MCImageCodecManager.h>
 #include <vesperon/pipeline/MCThumbnailCache.h>
+#include <vesperon/pixels/MCImageFiles.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCMainQueue.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
@@ -116,10 +117,10 @@ class Run : public MCThumbnailCacheDelegate {
       : settings_(settings), files_(std::move(files)), tty_(isatty(STDERR_FILENO)) {
     for (const auto& file : files_) items_.push_back(std::make_shared<Item>(file, uint64_t(settings.size)));
     auto destinations = MCImageCodecManager::sharedInstance().destinationExtensionsForUTI("public.jpeg");
-    if (destinations && !destinations->empty()) writer_ = destinations->front();
+    canWrite_ = destinations && !destinations->empty();
   }
 
-  bool canWrite() const { return writer_ != nullptr; }
+  bool canWrite() const { return canWrite_; }
 
   std::shared_ptr<MCThumbnailDescriptorProvider> descriptorProviderAtIndexPath(MCThumbnailCache&,
                                                                                const MCIndexPath& indexPath) override {
@@ -189,13 +190,7 @@ class Run : public MCThumbnailCacheDelegate {
     return settings_.output / relative;
   }
 
-  bool write(const MCRasterImageRef& image, const fs::path& path) const {
-    std::error_code ec;
-    fs::create_directories(path.parent_path(), ec);
-    if (ec) return false;
-    auto destination = writer_->imageDestinationAtURL(path, MCImageDestinationOptions("public.jpeg"));
-    return destination && destination->addImage(image, nullptr) && destination->finalize();
-  }
+  bool write(const MCRasterImageRef& image, const fs::path& path) const { return MCSaveImageToURL(image, path); }
 
   void progress() {
     if (!tty_) return;
@@ -209,7 +204,7 @@ class Run : public MCThumbnailCacheDelegate {
   const Settings& settings_;
   std::vector<fs::path> files_;
   std::vector<std::shared_ptr<Item>> items_;
-  std::shared_ptr<MCImageCodec> writer_;
+  bool canWrite_ = false;
   std::shared_ptr<MCThumbnailCache> cache_;
   std::vector<fs::path> failures_;
   std::shared_ptr<ThumbsPersistentCache> persistent_;

@@ -139,7 +139,8 @@ MCDictionary MCCGImageMetadataReader::extractMetadataFromXMPData(const MCData& d
   if (data.empty()) return result;
   auto metadata = MCImageMetadata::createFromXMPData(data);
   if (!metadata) return result;
-  for (const auto& [dictionaryName, dictionaryRules] : metadataScheme()) {
+  static const auto scheme = metadataScheme();  // about a hundred rules: built once, not per packet
+  for (const auto& [dictionaryName, dictionaryRules] : scheme) {
     MCDictionary sub;
     for (const Rule& rule : dictionaryRules) {
       MCValue value = rule.readValueFromMetadata(*metadata);

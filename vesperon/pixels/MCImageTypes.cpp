@@ -10,7 +10,7 @@ std::set<std::string> MCMovieTypes() { return MCImageCodecManager::sharedInstanc
 const std::set<std::string>& MCRAWImageTypes() {
   static const std::set<std::string> types = [] {
     std::set<std::string> raw;
-    for (const auto& type : MCImageTypes())
+    for (const auto& type : MCImageCodecManager::sharedInstance().sourceImageTypes())
       if (MCTypeConformsTo(type, kUTTypeRawImage)) raw.insert(type);
     return raw;
   }();
@@ -28,7 +28,8 @@ const std::set<std::string>& MCHEICImageTypes() {
 }
 
 bool MCIsImageType(const std::optional<std::string>& identifier) {
-  return identifier && MCImageTypes().count(*identifier) > 0;
+  // The manager's own set, not a copy of it: this runs for every file a browser meets.
+  return identifier && MCImageCodecManager::sharedInstance().sourceImageTypes().count(*identifier) > 0;
 }
 
 bool MCIsRAWImageType(const std::optional<std::string>& identifier) {
@@ -44,5 +45,5 @@ bool MCIsHEICImageType(const std::optional<std::string>& identifier) {
 }
 
 bool MCIsMovieType(const std::optional<std::string>& identifier) {
-  return identifier && MCMovieTypes().count(*identifier) > 0;
+  return identifier && MCImageCodecManager::sharedInstance().sourceVideoTypes().count(*identifier) > 0;
 }
