@@ -36,6 +36,10 @@ std::vector<T> MCTakeObjectsAtIndexes(std::vector<T>& vector, const MCIndexSet& 
 template <typename T>
 void MCInsertObjectsAtIndexes(std::vector<T>& vector, std::vector<T> objects, const MCIndexSet& indexes) {
   if (indexes.empty()) return;
+  if (indexes.firstIndex() == vector.size()) {  // with one index per object: all at the end
+    vector.insert(vector.end(), std::make_move_iterator(objects.begin()), std::make_move_iterator(objects.end()));
+    return;
+  }
   // Walk the ranges from the back, moving each stretch of old elements once to its final place.
   const uint64_t finalCount = vector.size() + objects.size();
   uint64_t source = vector.size(), target = finalCount, k = objects.size();

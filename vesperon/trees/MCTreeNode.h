@@ -62,12 +62,7 @@ class MCTreeNode : public MCObservableObject {
   /// `insertObject:inItemsAtIndex:`.
   void insertObjectInItems(T item, uint64_t index) { items_.insertObject(std::move(item), index); }
   /// Inserts the items so that they stand at `indexes` afterwards (one index per item).
-  void insertItems(Items items, const MCIndexSet& indexes) {
-    if (appendsAtEnd(indexes, items_.count(), items.size()))
-      items_.addObjects(std::move(items));  // same change, without re-merging the whole list
-    else
-      items_.insertObjects(std::move(items), indexes);
-  }
+  void insertItems(Items items, const MCIndexSet& indexes) { items_.insertObjects(std::move(items), indexes); }
   void removeItemsAtIndexes(const MCIndexSet& indexes) { items_.removeObjectsAtIndexes(indexes); }
   void replaceItemsAtIndexes(const MCIndexSet& indexes, Items items) {
     items_.replaceObjectsAtIndexes(indexes, std::move(items));
@@ -79,12 +74,7 @@ class MCTreeNode : public MCObservableObject {
   const NodePtr& objectInNodesAtIndex(uint64_t index) const { return nodes_.objectAtIndex(index); }
   /// `insertObject:inNodesAtIndex:`.
   void insertObjectInNodes(NodePtr node, uint64_t index) { nodes_.insertObject(std::move(node), index); }
-  void insertNodes(Nodes nodes, const MCIndexSet& indexes) {
-    if (appendsAtEnd(indexes, nodes_.count(), nodes.size()))
-      nodes_.addObjects(std::move(nodes));
-    else
-      nodes_.insertObjects(std::move(nodes), indexes);
-  }
+  void insertNodes(Nodes nodes, const MCIndexSet& indexes) { nodes_.insertObjects(std::move(nodes), indexes); }
   void removeNodesAtIndexes(const MCIndexSet& indexes) { nodes_.removeObjectsAtIndexes(indexes); }
   void replaceNodesAtIndexes(const MCIndexSet& indexes, Nodes nodes) {
     nodes_.replaceObjectsAtIndexes(indexes, std::move(nodes));
@@ -104,10 +94,6 @@ class MCTreeNode : public MCObservableObject {
   bool isDescendantOf(const NodePtr& node) const { return isDescendantOf(node.get()); }
 
  private:
-  static bool appendsAtEnd(const MCIndexSet& indexes, uint64_t count, uint64_t added) {
-    return added > 0 && indexes.rangeCount() == 1 && indexes.ranges().front() == MCRange{count, added};
-  }
-
   MCObservableArray<T> items_{*this, kItemsKeyPath};
   MCObservableArray<NodePtr> nodes_{*this, kNodesKeyPath};
 };
