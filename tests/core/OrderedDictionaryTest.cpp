@@ -140,6 +140,9 @@ TEST(MCOrderedDictionary, RemovalsAndSortsKeepBothContainersInStep) {
   EXPECT_EQ(s.allKeys(), (Keys{"d", "c", "b", "a"}));
   s.removeObjectsAtIndexes(MCIndexSet{0, 2});
   EXPECT_EQ(s.allKeys(), (Keys{"c", "a"}));
+  s.addObject(5, "e");
+  s.removeObjectsForKeys({"e", "zz", "c", "e"});
+  EXPECT_EQ(s.allKeys(), (Keys{"a"}));
   expectConsistent(s);
 
   // Random changes against a simple model.

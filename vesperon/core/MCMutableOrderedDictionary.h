@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <memory>
 #include <numeric>
+#include <unordered_set>
 
 template <typename K, typename V, typename Hash, typename KeyEqual>
 class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqual> {
@@ -135,7 +136,10 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
     keys_.erase(keys_.begin() + this->indexOfKey(key));
   }
   void removeObjectsForKeys(const std::vector<K>& keys) {
-    for (const K& key : keys) removeObjectForKey(key);
+    std::unordered_set<K, Hash, KeyEqual> removed;
+    for (const K& key : keys)
+      if (hashMap_.erase(key)) removed.insert(key);
+    if (!removed.empty()) std::erase_if(keys_, [&](const K& key) { return removed.count(key) != 0; });
   }
   /// Nothing at or past count.
   void removeObjectAtIndex(uint64_t index) {

@@ -15,6 +15,7 @@
 #include <vesperon/core/MCIndexSet.h>
 #include <vesperon/core/MCNullable.h>
 #include <vesperon/core/MCObjectExtensions.h>
+#include <vesperon/core/MCObjectSet.h>
 #include <vesperon/core/MCTypes.h>
 
 #include <fmt/format.h>
@@ -26,6 +27,7 @@
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -164,19 +166,18 @@ class MCOrderedDictionary {
   }
   /// Indexes of the keys given that are present.
   MCIndexSet indexesOfKeys(const std::vector<K>& keys) const {
+    const std::unordered_set<K, Hash, KeyEqual> wanted(keys.begin(), keys.end());
     MCIndexSet result;
-    for (const K& key : keys)
-      if (uint64_t i = indexOfKey(key); i != NSNotFound) result.addIndex(i);
+    for (uint64_t i = 0; i < keys_.size(); ++i)
+      if (wanted.count(keys_[i])) result.addIndex(i);
     return result;
   }
   /// Indexes of all keys whose object is among `objects`.
   MCIndexSet indexesOfObjects(const std::vector<V>& objects) const {
+    const mc_detail::ObjectSet<V> wanted(objects);
     MCIndexSet result;
-    for (uint64_t i = 0; i < keys_.size(); ++i) {
-      const V& value = hashMap_.at(keys_[i]);
-      if (std::any_of(objects.begin(), objects.end(), [&](const V& o) { return isEqualObject(value, o); }))
-        result.addIndex(i);
-    }
+    for (uint64_t i = 0; i < keys_.size(); ++i)
+      if (wanted.contains(hashMap_.at(keys_[i]))) result.addIndex(i);
     return result;
   }
 
