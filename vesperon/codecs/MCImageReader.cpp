@@ -27,6 +27,25 @@ MCRAWImageSourceOptions baseRawOptions() {
   return raw;
 }
 
+// Tries the source extensions registered for `type` in their order of trial and gives the first
+// image that `read` makes of a source, with that source's metadata when `metadata` is given.
+template <typename Read, typename MetadataOptions>
+MCRasterImageRef firstImage(const std::filesystem::path& url, const std::string& type,
+                            const MCImageSourceOptions& sourceOptions, Read read,
+                            const MetadataOptions& metadataOptions, std::optional<MCDictionary>* metadata) {
+  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(type);
+  if (!extensions) return nullptr;
+  for (const auto& extension : *extensions) {
+    auto source = extension->imageSourceWithURL(url, sourceOptions);
+    if (!source) continue;
+    if (auto image = read(*source)) {
+      if (metadata) *metadata = source->metadataWithOptions(metadataOptions);
+      return image;
+    }
+  }
+  return nullptr;
+}
+
 }  // namespace
 
 uint64_t MCImageReader::subsampleFactorForScaleFactor(double scaleFactor) {
@@ -68,18 +87,8 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
   sourceOptions->shouldAutoRotate = false;
   sourceOptions->subsampleFactor = subsampleFactorForScaleFactor(options->scaleFactor);
   sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
-
-  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
-  if (!extensions) return nullptr;
-  for (const auto& extension : *extensions) {
-    auto source = extension->imageSourceWithURL(url, *sourceOptions);
-    if (!source) continue;
-    if (auto image = source->newImage()) {
-      if (metadata) *metadata = source->metadataWithOptions(options->metadataOptions);
-      return image;
-    }
-  }
-  return nullptr;
+  return firstImage(url, *type, *sourceOptions, [](MCImageSource& source) { return source.newImage(); },
+                    options->metadataOptions, metadata);
 }
 
 MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
@@ -96,18 +105,9 @@ MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path&
   sourceOptions->shouldAutoRotate = true;
   // A thumbnail read takes no raw settings from the client.
   sourceOptions->setRawOptions(baseRawOptions());
-
-  auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
-  if (!extensions) return nullptr;
-  for (const auto& extension : *extensions) {
-    auto source = extension->imageSourceWithURL(url, *sourceOptions);
-    if (!source) continue;
-    if (auto image = source->newThumbnailWithOptions(*options)) {
-      if (metadata) *metadata = source->metadataWithOptions(options->metadataReadingOptions);
-      return image;
-    }
-  }
-  return nullptr;
+  return firstImage(url, *type, *sourceOptions,
+                    [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); },
+                    options->metadataReadingOptions, metadata);
 }
 
 std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::filesystem::path& url,
