@@ -149,6 +149,17 @@ std::shared_ptr<MCGraphicsContext> MCGraphicsContext::create(std::size_t width, 
   return context;
 }
 
+namespace {
+thread_local MCGraphicsContext* currentGraphicsContext = nullptr;
+}
+
+cairo_surface_t* MCGraphicsContext::createSurfaceForImage(const MCRasterImage& image) {
+  return createSourceSurface(image, *MCColorSpace::sRGB());
+}
+
+MCGraphicsContext* MCGraphicsContext::currentContext() { return currentGraphicsContext; }
+void MCGraphicsContext::setCurrentContext(MCGraphicsContext* context) { currentGraphicsContext = context; }
+
 MCGraphicsContext::~MCGraphicsContext() {
   if (cr_) cairo_destroy(cr_);
   if (surface_) cairo_surface_destroy(surface_);

@@ -119,6 +119,21 @@ class MCGraphicsContext {
   /// what was drawn. Valid until the next drawing call.
   const uint8_t* data();
 
+  /// Whether the drawing under way is in a flipped space (y down), as a flipped view's is. Images
+  /// and text drawn "respecting the flip" read it to stay upright. The toolkit sets it for each
+  /// view it draws; a new context is not flipped.
+  bool isFlipped() const { return flipped_; }
+  void setFlipped(bool flipped) { flipped_ = flipped; }
+
+  /// The context views draw into at present on this thread, or none: the toolkit sets it for the
+  /// length of a drawing pass, as the platform's current graphics context.
+  static MCGraphicsContext* currentContext();
+  static void setCurrentContext(MCGraphicsContext* context);
+
+  /// A Cairo image surface (32-bit premultiplied ARGB, sRGB) with the image's pixels, for drawing
+  /// that goes to Cairo directly; none when the pixels cannot be converted. The caller destroys it.
+  static cairo_surface_t* createSurfaceForImage(const MCRasterImage& image);
+
   /// The Cairo context, for drawing that this interface does not have (text with Pango). Its
   /// transform already holds the flip to the platform's coordinates; colours are the context's.
   cairo_t* cairoContext() { return cr_; }
@@ -137,6 +152,7 @@ class MCGraphicsContext {
   cairo_t* cr_ = nullptr;
   std::vector<State> states_;
   std::vector<uint8_t> data_;
+  bool flipped_ = false;
 };
 
 using MCGraphicsContextRef = std::shared_ptr<MCGraphicsContext>;

@@ -1,0 +1,93 @@
+#pragma once
+// MCOffscreenHost: a host that shows a window nowhere — it draws into the window's backing image
+// and plays a script of events — for tests and for `--render FILE.png` snapshots.
+//
+// A script is a list of steps: events, and waits during which the GLib main context runs (timers
+// fire, periodic events arrive). `run` feeds the steps to the window one by one and lets it
+// dispatch each; a view that runs a nested loop (`nextEventMatchingMask`) takes the following
+// steps itself, so a scripted press, drags and release reach a tracking loop as a real one would.
+// When the script is used up, nested loops end (the window is told no more events can come).
+//
+// The pointer is where the last scripted mouse event put it. Drags are recorded and end when the
+// test says so (`endDraggingSession`). The pasteboard stays the library's in-memory one.
+
+#include <vesperon/toolkit/MCWindow.h>
+#include <vesperon/toolkit/MCWindowHost.h>
+
+#include <deque>
+#include <filesystem>
+#include <memory>
+#include <vector>
+
+class MCOffscreenHost : public MCWindowHost {
+ public:
+  /// Hosts `window` at `scale` pixels per point.
+  explicit MCOffscreenHost(std::shared_ptr<MCWindow> window, double scale = 1.0);
+  ~MCOffscreenHost() override;
+  MCOffscreenHost(const MCOffscreenHost&) = delete;
+  MCOffscreenHost& operator=(const MCOffscreenHost&) = delete;
+
+  const std::shared_ptr<MCWindow>& window() const { return window_; }
+
+  // The script. Locations are in the window's base coordinates (y up).
+  void addEvent(const MCEvent& event);
+  /// Lets `seconds` pass with the main context running.
+  void addWait(double seconds);
+  void mouseDown(MCPoint location, uint64_t modifierFlags = 0, int clickCount = 1);
+  void mouseDragged(MCPoint location, uint64_t modifierFlags = 0);
+  void mouseUp(MCPoint location, uint64_t modifierFlags = 0, int clickCount = 1);
+  void mouseMoved(MCPoint location, uint64_t modifierFlags = 0);
+  void rightMouseDown(MCPoint location, uint64_t modifierFlags = 0);
+  void rightMouseUp(MCPoint location, uint64_t modifierFlags = 0);
+  /// A press and a release at one place.
+  void click(MCPoint location, uint64_t modifierFlags = 0, int clickCount = 1);
+  /// A key down and up; letters come in upper case with shift.
+  void keyPress(char32_t key, uint64_t modifierFlags = 0);
+  void scrollWheel(MCPoint location, double deltaX, double deltaY, bool precise = true);
+  void magnify(MCPoint location, double magnification);
+  std::size_t numberOfPendingSteps() const { return steps_.size(); }
+
+  /// Plays the whole script.
+  void run();
+
+  // Pixels.
+  /// Displays what is pending and answers a copy of the window's pixels.
+  MCRasterImageRef render();
+  /// Displays what is pending and writes the window as a PNG; false when it cannot.
+  bool writePNG(const std::filesystem::path& path);
+  /// The union of what was invalidated since the last call, in base coordinates.
+  MCRect takeInvalidatedRect();
+
+  // Drags.
+  const std::vector<std::shared_ptr<MCDraggingSession>>& draggingSessions() const { return sessions_; }
+  /// Ends the newest drag with `operation` at the pointer.
+  void endDraggingSession(uint64_t operation);
+
+  // MCWindowHost
+  void invalidateRect(const MCRect& rect) override;
+  MCPoint mouseLocation() const override { return pointer_; }
+  bool waitForEvents(Deadline deadline) override;
+  double backingScaleFactor() const override { return scale_; }
+  bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
+  void closeWindow() override {}
+
+ private:
+  struct Step {
+    bool isEvent = false;
+    MCEvent event;
+    double wait = 0;
+  };
+  /// Posts one event step; updates the pointer.
+  void post(const MCEvent& event);
+  /// Runs the main context until `seconds` passed or the window's queue grew; answers the time left.
+  double runMainContext(double seconds, Deadline deadline);
+
+  std::shared_ptr<MCWindow> window_;
+  double scale_;
+  std::deque<Step> steps_;
+  MCPoint pointer_{};
+  MCPoint lastScriptedMouse_{};
+  bool haveInvalidated_ = false;
+  MCRect invalidated_{};
+  std::vector<std::shared_ptr<MCDraggingSession>> sessions_;
+};
