@@ -10,6 +10,8 @@ PACKAGES=(
   libglib2.0-dev libcairo2-dev libpango1.0-dev liblcms2-dev
   libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev
   nlohmann-json3-dev libfmt-dev
+  # the toolkit's GTK 4 host, and what its on-screen test drives it with
+  libgtk-4-dev fonts-dejavu-core xvfb xauth xdotool
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing

@@ -185,3 +185,29 @@ TEST(ViewGeometry, ZeroAndNegativeSizesAndAutoresizing) {
   window->setContentSize({50, 50});
   ASSERT_NE(host.render(), nullptr);
 }
+
+TEST(ViewGeometry, LayoutRunsOnceBeforeTheNextDisplay) {
+  auto window = MCWindow::create({100, 100});
+  MCOffscreenHost host(window);
+  class Laid : public MCView {
+   public:
+    using MCView::MCView;
+    int layouts = 0;
+    void layout() override {
+      ++layouts;
+      // Layout may change frames, which must then show in the same display.
+      if (!subviews().empty()) subviews().front()->setFrame(MCMakeRect(0, 0, bounds().size.width / 2, 10));
+    }
+  };
+  auto laid = std::make_shared<Laid>(MCMakeRect(0, 0, 100, 100));
+  laid->addSubview(std::make_shared<MCView>());
+  window->setContentView(laid);
+  host.render();
+  const int first = laid->layouts;
+  host.render();
+  EXPECT_EQ(laid->layouts, first);
+  window->setContentSize({60, 100});
+  host.render();
+  EXPECT_EQ(laid->layouts, first + 1);
+  EXPECT_EQ(laid->subviews().front()->frame().size.width, 30);
+}

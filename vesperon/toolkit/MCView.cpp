@@ -102,6 +102,7 @@ void MCView::setWindowRecursively(MCWindow* window) {
     if (window) window->registerTrackingView(this);
   }
   window_ = window;
+  if (window && needsLayout_) window->layoutNeeded_ = true;
   for (auto& subview : subviews_) subview->setWindowRecursively(window);
 }
 
@@ -148,7 +149,7 @@ void MCView::setFrameSize(MCSize size) {
   frame_.size = size;
   bounds_.size = MCMakeSize(size.width * scaleX, size.height * scaleY);
   if (autoresizesSubviews_) resizeSubviewsWithOldSize(old);
-  needsLayout_ = true;
+  setNeedsLayout(true);
   setNeedsDisplay(true);
   if (window_) updateTrackingAreas();
   postFrameChange();
@@ -283,11 +284,16 @@ MCScrollView* MCView::enclosingScrollView() const {
 }
 
 MCView* MCView::hitTest(MCPoint point) {
-  if (hidden_) return nullptr;
+  if (hidden_ || !MCMouseInRect(point, frame_, superview_ ? superview_->isFlipped() : false)) return nullptr;
   const MCPoint local = transformToSuperview().inverted().apply(point);
   if (!MCMouseInRect(local, bounds_, isFlipped())) return nullptr;
-  for (auto it = subviews_.rbegin(); it != subviews_.rend(); ++it)
-    if (MCView* hit = (*it)->hitTest(local)) return hit;
+  // Most subviews miss: test their frames here, in this view's coordinates, before descending.
+  const bool flipped = isFlipped();
+  for (auto it = subviews_.rbegin(); it != subviews_.rend(); ++it) {
+    MCView* subview = it->get();
+    if (subview->hidden_ || !MCMouseInRect(local, subview->frame_, flipped)) continue;
+    if (MCView* hit = subview->hitTest(local)) return hit;
+  }
   return this;
 }
 
@@ -421,10 +427,16 @@ void MCView::drawSubtree(MCGraphicsContext& context, const MCAxisTransform& toWi
   context.restoreGState();
   needsDisplay_ = false;
 
-  // Subviews may be removed while they draw; walk a copy.
-  const std::vector<MCViewRef> subviews = subviews_;
-  for (const auto& subview : subviews)
-    if (subview->window_ == window_) subview->drawSubtree(context, toWindow.compose(subview->transformToSuperview()), clip);
+  // Subviews that miss the region are passed over here, before any work for them. A subview may
+  // be removed while another draws: walk by index and hold the one that draws.
+  for (std::size_t i = 0; i < subviews_.size(); ++i) {
+    MCView* subview = subviews_[i].get();
+    if (subview->hidden_ || subview->window_ != window_) continue;
+    const MCRect subviewClip = MCIntersectionRect(clip, toWindow.apply(subview->frame_));
+    if (MCIsEmptyRect(subviewClip) || !window.regionMeetsRect(window.displayRegion_, subviewClip)) continue;
+    const std::shared_ptr<MCView> hold = subviews_[i];
+    subview->drawSubtree(context, toWindow.compose(subview->transformToSuperview()), clip);
+  }
 
   if (faded) {
     cairo_pop_group_to_source(cr);
@@ -438,6 +450,7 @@ void MCView::drawSubtree(MCGraphicsContext& context, const MCAxisTransform& toWi
 
 void MCView::setNeedsLayout(bool flag) {
   needsLayout_ = flag;
+  if (flag && window_) window_->layoutNeeded_ = true;
 }
 
 void MCView::layout() {}
@@ -447,7 +460,11 @@ void MCView::layoutSubtreeIfNeeded() {
     needsLayout_ = false;
     layout();
   }
-  for (auto& subview : std::vector<MCViewRef>(subviews_)) subview->layoutSubtreeIfNeeded();
+  // By index: layout may add or remove subviews.
+  for (std::size_t i = 0; i < subviews_.size(); ++i) {
+    const std::shared_ptr<MCView> subview = subviews_[i];
+    subview->layoutSubtreeIfNeeded();
+  }
 }
 
 void MCView::prepareContentInRect(const MCRect& rect) { preparedContentRect_ = rect; }

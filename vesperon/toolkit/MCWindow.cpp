@@ -379,7 +379,10 @@ void MCWindow::display() {
 void MCWindow::displayIfNeeded() {
   if (closed_ || !contentView_ || drawingView_) return;
   std::shared_ptr<MCWindow> keep = std::static_pointer_cast<MCWindow>(shared_from_this());
-  contentView_->layoutSubtreeIfNeeded();
+  if (layoutNeeded_) {
+    layoutNeeded_ = false;
+    contentView_->layoutSubtreeIfNeeded();
+  }
   const double scale = backingScaleFactor();
   const std::size_t width = std::size_t(std::ceil(contentSize_.width * scale));
   const std::size_t height = std::size_t(std::ceil(contentSize_.height * scale));

@@ -171,6 +171,7 @@ class MCWindow : public MCResponder {
   const MCView* drawingView_ = nullptr;
   cairo_region_t* drawingRegion_ = nullptr;
   std::size_t viewsDrawn_ = 0;
+  bool layoutNeeded_ = true;  // some view of the window needs layout
 };
 
 using MCWindowRef = std::shared_ptr<MCWindow>;

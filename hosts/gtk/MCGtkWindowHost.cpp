@@ -1,0 +1,465 @@
+#include "MCGtkWindowHost.h"
+
+#include "MCGtkClipboard.h"
+
+#include <vesperon/platform/MCGraphicsContext.h>
+#include <vesperon/toolkit/MCDraggingSession.h>
+#include <vesperon/toolkit/MCPasteboard.h>
+
+#include <gtk/gtk.h>
+
+#include <cmath>
+
+// MARK: The widget
+
+G_DECLARE_FINAL_TYPE(VesperonHostWidget, vesperon_host_widget, VESPERON, HOST_WIDGET, GtkWidget)
+
+struct _VesperonHostWidget {
+  GtkWidget parent;
+  std::shared_ptr<MCGtkWindowHost>* host;
+};
+
+G_DEFINE_TYPE(VesperonHostWidget, vesperon_host_widget, GTK_TYPE_WIDGET)
+
+namespace {
+
+MCGtkWindowHost* hostOf(GtkWidget* widget) {
+  auto* self = VESPERON_HOST_WIDGET(widget);
+  return self->host ? self->host->get() : nullptr;
+}
+
+void widgetSnapshot(GtkWidget* widget, GtkSnapshot* snapshot) {
+  if (auto* host = hostOf(widget)) host->snapshot(snapshot);
+}
+
+void widgetSizeAllocate(GtkWidget* widget, int width, int height, int) {
+  if (auto* host = hostOf(widget)) host->allocated(width, height);
+}
+
+void widgetMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimum, int* natural, int* minimumBaseline,
+                   int* naturalBaseline) {
+  *minimum = 1;
+  *natural = 1;
+  if (auto* host = hostOf(widget)) {
+    const MCSize size = host->window()->contentSize();
+    *natural = std::max(1, int(std::lround(orientation == GTK_ORIENTATION_HORIZONTAL ? size.width : size.height)));
+  }
+  *minimumBaseline = *naturalBaseline = -1;
+}
+
+void widgetDispose(GObject* object) {
+  auto* self = VESPERON_HOST_WIDGET(object);
+  if (self->host) {
+    // Keep the host alive while it lets go of the window, then drop the widget's share.
+    std::shared_ptr<MCGtkWindowHost> host = *self->host;
+    delete self->host;
+    self->host = nullptr;
+    host->widgetDestroyed();
+  }
+  G_OBJECT_CLASS(vesperon_host_widget_parent_class)->dispose(object);
+}
+
+}  // namespace
+
+static void vesperon_host_widget_class_init(VesperonHostWidgetClass* klass) {
+  GtkWidgetClass* widgetClass = GTK_WIDGET_CLASS(klass);
+  widgetClass->snapshot = widgetSnapshot;
+  widgetClass->size_allocate = widgetSizeAllocate;
+  widgetClass->measure = widgetMeasure;
+  G_OBJECT_CLASS(klass)->dispose = widgetDispose;
+}
+
+static void vesperon_host_widget_init(VesperonHostWidget* self) {
+  self->host = nullptr;
+  gtk_widget_set_focusable(GTK_WIDGET(self), TRUE);
+  gtk_widget_set_can_focus(GTK_WIDGET(self), TRUE);
+  gtk_widget_set_hexpand(GTK_WIDGET(self), TRUE);
+  gtk_widget_set_vexpand(GTK_WIDGET(self), TRUE);
+}
+
+// MARK: The mapping of GTK's input
+
+namespace {
+
+uint64_t modifierFlags(GdkModifierType state) {
+  uint64_t flags = 0;
+  if (state & GDK_SHIFT_MASK) flags |= MCEventModifierFlagShift;
+  if (state & GDK_CONTROL_MASK) flags |= MCEventModifierFlagCommand;
+  if (state & GDK_ALT_MASK) flags |= MCEventModifierFlagOption;
+  if (state & GDK_SUPER_MASK) flags |= MCEventModifierFlagControl;
+  if (state & GDK_LOCK_MASK) flags |= MCEventModifierFlagCapsLock;
+  return flags;
+}
+
+/// The character a key gives, in the platform's numbering; 0 for a key that gives none.
+char32_t characterForKeyval(unsigned keyval) {
+  switch (keyval) {
+    case GDK_KEY_Up: case GDK_KEY_KP_Up: return MCUpArrowFunctionKey;
+    case GDK_KEY_Down: case GDK_KEY_KP_Down: return MCDownArrowFunctionKey;
+    case GDK_KEY_Left: case GDK_KEY_KP_Left: return MCLeftArrowFunctionKey;
+    case GDK_KEY_Right: case GDK_KEY_KP_Right: return MCRightArrowFunctionKey;
+    case GDK_KEY_Home: case GDK_KEY_KP_Home: return MCHomeFunctionKey;
+    case GDK_KEY_Begin: case GDK_KEY_KP_Begin: return MCBeginFunctionKey;
+    case GDK_KEY_End: case GDK_KEY_KP_End: return MCEndFunctionKey;
+    case GDK_KEY_Page_Up: case GDK_KEY_KP_Page_Up: return MCPageUpFunctionKey;
+    case GDK_KEY_Page_Down: case GDK_KEY_KP_Page_Down: return MCPageDownFunctionKey;
+    case GDK_KEY_Delete: case GDK_KEY_KP_Delete: return MCDeleteFunctionKey;
+    case GDK_KEY_BackSpace: return MCDeleteCharacter;
+    case GDK_KEY_Return: case GDK_KEY_KP_Enter: return MCCarriageReturnCharacter;
+    case GDK_KEY_Tab: case GDK_KEY_KP_Tab: return MCTabCharacter;
+    case GDK_KEY_ISO_Left_Tab: return MCBackTabCharacter;
+    case GDK_KEY_Escape: return MCEscapeCharacter;
+    default: break;
+  }
+  if (keyval >= GDK_KEY_F1 && keyval <= GDK_KEY_F35) return MCF1FunctionKey + (keyval - GDK_KEY_F1);
+  return gdk_keyval_to_unicode(keyval);
+}
+
+const char* cursorName(MCCursor cursor) {
+  switch (cursor) {
+    case MCCursor::Arrow: return "default";
+    case MCCursor::PointingHand: return "pointer";
+    case MCCursor::OpenHand: return "grab";
+    case MCCursor::ClosedHand: return "grabbing";
+    case MCCursor::Crosshair: return "crosshair";
+    case MCCursor::IBeam: return "text";
+    case MCCursor::ResizeLeftRight: return "ew-resize";
+    case MCCursor::ResizeUpDown: return "ns-resize";
+    case MCCursor::NotAllowed: return "not-allowed";
+  }
+  return "default";
+}
+
+}  // namespace
+
+// MARK: The host
+
+MCGtkWindowHost::MCGtkWindowHost(std::shared_ptr<MCWindow> window) : window_(std::move(window)) {}
+
+std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindow> window) {
+  if (!window) return nullptr;
+  auto host = std::shared_ptr<MCGtkWindowHost>(new MCGtkWindowHost(window));
+  auto* widget = VESPERON_HOST_WIDGET(g_object_new(vesperon_host_widget_get_type(), nullptr));
+  widget->host = new std::shared_ptr<MCGtkWindowHost>(host);
+  host->widget_ = GTK_WIDGET(widget);
+  g_object_ref_sink(widget);
+
+  GtkEventController* legacy = gtk_event_controller_legacy_new();
+  g_signal_connect(legacy, "event", G_CALLBACK(+[](GtkEventControllerLegacy*, GdkEvent* event, gpointer data) -> gboolean {
+                     return static_cast<MCGtkWindowHost*>(data)->legacyEvent(event);
+                   }), host.get());
+  gtk_widget_add_controller(host->widget_, legacy);
+
+  GtkEventController* scroll = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
+  g_signal_connect(scroll, "scroll", G_CALLBACK(+[](GtkEventControllerScroll* controller, double dx, double dy,
+                                                    gpointer data) -> gboolean {
+                     const bool precise = gtk_event_controller_scroll_get_unit(controller) == GDK_SCROLL_UNIT_SURFACE;
+                     static_cast<MCGtkWindowHost*>(data)->scrolled(dx, dy, precise);
+                     return TRUE;
+                   }), host.get());
+  gtk_widget_add_controller(host->widget_, scroll);
+
+  GtkGesture* zoom = gtk_gesture_zoom_new();
+  g_signal_connect(zoom, "begin", G_CALLBACK(+[](GtkGesture*, GdkEventSequence*, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->zoomBegan();
+                   }), host.get());
+  g_signal_connect(zoom, "scale-changed", G_CALLBACK(+[](GtkGestureZoom*, double scale, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->zoomChanged(scale);
+                   }), host.get());
+  gtk_widget_add_controller(host->widget_, GTK_EVENT_CONTROLLER(zoom));
+
+  GtkEventController* keys = gtk_event_controller_key_new();
+  g_signal_connect(keys, "key-pressed", G_CALLBACK(+[](GtkEventControllerKey*, guint keyval, guint, GdkModifierType state,
+                                                      gpointer data) -> gboolean {
+                     return static_cast<MCGtkWindowHost*>(data)->keyPressed(keyval, state, true);
+                   }), host.get());
+  g_signal_connect(keys, "key-released", G_CALLBACK(+[](GtkEventControllerKey*, guint keyval, guint,
+                                                       GdkModifierType state, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->keyPressed(keyval, state, false);
+                   }), host.get());
+  gtk_widget_add_controller(host->widget_, keys);
+
+  gtk_widget_set_has_tooltip(host->widget_, TRUE);
+  g_signal_connect(host->widget_, "query-tooltip",
+                   G_CALLBACK(+[](GtkWidget*, int x, int y, gboolean, GtkTooltip* tooltip, gpointer data) -> gboolean {
+                     return static_cast<MCGtkWindowHost*>(data)->queryToolTip(x, y, tooltip);
+                   }), host.get());
+
+  window->setHost(host.get());
+  host->clipboard_ = std::make_shared<MCGtkClipboard>(gtk_widget_get_clipboard(host->widget_));
+  MCPasteboard::generalPasteboard()->setBackend(host->clipboard_);
+  return host;
+}
+
+MCGtkWindowHost::~MCGtkWindowHost() {
+  if (window_->host() == this) window_->setHost(nullptr);
+  if (widget_) g_object_unref(widget_);
+}
+
+void MCGtkWindowHost::widgetDestroyed() {
+  if (MCPasteboard::generalPasteboard()->backend() == clipboard_) MCPasteboard::generalPasteboard()->setBackend(nullptr);
+  closing_ = true;
+  window_->close();
+  if (window_->host() == this) window_->setHost(nullptr);
+}
+
+GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool decorated) {
+  GtkWidget* toplevel = application ? gtk_application_window_new(application) : gtk_window_new();
+  toplevel_ = GTK_WINDOW(toplevel);
+  gtk_window_set_title(toplevel_, window_->title().c_str());
+  gtk_window_set_decorated(toplevel_, decorated);
+  const MCSize size = window_->contentSize();
+  gtk_window_set_default_size(toplevel_, int(std::lround(size.width)), int(std::lround(size.height)));
+  gtk_window_set_child(toplevel_, widget_);
+  g_signal_connect(toplevel, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
+                     auto* host = static_cast<MCGtkWindowHost*>(data);
+                     host->closing_ = true;
+                     host->window_->close();
+                     return FALSE;
+                   }), this);
+  gtk_window_present(toplevel_);
+  gtk_widget_grab_focus(widget_);
+  return toplevel_;
+}
+
+void MCGtkWindowHost::closeWindow() {
+  if (closing_) return;
+  closing_ = true;
+  if (toplevel_) gtk_window_destroy(toplevel_);
+}
+
+void MCGtkWindowHost::widgetOriginInSurface(double& x, double& y) const {
+  x = y = 0;
+  GtkNative* native = gtk_widget_get_native(widget_);
+  if (!native) return;
+  double nx = 0, ny = 0;
+  gtk_native_get_surface_transform(native, &nx, &ny);
+  graphene_point_t origin = GRAPHENE_POINT_INIT(0, 0), out;
+  if (gtk_widget_compute_point(widget_, GTK_WIDGET(native), &origin, &out)) {
+    x = out.x + nx;
+    y = out.y + ny;
+  }
+}
+
+bool MCGtkWindowHost::isShown() const {
+  return widget_ && gtk_widget_get_mapped(widget_) && gtk_widget_get_width(widget_) > 1;
+}
+
+int MCGtkRunApplication(const std::string& applicationID, const char* programName,
+                        std::function<void(GtkApplication* application)> activate) {
+  GtkApplication* application = gtk_application_new(applicationID.c_str(), G_APPLICATION_NON_UNIQUE);
+  g_signal_connect(application, "activate", G_CALLBACK(+[](GtkApplication* app, gpointer data) {
+                     (*static_cast<std::function<void(GtkApplication*)>*>(data))(app);
+                   }), &activate);
+  char* arguments[] = {const_cast<char*>(programName), nullptr};
+  const int status = g_application_run(G_APPLICATION(application), 1, arguments);
+  g_object_unref(application);
+  return status;
+}
+
+// MARK: Display
+
+void MCGtkWindowHost::invalidateRect(const MCRect&) {
+  if (widget_) gtk_widget_queue_draw(widget_);
+}
+
+double MCGtkWindowHost::backingScaleFactor() const { return widget_ ? gtk_widget_get_scale_factor(widget_) : 1.0; }
+
+void MCGtkWindowHost::allocated(int width, int height) { window_->setContentSize(MCMakeSize(width, height)); }
+
+void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
+  window_->displayIfNeeded();
+  MCGraphicsContext* backing = window_->backingContext();
+  if (!backing) return;
+  const MCSize size = window_->contentSize();
+  const graphene_rect_t bounds = GRAPHENE_RECT_INIT(0, 0, float(size.width), float(size.height));
+  cairo_t* cr = gtk_snapshot_append_cairo(snapshot, &bounds);
+  cairo_surface_t* surface = cairo_get_target(backing->cairoContext());
+  cairo_surface_flush(surface);
+  const double scale = double(backing->width()) / std::max(1.0, size.width);
+  cairo_scale(cr, 1 / scale, 1 / scale);
+  cairo_set_source_surface(cr, surface, 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+}
+
+void MCGtkWindowHost::setCursor(MCCursor cursor) {
+  if (widget_) gtk_widget_set_cursor_from_name(widget_, cursorName(cursor));
+}
+
+bool MCGtkWindowHost::queryToolTip(int x, int y, void* tooltip) {
+  auto text = window_->toolTipAtPoint(toWindow(x, y));
+  if (!text || text->empty()) return false;
+  gtk_tooltip_set_text(static_cast<GtkTooltip*>(tooltip), text->c_str());
+  return true;
+}
+
+// MARK: Events
+
+MCPoint MCGtkWindowHost::toWindow(double widgetX, double widgetY) const {
+  return {widgetX, window_->contentSize().height - widgetY};
+}
+
+void MCGtkWindowHost::deliver(const MCEvent& event) {
+  std::shared_ptr<MCGtkWindowHost> keep = shared_from_this();
+  window_->postEvent(event);
+  window_->processQueuedEvents();
+}
+
+bool MCGtkWindowHost::legacyEvent(GdkEvent* event) {
+  const GdkEventType type = gdk_event_get_event_type(event);
+  if (type != GDK_BUTTON_PRESS && type != GDK_BUTTON_RELEASE && type != GDK_MOTION_NOTIFY) return false;
+  double sx = 0, sy = 0;
+  if (!gdk_event_get_position(event, &sx, &sy)) return false;
+  // Event positions are the surface's; the widget may sit anywhere in it.
+  double ox = 0, oy = 0;
+  widgetOriginInSurface(ox, oy);
+  const double x = sx - ox, y = sy - oy;
+  const GdkModifierType state = gdk_event_get_modifier_state(event);
+  const uint64_t flags = modifierFlags(state);
+  const double timestamp = gdk_event_get_time(event) / 1000.0;
+  pointer_ = toWindow(x, y);
+  if (GdkDevice* device = gdk_event_get_device(event)) pointerDevice_ = device;
+
+  if (type == GDK_MOTION_NOTIFY) {
+    MCEventType kind = MCEventType::MouseMoved;
+    if (state & GDK_BUTTON1_MASK) kind = MCEventType::LeftMouseDragged;
+    else if (state & GDK_BUTTON3_MASK) kind = MCEventType::RightMouseDragged;
+    else if (state & (GDK_BUTTON2_MASK | GDK_BUTTON4_MASK | GDK_BUTTON5_MASK)) kind = MCEventType::OtherMouseDragged;
+    MCEvent moved = MCEvent::mouseEvent(kind, pointer_, flags, kind == MCEventType::MouseMoved ? 0 : clickCount_, timestamp);
+    moved.setDelta(x - lastWidgetX_, y - lastWidgetY_);
+    lastWidgetX_ = x;
+    lastWidgetY_ = y;
+    deliver(moved);
+    return true;
+  }
+
+  const unsigned button = gdk_button_event_get_button(event);
+  if (type == GDK_BUTTON_PRESS) {
+    gtk_widget_grab_focus(widget_);
+    GtkSettings* settings = gtk_widget_get_settings(widget_);
+    int doubleClickTime = 400, doubleClickDistance = 5;
+    g_object_get(settings, "gtk-double-click-time", &doubleClickTime, "gtk-double-click-distance",
+                 &doubleClickDistance, nullptr);
+    const uint32_t time = gdk_event_get_time(event);
+    const bool again = button == lastButton_ && time - lastPressTime_ <= uint32_t(doubleClickTime) &&
+                       std::fabs(x - lastPressX_) <= doubleClickDistance &&
+                       std::fabs(y - lastPressY_) <= doubleClickDistance;
+    clickCount_ = again ? clickCount_ + 1 : 1;
+    lastButton_ = button;
+    lastPressTime_ = time;
+    lastPressX_ = x;
+    lastPressY_ = y;
+  }
+  lastWidgetX_ = x;
+  lastWidgetY_ = y;
+  MCEventType kind;
+  const bool press = type == GDK_BUTTON_PRESS;
+  if (button == GDK_BUTTON_PRIMARY) kind = press ? MCEventType::LeftMouseDown : MCEventType::LeftMouseUp;
+  else if (button == GDK_BUTTON_SECONDARY) kind = press ? MCEventType::RightMouseDown : MCEventType::RightMouseUp;
+  else kind = press ? MCEventType::OtherMouseDown : MCEventType::OtherMouseUp;
+  deliver(MCEvent::mouseEvent(kind, pointer_, flags, clickCount_, timestamp));
+  return true;
+}
+
+void MCGtkWindowHost::scrolled(double dx, double dy, bool precise) {
+  // GTK's deltas grow as the content should move up; the platform's grow as it moves down.
+  deliver(MCEvent::scrollWheelEvent(pointer_, -dx, -dy, precise));
+}
+
+void MCGtkWindowHost::zoomBegan() { lastZoomScale_ = 1; }
+
+void MCGtkWindowHost::zoomChanged(double scale) {
+  const double change = scale - lastZoomScale_;
+  lastZoomScale_ = scale;
+  if (change != 0) deliver(MCEvent::magnifyEvent(pointer_, change));
+}
+
+bool MCGtkWindowHost::keyPressed(unsigned keyval, unsigned state, bool pressed) {
+  const char32_t character = characterForKeyval(keyval);
+  // Modifier keys alone type nothing and bind nothing.
+  if (character == 0) return false;
+  const std::u32string characters(1, character);
+  deliver(MCEvent::keyEvent(pressed ? MCEventType::KeyDown : MCEventType::KeyUp, characters, characters,
+                            modifierFlags(GdkModifierType(state))));
+  return true;
+}
+
+bool MCGtkWindowHost::waitForEvents(Deadline deadline) {
+  if (window_->isClosed() || !widget_) return false;
+  unsigned source = 0;
+  bool woke = false;
+  if (deadline) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(*deadline - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return true;
+    source = g_timeout_add(unsigned(left.count()), +[](gpointer flag) -> gboolean {
+      *static_cast<bool*>(flag) = true;
+      return G_SOURCE_REMOVE;
+    }, &woke);
+  }
+  g_main_context_iteration(nullptr, TRUE);
+  if (source && !woke) g_source_remove(source);
+  return !window_->isClosed();
+}
+
+// MARK: Drags and the clipboard
+
+std::shared_ptr<MCPasteboardBackend> MCGtkWindowHost::pasteboardBackend() { return clipboard_; }
+
+bool MCGtkWindowHost::beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) {
+  GtkNative* native = widget_ ? gtk_widget_get_native(widget_) : nullptr;
+  GdkSurface* surface = native ? gtk_native_get_surface(native) : nullptr;
+  if (!surface || !pointerDevice_) return false;
+  auto* content = static_cast<GdkContentProvider*>(
+      MCGtkClipboard::createContentProvider(session->draggingPasteboard()->pasteboardItems()));
+  GdkDragAction actions = GDK_ACTION_COPY;
+  const uint64_t mask = session->sourceOperationMask(MCDraggingContext::OutsideApplication);
+  if (mask & MCDragOperationMove) actions = GdkDragAction(actions | GDK_ACTION_MOVE);
+  if (mask & MCDragOperationLink) actions = GdkDragAction(actions | GDK_ACTION_LINK);
+  double ox = 0, oy = 0;
+  widgetOriginInSurface(ox, oy);
+  const double x = pointer_.x + ox, y = window_->contentSize().height - pointer_.y + oy;
+  GdkDrag* drag = gdk_drag_begin(surface, pointerDevice_, content, actions, x, y);
+  g_object_unref(content);
+  if (!drag) return false;
+
+  // The drag icon: the first item's image, if it has one.
+  if (!session->draggingItems().empty()) {
+    for (const MCDraggingImageComponent& component : session->draggingItems().front().imageComponents()) {
+      if (!component.contents) continue;
+      cairo_surface_t* image = MCGraphicsContext::createSurfaceForImage(*component.contents);
+      if (!image) break;
+      const int w = cairo_image_surface_get_width(image), h = cairo_image_surface_get_height(image);
+      GBytes* bytes = g_bytes_new(cairo_image_surface_get_data(image),
+                                  gsize(cairo_image_surface_get_stride(image)) * gsize(h));
+      GdkTexture* texture = gdk_memory_texture_new(w, h, GDK_MEMORY_DEFAULT, bytes,
+                                                   gsize(cairo_image_surface_get_stride(image)));
+      gtk_drag_icon_set_from_paintable(drag, GDK_PAINTABLE(texture), w / 2, h / 2);
+      g_object_unref(texture);
+      g_bytes_unref(bytes);
+      cairo_surface_destroy(image);
+      break;
+    }
+  }
+
+  // The session lives until GDK says how the drag ended.
+  auto* held = new std::shared_ptr<MCDraggingSession>(session);
+  g_object_set_data_full(G_OBJECT(drag), "vesperon-session", held, +[](gpointer data) {
+    delete static_cast<std::shared_ptr<MCDraggingSession>*>(data);
+  });
+  g_signal_connect(drag, "dnd-finished", G_CALLBACK(+[](GdkDrag* d, gpointer) {
+                     auto* s = g_object_get_data(G_OBJECT(d), "vesperon-session");
+                     auto* session = static_cast<std::shared_ptr<MCDraggingSession>*>(s);
+                     const GdkDragAction action = gdk_drag_get_selected_action(d);
+                     (*session)->endAtPoint((*session)->draggingLocation(),
+                                            (action & GDK_ACTION_MOVE) ? MCDragOperationMove : MCDragOperationCopy);
+                   }), nullptr);
+  g_signal_connect(drag, "cancel", G_CALLBACK(+[](GdkDrag* d, GdkDragCancelReason, gpointer) {
+                     auto* s = g_object_get_data(G_OBJECT(d), "vesperon-session");
+                     auto* session = static_cast<std::shared_ptr<MCDraggingSession>*>(s);
+                     (*session)->endAtPoint((*session)->draggingLocation(), MCDragOperationNone);
+                   }), nullptr);
+  session->beginAtPoint(window_->convertPointToScreen(pointer_));
+  g_object_unref(drag);
+  return true;
+}

@@ -1,0 +1,96 @@
+#pragma once
+// MCGtkWindowHost: puts an MCWindow on screen in a GTK 4 widget.
+//
+// The widget draws the window's backing image with gtk_snapshot_append_cairo at the display's
+// scale, follows its allocation with the window's content size, and turns GTK's input into
+// MCEvents through the one mapping table of MCWindowHost.h. Presses, releases and motion come
+// from a legacy event controller (GTK's click gesture cancels itself when the pointer moves and
+// then loses the release, which a tracking loop must see); click counts are made here from the
+// desktop's double-click time and distance. Wheel and touchpad scrolling come from the scroll
+// controller, pinches from the zoom gesture, keys from the key controller.
+//
+// Nested event loops (MCWindow::nextEventMatchingMask) iterate the GLib main context until an
+// event of their mask is queued. While the host lives, the general pasteboard is the desktop
+// clipboard, and drags started by views are real drags offering text/uri-list and text/plain.
+
+#include <vesperon/toolkit/MCWindow.h>
+#include <vesperon/toolkit/MCWindowHost.h>
+
+#include <memory>
+#include <string>
+
+#include <functional>
+
+// GTK's types stay opaque here, so that programs using the host need no GTK header.
+typedef struct _GtkWidget GtkWidget;
+typedef struct _GtkWindow GtkWindow;
+typedef struct _GtkApplication GtkApplication;
+typedef struct _GdkSnapshot GdkSnapshot;
+typedef struct _GdkDevice GdkDevice;
+typedef struct _GdkEvent GdkEvent;
+
+/// Runs a GTK application (non-unique, so several can run at once); `activate` makes its windows.
+/// Answers the exit status. Command-line arguments are the program's own business, not GTK's.
+int MCGtkRunApplication(const std::string& applicationID, const char* programName,
+                        std::function<void(GtkApplication* application)> activate);
+
+class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this<MCGtkWindowHost> {
+ public:
+  /// A host with its widget, not yet in any GTK window. The widget holds the host; the host
+  /// holds the window.
+  static std::shared_ptr<MCGtkWindowHost> create(std::shared_ptr<MCWindow> window);
+  ~MCGtkWindowHost() override;
+
+  const std::shared_ptr<MCWindow>& window() const { return window_; }
+  GtkWidget* widget() const { return widget_; }
+
+  /// Makes a GTK application window of the MCWindow's title and content size with the widget as
+  /// its child, and shows it. Closing it closes the MCWindow.
+  GtkWindow* presentInNewWindow(GtkApplication* application, bool decorated = true);
+
+  /// Where the widget's top left lies in its toplevel's surface, in GTK's units (y down).
+  void widgetOriginInSurface(double& x, double& y) const;
+  /// Whether the widget is on screen with a size.
+  bool isShown() const;
+
+  // MCWindowHost
+  void invalidateRect(const MCRect& rect) override;
+  MCPoint mouseLocation() const override { return pointer_; }
+  bool waitForEvents(Deadline deadline) override;
+  double backingScaleFactor() const override;
+  void setCursor(MCCursor cursor) override;
+  bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
+  std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
+  void closeWindow() override;
+
+  // Called by the widget.
+  void snapshot(GdkSnapshot* snapshot);
+  void allocated(int width, int height);
+  bool legacyEvent(GdkEvent* event);
+  void scrolled(double dx, double dy, bool precise);
+  void zoomBegan();
+  void zoomChanged(double scale);
+  bool keyPressed(unsigned keyval, unsigned state, bool pressed);
+  void widgetDestroyed();
+  bool queryToolTip(int x, int y, void* tooltip);
+
+ private:
+  explicit MCGtkWindowHost(std::shared_ptr<MCWindow> window);
+  MCPoint toWindow(double widgetX, double widgetY) const;
+  void deliver(const MCEvent& event);
+
+  std::shared_ptr<MCWindow> window_;
+  GtkWidget* widget_ = nullptr;
+  GtkWindow* toplevel_ = nullptr;
+  MCPoint pointer_{};
+  double lastWidgetX_ = 0, lastWidgetY_ = 0;
+  GdkDevice* pointerDevice_ = nullptr;
+  // Click counting.
+  unsigned lastButton_ = 0;
+  uint32_t lastPressTime_ = 0;
+  double lastPressX_ = -1e9, lastPressY_ = -1e9;
+  int clickCount_ = 0;
+  double lastZoomScale_ = 1;
+  std::shared_ptr<MCPasteboardBackend> clipboard_;
+  bool closing_ = false;
+};

@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# The toolkit demo in a real GTK 4 window under Xvfb, driven by real pointer and key input from
+# xdotool: what the demo reports, and a screenshot of the window.
+# Usage: gtk-demo-test.sh DEMO-PROGRAM. Exit 77 (skipped) only when no X server can be started.
+set -euo pipefail
+demo=$1
+if [ -z "${DISPLAY_FOR_DEMO_TEST:-}" ]; then
+  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
+    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
+    exit 77
+  fi
+  DISPLAY_FOR_DEMO_TEST=1 exec xvfb-run -a -s "-screen 0 1024x768x24" "$0" "$@"
+fi
+
+work=$(mktemp -d)
+trap 'kill "${pid:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
+export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
+"$demo" --report --undecorated >"$work/out" 2>"$work/err" &
+pid=$!
+
+wait_for() {  # wait_for PATTERN: until the demo has reported a line matching PATTERN
+  for _ in $(seq 200); do
+    grep -q "$1" "$work/out" && return 0
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.05
+  done
+  echo "FAIL: the demo never reported '$1'"; cat "$work/out" "$work/err"; exit 1
+}
+
+wait_for '^ready '
+read -r _ ox oy _ _ < <(grep '^ready ' "$work/out")
+window=$(xdotool search --sync --name "Vesperon toolkit demo" | head -1)
+
+# A click, a drag, keys through the key bindings (Shift+Down moves five times as far).
+xdotool mousemove --window "$window" $((ox + 150)) $((oy + 130)) click 1
+wait_for '^click 150 130$'
+xdotool mousemove --window "$window" $((ox + 200)) $((oy + 200)) mousedown 1 \
+  mousemove --window "$window" $((ox + 230)) $((oy + 220)) sleep 0.1 \
+  mousemove --window "$window" $((ox + 260)) $((oy + 240)) mouseup 1
+wait_for '^drag-end 260 240$'
+xdotool key Right Right shift+Down
+wait_for '^command moveDownAndModifySelection: 280 290$'
+
+# The marker shows at its place on screen, in its colour, and the status line below it.
+sleep 0.3
+eval "$(xdotool getwindowgeometry --shell "$window")"
+pixel() { import -window root -crop "1x1+$1+$2" -depth 8 txt:- | tail -1 | grep -o '#[0-9A-F]\{6\}'; }
+at_marker=$(pixel $((X + ox + 280)) $((Y + oy + 290)))
+beside=$(pixel $((X + ox + 330)) $((Y + oy + 290)))
+import -window root "$work/screen.png"
+if [ "$at_marker" != "#E01B24" ]; then
+  echo "FAIL: the marker's pixel is $at_marker, not #E01B24"; cp "$work/screen.png" /tmp/toolkit-demo-failure.png; exit 1
+fi
+if [ "$beside" = "#E01B24" ]; then
+  echo "FAIL: the marker colour is beside the marker too"; exit 1
+fi
+
+# Escape quits through the command of the same name; the program ends by itself.
+xdotool key Escape
+wait_for '^quit$'
+for _ in $(seq 100); do kill -0 "$pid" 2>/dev/null || break; sleep 0.05; done
+if kill -0 "$pid" 2>/dev/null; then echo "FAIL: the demo did not end after Escape"; exit 1; fi
+wait "$pid" || { echo "FAIL: the demo ended with an error"; cat "$work/err"; exit 1; }
+echo "PASS: $(wc -l <"$work/out") reports; marker $at_marker at its place"
