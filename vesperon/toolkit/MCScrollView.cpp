@@ -1,5 +1,6 @@
 #include <vesperon/toolkit/MCScrollView.h>
 
+#include <vesperon/toolkit/MCKeyBindings.h>
 #include <vesperon/toolkit/MCTimer.h>
 
 #include <algorithm>
@@ -120,6 +121,18 @@ void MCScrollView::scrollWheel(const MCEvent& event) {
   }
   // A positive delta moves the content down (or right): the view goes toward the start.
   scrollBy(-dx, -dy, scrollsSmoothly_ && !event.hasPreciseScrollingDeltas());
+}
+
+void MCScrollView::keyDown(const MCEvent& event) {
+  const std::vector<std::string>& commands = MCKeyBindings::standardBindings().commandsForEvent(event);
+  const bool scrolls = !commands.empty() && std::all_of(commands.begin(), commands.end(), [this](const std::string& c) {
+    return respondsToCommand(c);
+  });
+  if (!scrolls) {
+    MCView::keyDown(event);
+    return;
+  }
+  for (const std::string& command : commands) performCommand(command);
 }
 
 void MCScrollView::scrollLineUp() { scrollBy(0, -verticalLineScroll_, false); }

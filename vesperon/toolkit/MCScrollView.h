@@ -52,6 +52,8 @@ class MCScrollView : public MCView {
   void scrollClipViewToPoint(MCPoint point);
 
   void scrollWheel(const MCEvent& event) override;
+  /// Keys bound to the scrolling commands scroll; other keys go on up the chain.
+  void keyDown(const MCEvent& event) override;
   bool isFlipped() const override { return true; }
   void setFrameSize(MCSize size) override;
   /// Places the clip view and the scrollers.

@@ -311,6 +311,12 @@ void MCWindow::stopPeriodicEvents() {
 }
 
 void MCWindow::keyDown(const MCEvent& event) {
+  // Only key equivalents — keys with the command modifier, and Escape — act from here, as menu
+  // shortcuts do; other keys were offered to every responder and none took them.
+  const bool equivalent = (event.modifierFlags() & MCEventModifierFlagCommand) ||
+                          (!event.charactersIgnoringModifiers().empty() &&
+                           event.charactersIgnoringModifiers().front() == MCEscapeCharacter);
+  if (!equivalent) return;
   for (const std::string& command : MCKeyBindings::standardBindings().commandsForEvent(event)) sendAction(command);
 }
 

@@ -8,7 +8,8 @@
 // and pinch events to the view under the pointer; keys to the first responder. Each view passes
 // what it does not take up the responder chain: view, superviews, window. A key that reaches the
 // window is looked up in the key bindings and its commands go down the chain from the first
-// responder. Moves update the tracking areas (enter, exit, move) of the views under the pointer.
+// responder when it is a key equivalent (it has the command modifier, or it is Escape), as a menu
+// shortcut would; other keys end there. Moves update the tracking areas (enter, exit, move) of the views under the pointer.
 //
 // Nested loops. `nextEventMatchingMask` takes the first queued event of the mask, leaving the
 // others queued in order, and waits on the host when none is there: the GTK host iterates the
@@ -92,7 +93,8 @@ class MCWindow : public MCResponder {
   /// The view that took the last mouse press, until the release.
   MCView* mouseDownView() const { return mouseDownView_.get(); }
 
-  /// A key that no view took: its commands go down the chain from the first responder.
+  /// A key that no view took: if it is a key equivalent, its commands go down the chain from the
+  /// first responder.
   void keyDown(const MCEvent& event) override;
   void doCommandBySelector(const std::string& command) override;
 
