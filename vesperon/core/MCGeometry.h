@@ -107,3 +107,22 @@ inline MCRect MCIntegralRect(const MCRect& r) {
   double x1 = std::ceil(MCMaxX(r)), y1 = std::ceil(MCMaxY(r));
   return MCMakeRect(x0, y0, x1 - x0, y1 - y0);
 }
+
+/// The edges of a rectangle, for MCDivideRect.
+enum class MCRectEdge { MinX = 0, MinY = 1, MaxX = 2, MaxY = 3 };
+/// Cuts `amount` off `r` along `edge` into `slice`, the rest into `remainder` (NSDivideRect): the
+/// amount is held to 0 and the rectangle's extent on that axis.
+inline void MCDivideRect(const MCRect& r, MCRect* slice, MCRect* remainder, double amount, MCRectEdge edge) {
+  const bool alongX = edge == MCRectEdge::MinX || edge == MCRectEdge::MaxX;
+  const double length = alongX ? r.size.width : r.size.height;
+  amount = std::clamp(amount, 0.0, std::max(0.0, length));
+  MCRect s = r, rest = r;
+  switch (edge) {
+    case MCRectEdge::MinX: s.size.width = amount; rest.origin.x += amount; rest.size.width -= amount; break;
+    case MCRectEdge::MaxX: s.origin.x = MCMaxX(r) - amount; s.size.width = amount; rest.size.width -= amount; break;
+    case MCRectEdge::MinY: s.size.height = amount; rest.origin.y += amount; rest.size.height -= amount; break;
+    case MCRectEdge::MaxY: s.origin.y = MCMaxY(r) - amount; s.size.height = amount; rest.size.height -= amount; break;
+  }
+  if (slice) *slice = s;
+  if (remainder) *remainder = rest;
+}

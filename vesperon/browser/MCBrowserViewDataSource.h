@@ -1,0 +1,30 @@
+#pragma once
+// The browser's data source: how many groups and items there are, and the refilling of the shared
+// cells before each use. Every operation is required.
+
+#include <vesperon/core/MCIndexPath.h>
+
+#include <cstdint>
+#include <vector>
+
+class MCBrowserView;
+class MCBrowserViewCell;
+
+class MCBrowserViewDataSource {
+ public:
+  virtual ~MCBrowserViewDataSource() = default;
+  virtual uint64_t numberOfGroupsInBrowserView(MCBrowserView& view) = 0;
+  virtual uint64_t numberOfItemsInGroup(MCBrowserView& view, uint64_t group) = 0;
+  virtual void updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) = 0;
+  virtual void updateHeaderCell(MCBrowserView& view, MCBrowserViewCell& cell, uint64_t group) = 0;
+};
+
+/// Prefetching: each call gets an ascending list of index paths. The view always sends its
+/// cancels before its new requests.
+class MCBrowserViewPrefetching {
+ public:
+  virtual ~MCBrowserViewPrefetching() = default;
+  virtual void prefetchItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) = 0;
+  virtual void cancelPrefetchingForItemsAtIndexPaths(MCBrowserView& view,
+                                                     const std::vector<MCIndexPath>& indexPaths) = 0;
+};
