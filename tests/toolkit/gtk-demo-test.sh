@@ -29,7 +29,7 @@ wait_for() {  # wait_for PATTERN: until the demo has reported a line matching PA
 
 wait_for '^ready '
 read -r _ ox oy _ _ < <(grep '^ready ' "$work/out")
-window=$(xdotool search --sync --name "Vesperon toolkit demo" | head -1)
+window=$(xdotool search --sync --onlyvisible --name "Vesperon toolkit demo" | head -1)
 
 # A click, a drag, keys through the key bindings (Shift+Down moves five times as far).
 xdotool mousemove --window "$window" $((ox + 150)) $((oy + 130)) click 1

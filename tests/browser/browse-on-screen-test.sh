@@ -1,0 +1,61 @@
+#!/usr/bin/env bash
+# `vesperon browse samples` in a real GTK 4 window under Xvfb: a click on the first cell, then
+# Right and Shift+Right from xdotool; checks the selections the program reports and a screenshot
+# in which the visible cells hold thumbnails. Then the offscreen --render of the same folder.
+# Usage: browse-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X server
+# can be started.
+set -euo pipefail
+vesperon=$1
+samples=$2
+if [ -z "${DISPLAY_FOR_BROWSE_TEST:-}" ]; then
+  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
+    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
+    exit 77
+  fi
+  DISPLAY_FOR_BROWSE_TEST=1 exec xvfb-run -a -s "-screen 0 1280x1024x24" "$0" "$@"
+fi
+
+work=$(mktemp -d)
+trap 'kill "${pid:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
+export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none XDG_CACHE_HOME="$work/cache"
+
+"$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
+pid=$!
+wait_for() {
+  for _ in $(seq 200); do
+    grep -q "$1" "$work/out" && return 0
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.05
+  done
+  echo "FAIL: the program never reported '$1'"; cat "$work/out" "$work/err"; exit 1
+}
+wait_for '^cell 2 '
+read -r _ ox oy < <(grep '^ready ' "$work/out")
+read -r _ _ x0 y0 < <(grep '^cell 0 ' "$work/out")
+read -r _ _ x2 y2 < <(grep '^cell 2 ' "$work/out")
+window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
+
+xdotool mousemove --window "$window" $((ox + x0)) $((oy + y0)) click 1
+wait_for '^selection 1 0$'
+xdotool key Right
+wait_for '^selection 1 1$'
+xdotool key shift+Right
+wait_for '^selection 2 1,2$'
+
+# The third cell shows its thumbnail: a patch of a photograph has many colours, where the
+# background, the selection tint or a placeholder have a few.
+sleep 0.5
+eval "$(xdotool getwindowgeometry --shell "$window")"
+colours=$(import -window root -crop "24x24+$((X + ox + x2 - 12))+$((Y + oy + y2 - 12))" -depth 8 txt:- |
+          grep -o '#[0-9A-F]\{6\}' | sort -u | wc -l)
+if [ "$colours" -lt 40 ]; then
+  import -window root /tmp/browse-failure.png
+  echo "FAIL: the third cell shows $colours colours, no thumbnail (screenshot in /tmp/browse-failure.png)"; exit 1
+fi
+kill "$pid"; wait "$pid" 2>/dev/null || true
+
+# Offscreen: the first screen as a PNG, once its thumbnails arrived.
+"$vesperon" browse "$samples" --render "$work/first.png" --size 800x600 >"$work/render"
+grep -q '30 photos' "$work/render" || { echo "FAIL: --render said: $(cat "$work/render")"; exit 1; }
+[ "$(head -c 8 "$work/first.png" | od -An -tx1 | tr -d ' ')" = "89504e470d0a1a0a" ] || { echo "FAIL: no PNG"; exit 1; }
+echo "PASS: selections reported in order; $colours colours in the third cell; offscreen render written"

@@ -1,0 +1,104 @@
+#include "BrowseCollection.h"
+
+#include <vesperon/metadata/MCExif.h>
+#include <vesperon/metadata/MCExifReader.h>
+#include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <fstream>
+#include <map>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The Exif block of a JPEG sits in its first segments; this much holds it in any camera's file.
+constexpr std::size_t kExifWindow = 128 * 1024;
+
+std::string exifDay(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) return "";
+  std::vector<uint8_t> bytes(kExifWindow);
+  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+  bytes.resize(std::size_t(in.gcount()));
+  auto reader = MCExifReader::create(bytes);
+  if (!reader) return "";
+  auto exif = reader->parseExif();
+  if (!exif) return "";
+  const auto text = exif->dateTimeOriginal();
+  // "YYYY:MM:DD HH:MM:SS": the day is the first ten characters with dashes.
+  if (!text || text->size() < 10 || (*text)[4] != ':' || (*text)[7] != ':') return "";
+  std::string day = text->substr(0, 10);
+  day[4] = day[7] = '-';
+  if (day == "0000-00-00") return "";
+  return day;
+}
+
+std::string modificationDay(const fs::path& file) {
+  std::error_code ec;
+  const auto time = fs::last_write_time(file, ec);
+  if (ec) return "";
+  const auto system = std::chrono::time_point_cast<std::chrono::system_clock::duration>(
+      time - fs::file_time_type::clock::now() + std::chrono::system_clock::now());
+  const std::time_t seconds = std::chrono::system_clock::to_time_t(system);
+  std::tm local{};
+  localtime_r(&seconds, &local);
+  char text[16];
+  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
+  return text;
+}
+
+}  // namespace
+
+std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
+  if (readExif) {
+    std::string day = exifDay(file);
+    if (!day.empty()) return day;
+  }
+  return modificationDay(file);
+}
+
+BrowseCollection BrowseCollection::scan(const fs::path& folder, std::size_t exifLimit) {
+  const auto types = MCImageTypes();
+  std::vector<fs::path> files;
+  std::error_code ec;
+  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
+  for (; !ec && it != end; it.increment(ec)) {
+    std::error_code typeError;
+    if (!it->is_regular_file(typeError)) continue;
+    const std::string name = it->path().filename().string();
+    if (name.empty() || name.front() == '.') continue;
+    const std::string ext = it->path().extension().string();
+    if (ext.size() < 2) continue;
+    auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(ext.substr(1));
+    if (type && types.count(*type)) files.push_back(it->path());
+  }
+  std::sort(files.begin(), files.end());
+  const bool readExif = files.size() <= exifLimit;
+  std::map<std::string, std::vector<fs::path>, std::greater<>> byDay;
+  for (const auto& file : files) byDay[captureDay(file, readExif)].push_back(file);
+  BrowseCollection collection;
+  for (auto& [day, dayFiles] : byDay) collection.groups_.push_back({day.empty() ? "unknown day" : day, std::move(dayFiles)});
+  return collection;
+}
+
+BrowseCollection BrowseCollection::synthetic(const std::vector<std::size_t>& groupSizes) {
+  BrowseCollection collection;
+  std::size_t n = 0;
+  for (std::size_t g = 0; g < groupSizes.size(); ++g) {
+    BrowseGroup group{"group " + std::to_string(g), {}};
+    group.files.reserve(groupSizes[g]);
+    for (std::size_t i = 0; i < groupSizes[g]; ++i) group.files.push_back("/synthetic/" + std::to_string(n++) + ".jpg");
+    collection.groups_.push_back(std::move(group));
+  }
+  return collection;
+}
+
+std::size_t BrowseCollection::numberOfFiles() const {
+  std::size_t n = 0;
+  for (const auto& group : groups_) n += group.files.size();
+  return n;
+}

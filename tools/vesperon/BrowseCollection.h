@@ -1,0 +1,34 @@
+#pragma once
+// The photos `vesperon browse` shows: every image under a folder, in groups by capture day — the
+// Exif DateTimeOriginal of the file, or the day the file was last changed when it has none —
+// newest day first, files in name order within a day.
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct BrowseGroup {
+  std::string day;  // "2024-05-01"
+  std::vector<std::filesystem::path> files;
+};
+
+class BrowseCollection {
+ public:
+  /// Scans `folder`. Capture days are read from the files' Exif blocks while there are at most
+  /// `exifLimit` files; a larger folder is grouped by the files' own days, so the window opens at
+  /// once whatever the folder holds.
+  static BrowseCollection scan(const std::filesystem::path& folder, std::size_t exifLimit = 5000);
+  /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.
+  static BrowseCollection synthetic(const std::vector<std::size_t>& groupSizes);
+
+  const std::vector<BrowseGroup>& groups() const { return groups_; }
+  std::size_t numberOfFiles() const;
+  const std::filesystem::path& file(std::size_t group, std::size_t item) const { return groups_[group].files[item]; }
+
+  /// The capture day of one file: its Exif DateTimeOriginal ("2024:05:01 10:00:00"), else the
+  /// day of its modification time, as "YYYY-MM-DD"; "" when neither can be read.
+  static std::string captureDay(const std::filesystem::path& file, bool readExif);
+
+ private:
+  std::vector<BrowseGroup> groups_;
+};

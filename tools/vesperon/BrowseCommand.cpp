@@ -1,0 +1,174 @@
+// vesperon browse: every image under a folder as a grid of thumbnails in a window, grouped by
+// capture day. With --render it draws the first screen offscreen into a PNG instead, once the
+// visible thumbnails have arrived.
+
+#include "BrowseController.h"
+#include "VesperonCommand.h"
+
+#include <hosts/gtk/MCGtkWindowHost.h>
+#include <vesperon/platform/MCGraphicsContext.h>
+#include <vesperon/platform/MCMainQueue.h>
+#include <vesperon/toolkit/MCAttributedString.h>
+#include <vesperon/toolkit/MCOffscreenHost.h>
+#include <vesperon/toolkit/MCScrollView.h>
+#include <vesperon/toolkit/MCTimer.h>
+
+#include <cstdio>
+#include <cstring>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct BrowseSettings {
+  fs::path folder;
+  fs::path render;
+  MCSize size{1024, 720};
+  bool report = false;
+};
+
+bool parseSize(const std::string& text, MCSize& size) {
+  unsigned width = 0, height = 0;
+  char x = 0, extra = 0;
+  if (std::sscanf(text.c_str(), "%u%c%u%c", &width, &x, &height, &extra) != 3 || (x != 'x' && x != 'X')) return false;
+  if (width < 64 || height < 64 || width > 8192 || height > 8192) return false;
+  size = MCMakeSize(width, height);
+  return true;
+}
+
+bool parse(const std::vector<std::string>& arguments, BrowseSettings& settings) {
+  bool haveFolder = false;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& a = arguments[i];
+    if (a == "--render" && i + 1 < arguments.size()) settings.render = arguments[++i];
+    else if (a == "--size" && i + 1 < arguments.size()) {
+      if (!parseSize(arguments[++i], settings.size)) return false;
+    } else if (a == "--report") settings.report = true;
+    else if (!a.empty() && a[0] == '-') return false;
+    else if (!haveFolder) {
+      settings.folder = a;
+      haveFolder = true;
+    } else return false;
+  }
+  return haveFolder;
+}
+
+class StatusBar : public MCView {
+ public:
+  using MCView::MCView;
+  static constexpr double kHeight = 26;
+  std::string text;
+  bool isOpaque() const override { return true; }
+  void drawRect(const MCRect& dirty) override {
+    MCGraphicsContext& context = *MCGraphicsContext::currentContext();
+    MCColor::windowBackgroundColor().setFill(context);
+    context.fillRect(dirty);
+    MCColor::separatorColor().setFill(context);
+    context.fillRect(MCMakeRect(0, bounds().size.height - 1, bounds().size.width, 1));
+    MCAttributedString line(text, {MCFont::systemFontOfSize(12), MCColor::secondaryLabelColor(), {}, {}, {}});
+    line.drawAtPoint({10, (bounds().size.height - line.size().height) / 2}, context);
+  }
+};
+
+struct Browser {
+  std::shared_ptr<MCWindow> window;
+  std::shared_ptr<BrowseView> view;
+  std::shared_ptr<BrowseController> controller;
+};
+
+Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection) {
+  Browser b;
+  const MCSize size = settings.size;
+  b.window = MCWindow::create(size);
+  b.window->setTitle("Vesperon — " + settings.folder.string());
+  auto status = std::make_shared<StatusBar>(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
+  status->setAutoresizingMask(MCViewWidthSizable | MCViewMaxYMargin);
+  auto scrollView = std::make_shared<MCScrollView>(
+      MCMakeRect(0, StatusBar::kHeight, size.width, size.height - StatusBar::kHeight));
+  scrollView->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
+  b.view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
+  scrollView->setDocumentView(b.view);
+  b.window->contentView()->addSubview(scrollView);
+  b.window->contentView()->addSubview(status);
+  b.window->makeFirstResponder(b.view.get());
+  const bool report = settings.report;
+  std::weak_ptr<StatusBar> weakStatus = status;
+  b.controller = std::make_shared<BrowseController>(
+      std::move(collection),
+      [report](const std::string& line) {
+        if (!report) return;
+        std::printf("%s\n", line.c_str());
+        std::fflush(stdout);
+      },
+      [weakStatus](const std::string& line) {
+        if (auto bar = weakStatus.lock()) {
+          bar->text = line;
+          bar->setNeedsDisplay(true);
+        }
+      });
+  return b;
+}
+
+int renderOffscreen(const BrowseSettings& settings, BrowseCollection collection) {
+  Browser b = makeBrowser(settings, std::move(collection));
+  MCOffscreenHost host(b.window, 1.0);
+  b.controller->attach(b.view);
+  // The first screen, once what it shows has arrived (or failed).
+  MCMainQueue::runUntil([&] { return b.controller->pendingCount() == 0; }, std::chrono::seconds(60));
+  if (!host.writePNG(settings.render)) {
+    std::fprintf(stderr, "vesperon browse: cannot write %s\n", settings.render.c_str());
+    return 1;
+  }
+  std::printf("%s: %s\n", settings.render.c_str(), b.controller->statusLine().c_str());
+  return 0;
+}
+
+int runBrowse(const std::vector<std::string>& arguments) {
+  BrowseSettings settings;
+  if (!parse(arguments, settings)) {
+    std::fprintf(stderr, "usage: vesperon browse DIR [--render FILE.png] [--size WxH] [--report]\n");
+    return 2;
+  }
+  std::error_code ec;
+  if (!fs::is_directory(settings.folder, ec)) {
+    std::fprintf(stderr, "vesperon browse: %s is not a folder\n", settings.folder.c_str());
+    return 1;
+  }
+  BrowseCollection collection = BrowseCollection::scan(settings.folder);
+  if (!settings.render.empty()) return renderOffscreen(settings, std::move(collection));
+
+  Browser b = makeBrowser(settings, std::move(collection));
+  std::shared_ptr<MCGtkWindowHost> host;
+  std::shared_ptr<MCTimer> announcer;
+  const int status = MCGtkRunApplication("org.vesperon.Browse", "vesperon", [&](GtkApplication* application) {
+    host = MCGtkWindowHost::create(b.window);
+    host->presentInNewWindow(application);
+    b.controller->attach(b.view);
+    // Tell a watching test where the grid's top left is, once the window shows.
+    announcer = MCTimer::scheduledTimer(0.05, true, [&](MCTimer& timer) {
+      if (!host->isShown()) return;
+      timer.invalidate();
+      if (!settings.report) return;
+      double x = 0, y = 0;
+      host->widgetOriginInSurface(x, y);
+      std::printf("ready %ld %ld\n", std::lround(x), std::lround(y));
+      // Where the first cells' images are, in the window's own coordinates (y down), to aim at.
+      const MCSize content = b.window->contentSize();
+      for (uint64_t i = 0; i < std::min<uint64_t>(3, b.view->numberOfItems()); ++i) {
+        const MCRect square = BrowsePlainCell::imageSquare(b.view->contentLayout()->cellFrameAtItemIndex(i));
+        const MCPoint centre = b.view->convertPointToView({MCMidX(square), MCMidY(square)}, nullptr);
+        std::printf("cell %llu %ld %ld\n", static_cast<unsigned long long>(i), std::lround(centre.x),
+                    std::lround(content.height - centre.y));
+      }
+      std::fflush(stdout);
+    });
+  });
+  announcer.reset();
+  host.reset();
+  return status;
+}
+
+}  // namespace
+
+VESPERON_COMMAND("browse", "DIR [--render FILE.png] [--size WxH] [--report]",
+                 "show every image under DIR as thumbnails grouped by day, in a window", runBrowse)

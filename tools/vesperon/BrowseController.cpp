@@ -1,0 +1,175 @@
+#include "BrowseController.h"
+
+#include <vesperon/toolkit/MCWindow.h>
+
+#include <algorithm>
+#include <cmath>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+class Item : public MCThumbnailDescriptorProvider {
+ public:
+  Item(const fs::path& file, uint64_t size) : descriptor_(std::make_shared<MCImageDescriptor>(file)) {
+    // A folder scan knows no image sizes: saying the image is at least the size wanted makes the
+    // reader take an embedded thumbnail only when it is that large.
+    descriptor_->estimatedPixelSize = size;
+  }
+  MCAnyHashable resourceID() const override { return descriptor_->fileURL.string(); }
+  std::shared_ptr<const MCImageDescriptor> resourceDescriptor() const override { return descriptor_; }
+
+ private:
+  std::shared_ptr<MCImageDescriptor> descriptor_;
+};
+
+}  // namespace
+
+void BrowseView::scrollWheel(const MCEvent& event) {
+  if (!(event.modifierFlags() & MCEventModifierFlagCommand)) {
+    MCBrowserView::scrollWheel(event);
+    return;
+  }
+  // A wheel notch zooms by a tenth; a touchpad by its distance.
+  const double step = event.hasPreciseScrollingDeltas() ? event.scrollingDeltaY() / 200 : event.scrollingDeltaY() / 10;
+  setScale(std::clamp(scale() * (1 + step), minScale(), maxScale()));
+}
+
+BrowseController::BrowseController(BrowseCollection collection, std::function<void(const std::string&)> report,
+                                   std::function<void(const std::string&)> status)
+    : collection_(std::move(collection)), report_(std::move(report)), status_(std::move(status)) {}
+
+void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
+  view_ = view;
+  cache_ = MCThumbnailCache::cacheWithThumbnailSize(int64_t(thumbnailPixelSize()));
+  cache_->setDelegate(shared_from_this());
+  itemCell_->setControlView(view);
+  headerCell_->setControlView(view);
+  view->setItemCell(itemCell_);
+  view->setHeaderCell(headerCell_);
+  view->setShowsGroupHeaders(true);
+  view->setDataSource(shared_from_this());
+  view->setDelegate(shared_from_this());
+  view->setPrefetchDataSource(shared_from_this());
+  view->reloadData();
+  if (status_) status_(statusLine());
+}
+
+uint64_t BrowseController::thumbnailPixelSize() const {
+  auto view = view_.lock();
+  const double scale = view ? view->scale() : 0.5;
+  const double backing = view && view->window() ? view->window()->backingScaleFactor() : 1.0;
+  return uint64_t(std::ceil(BrowsePlainCell::kSideAtScaleOne * scale * backing));
+}
+
+std::string BrowseController::statusLine() const {
+  auto view = view_.lock();
+  const std::size_t photos = collection_.numberOfFiles(), days = collection_.groups().size();
+  std::string line = std::to_string(photos) + (photos == 1 ? " photo" : " photos") + " in " + std::to_string(days) +
+                     (days == 1 ? " day" : " days");
+  if (view && view->hasSelection()) line += ", " + std::to_string(view->selectionCount()) + " selected";
+  return line;
+}
+
+std::shared_ptr<MCThumbnailDescriptorProvider> BrowseController::provider(const MCIndexPath& indexPath) const {
+  const auto& groups = collection_.groups();
+  if (indexPath.group >= groups.size() || indexPath.item >= groups[indexPath.group].files.size()) return nullptr;
+  return std::make_shared<Item>(groups[indexPath.group].files[indexPath.item], thumbnailPixelSize());
+}
+
+// MARK: Data source
+
+uint64_t BrowseController::numberOfGroupsInBrowserView(MCBrowserView&) { return collection_.groups().size(); }
+
+uint64_t BrowseController::numberOfItemsInGroup(MCBrowserView&, uint64_t group) {
+  return collection_.groups().at(group).files.size();
+}
+
+void BrowseController::updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) {
+  auto& plain = static_cast<BrowsePlainCell&>(cell);
+  MCRasterImageRef image;
+  if (auto item = provider(indexPath))
+    if (auto thumbnail = cache_->thumbnailForDescriptorProvider(*item)) image = thumbnail->image();
+  const BrowsePlainCell::State state = image                       ? BrowsePlainCell::State::Loaded
+                                       : failed_.count(indexPath) ? BrowsePlainCell::State::Failed
+                                                                  : BrowsePlainCell::State::Loading;
+  bool alternate = false;
+  const bool selected = view.isSelectedItemAtIndexPath(indexPath, &alternate);
+  plain.configure(std::move(image), collection_.file(indexPath.group, indexPath.item).filename().string(), state,
+                  selected, alternate);
+}
+
+void BrowseController::updateHeaderCell(MCBrowserView&, MCBrowserViewCell& cell, uint64_t group) {
+  const auto& g = collection_.groups().at(group);
+  static_cast<BrowseHeaderCell&>(cell).configure(g.day, g.files.size());
+}
+
+// MARK: Delegate
+
+bool BrowseController::respondsTo(MCBrowserViewDelegateOperation operation) const {
+  switch (operation) {
+    case MCBrowserViewDelegateOperation::ScaleDidChange:
+    case MCBrowserViewDelegateOperation::SelectionDidChange:
+    case MCBrowserViewDelegateOperation::CellWasDoubleClicked:
+      return true;
+    default:
+      return false;
+  }
+}
+
+void BrowseController::browserViewScaleDidChange(MCBrowserView& view) {
+  // Thumbnails of the old size keep showing until those of the new size replace them: ask again
+  // for everything, at the new size, once the view has its new layout.
+  cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
+  view.invalidatePrefetching();
+}
+
+void BrowseController::browserViewSelectionDidChange(MCBrowserView& view) {
+  if (status_) status_(statusLine());
+  if (!report_) return;
+  std::string line = "selection " + std::to_string(view.selectionCount());
+  const MCIndexSet selection = view.selectionIndexes();
+  std::size_t shown = 0;
+  for (uint64_t index : selection) {
+    line += (shown ? "," : " ") + std::to_string(index);
+    if (++shown == 20) {
+      line += ",…";
+      break;
+    }
+  }
+  report_(line);
+}
+
+void BrowseController::cellWasDoubleClickedAtIndexPath(MCBrowserView&, const MCIndexPath& indexPath, const MCEvent&) {
+  const fs::path& file = collection_.file(indexPath.group, indexPath.item);
+  std::printf("double-click %s\n", file.c_str());
+  std::fflush(stdout);
+}
+
+// MARK: Prefetching and arrivals
+
+void BrowseController::prefetchItemsAtIndexPaths(MCBrowserView&, const std::vector<MCIndexPath>& indexPaths) {
+  std::vector<MCIndexPath> wanted;
+  for (const MCIndexPath& path : indexPaths)
+    if (!failed_.count(path) && pending_.insert(path).second) wanted.push_back(path);
+  cache_->fetchThumbnailsAtIndexPaths(wanted);
+}
+
+void BrowseController::cancelPrefetchingForItemsAtIndexPaths(MCBrowserView&, const std::vector<MCIndexPath>& indexPaths) {
+  for (const MCIndexPath& path : indexPaths) pending_.erase(path);
+  cache_->cancelFetchingForThumbnailsAtIndexPaths(indexPaths);
+}
+
+std::shared_ptr<MCThumbnailDescriptorProvider> BrowseController::descriptorProviderAtIndexPath(MCThumbnailCache&,
+                                                                                             const MCIndexPath& indexPath) {
+  return provider(indexPath);
+}
+
+void BrowseController::didFetchThumbnail(MCThumbnailCache&, const std::shared_ptr<const MCThumbnail>& thumbnail,
+                                         const MCIndexPath& indexPath) {
+  pending_.erase(indexPath);
+  if (!thumbnail || !thumbnail->image()) failed_.insert(indexPath);
+  auto view = view_.lock();
+  if (!view || indexPath.group >= view->contentLayout()->numberOfGroups()) return;
+  view->reloadItemAtIndexPath(indexPath);
+}

@@ -1,0 +1,73 @@
+#pragma once
+// What `vesperon browse` puts behind its browser view: the data source over the collection, the
+// delegate (selection, zoom, double-click), the prefetch source that drives MCThumbnailCache, and
+// the thumbnail cache's delegate that redraws an item when its thumbnail arrives.
+
+#include "BrowseCells.h"
+#include "BrowseCollection.h"
+
+#include <vesperon/browser/MCBrowserView.h>
+#include <vesperon/pipeline/MCThumbnailCache.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <unordered_set>
+
+/// The browser view of the program: Ctrl with the wheel zooms, as a pinch does.
+class BrowseView : public MCBrowserView {
+ public:
+  using MCBrowserView::MCBrowserView;
+  void scrollWheel(const MCEvent& event) override;
+};
+
+class BrowseController : public MCBrowserViewDataSource,
+                         public MCBrowserViewDelegate,
+                         public MCBrowserViewPrefetching,
+                         public MCThumbnailCacheDelegate,
+                         public std::enable_shared_from_this<BrowseController> {
+ public:
+  /// `report` hears one line for each thing a person did (double-clicks, selection changes);
+  /// `status` the status line whenever it changes.
+  BrowseController(BrowseCollection collection, std::function<void(const std::string&)> report,
+                   std::function<void(const std::string&)> status);
+
+  /// Makes the view's cells, sets this as its data source, delegate and prefetch source, and loads.
+  void attach(const std::shared_ptr<BrowseView>& view);
+  const std::shared_ptr<MCThumbnailCache>& thumbnailCache() const { return cache_; }
+  const BrowseCollection& collection() const { return collection_; }
+  /// Items asked for and not yet answered.
+  std::size_t pendingCount() const { return pending_.size(); }
+  std::string statusLine() const;
+
+  // MCBrowserViewDataSource
+  uint64_t numberOfGroupsInBrowserView(MCBrowserView& view) override;
+  uint64_t numberOfItemsInGroup(MCBrowserView& view, uint64_t group) override;
+  void updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) override;
+  void updateHeaderCell(MCBrowserView& view, MCBrowserViewCell& cell, uint64_t group) override;
+  // MCBrowserViewDelegate
+  bool respondsTo(MCBrowserViewDelegateOperation operation) const override;
+  void browserViewScaleDidChange(MCBrowserView& view) override;
+  void browserViewSelectionDidChange(MCBrowserView& view) override;
+  void cellWasDoubleClickedAtIndexPath(MCBrowserView& view, const MCIndexPath& indexPath, const MCEvent& event) override;
+  // MCBrowserViewPrefetching
+  void prefetchItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) override;
+  void cancelPrefetchingForItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) override;
+  // MCThumbnailCacheDelegate
+  std::shared_ptr<MCThumbnailDescriptorProvider> descriptorProviderAtIndexPath(MCThumbnailCache& cache,
+                                                                               const MCIndexPath& indexPath) override;
+  void didFetchThumbnail(MCThumbnailCache& cache, const std::shared_ptr<const MCThumbnail>& thumbnail,
+                         const MCIndexPath& indexPath) override;
+
+ private:
+  uint64_t thumbnailPixelSize() const;
+  std::shared_ptr<MCThumbnailDescriptorProvider> provider(const MCIndexPath& indexPath) const;
+
+  BrowseCollection collection_;
+  std::function<void(const std::string&)> report_, status_;
+  std::weak_ptr<BrowseView> view_;
+  std::shared_ptr<MCThumbnailCache> cache_;
+  std::shared_ptr<BrowsePlainCell> itemCell_ = std::make_shared<BrowsePlainCell>();
+  std::shared_ptr<BrowseHeaderCell> headerCell_ = std::make_shared<BrowseHeaderCell>();
+  std::unordered_set<MCIndexPath> pending_, failed_;
+};
