@@ -1,0 +1,90 @@
+#pragma once
+// MCBrowserViewItemPlainCell: an item drawn without a background — the image and its title and
+// subtitle centred as one block in the frame, the selection frame hugging the image. Only the
+// image counts for hits: a click on the text or the margin is no hit on the cell.
+//
+// The title and subtitle heights come from the fonts of `titleAttributes` and
+// `subtitleAttributes`, which are to be set before the cell is measured. Badges as on the card,
+// placed from the image's rectangle.
+
+#include <vesperon/browser/MCBrowserViewCell.h>
+#include <vesperon/drawing/MCBadge.h>
+#include <vesperon/drawing/MCImageExtensions.h>
+#include <vesperon/toolkit/MCAttributedString.h>
+#include <vesperon/toolkit/MCColor.h>
+
+#include <optional>
+#include <string>
+
+class MCBrowserViewItemPlainCell : public MCBrowserViewCell {
+ public:
+  explicit MCBrowserViewItemPlainCell(std::weak_ptr<MCView> controlView = {}) : MCBrowserViewCell(std::move(controlView)) {}
+
+  bool shouldDrawImageDimmed = false;
+  bool shouldDrawImagePlaceholder = false;
+  bool shouldShowTitle = true;
+  bool shouldShowSubtitle = true;
+  bool shouldShowBadgeFlags = true;
+  bool shouldShowBadgeLocked = false;
+  bool shouldShowBadgeMarked = false;
+  bool shouldShowBadgeSource = true;
+  bool shouldShowBadgeState = true;
+  bool shouldShowBadgeScore = true;
+  std::optional<MCColor> selectionColor;
+  MCImageRef image;
+  std::string title, subtitle;
+  MCTextAttributes titleAttributes, subtitleAttributes;
+  MCBadgeRef flagsBadge;
+  MCImageRef mediaSourceBadge;
+  MCBadgeRef stateBadge, lockedBadge, markedBadge;
+  double imageRadius = 7.0;
+  double selectionRadius = 9.5;
+  double selectionPadding = -2.5;
+  double selectionThickness = 3.0;
+  double maximumBrowserThumbnailSize = 360.0;
+  MCSize imageSize{0, 0};
+  MCEdgeInsets frameInsets{3, 3, 3, 3};
+  MCEdgeInsets titleInsets{8, 0, 0, 0};
+  MCEdgeInsets subtitleInsets{4, 0, 0, 0};
+
+  double defaultImageWidth() const { return maximumBrowserThumbnailSize; }
+  double defaultImageHeight() const { return maximumBrowserThumbnailSize; }
+  /// ceil(ascender + descender + leading + 1) of the font of the title (subtitle) attributes.
+  double defaultTitleHeight() const;
+  double defaultSubtitleHeight() const;
+
+  // MCBrowserViewCell
+  MCSize cellSizeForBounds(const MCRect& bounds, double scale) override;
+  std::shared_ptr<const MCImage> previewImage() override { return image; }
+  MCRect previewSourceRectForCellFrame(const MCRect& frame) override;
+  void drawWithFrame(const MCRect& frame, MCView* view) override;
+  std::shared_ptr<MCBrowserViewCell> copy() const override;
+  bool containsPoint(MCPoint point, const MCRect& frame) override;
+  bool intersectsRect(const MCRect& rect, const MCRect& frame) override;
+
+  // Geometry.
+  MCSize contentSizeForBoundsSize(MCSize size) const;
+  MCSize titleSizeForBoundsSize(MCSize size) const;
+  MCSize imageSizeForBoundsSize(MCSize size) const;
+  MCRect boundsForCellFrame(const MCRect& frame) const;
+  MCRect contentRectForCellFrame(const MCRect& frame) const;
+  MCRect selectionRectForContentRect(const MCRect& content) const;
+  MCRect imageRectForContentRect(const MCRect& content) const;
+  MCRect titlePartRectForContentRect(const MCRect& content) const;
+  MCRect titleRectForTitlePartRect(const MCRect& part) const;
+  MCRect subtitleRectForTitlePartRect(const MCRect& part) const;
+  MCRect badgeStateRectForImageRect(const MCRect& image) const;
+  MCRect badgeFlagsRectForImageRect(const MCRect& image) const;
+  MCRect badgeLockedRectForContentRect(const MCRect& image) const;
+  MCRect badgeMarkedRectForContentRect(const MCRect& image) const;
+  MCRect badgeMediaSourceRectForContentRect(const MCRect& image) const;
+
+  // Drawing.
+  void drawImageWithBadgesInRect(const MCRect& rect);
+  void drawSelectionInRect(const MCRect& rect);
+  void drawTitleInRect(const MCRect& rect);
+  void drawSubtitleInRect(const MCRect& rect);
+  void drawImageInRect(const MCRect& rect);
+  void drawImagePlaceholderInRect(const MCRect& rect);
+  void drawContentInRect(const MCRect& content, MCView* view);
+};

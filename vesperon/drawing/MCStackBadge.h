@@ -1,0 +1,24 @@
+#pragma once
+// MCStackBadge: badges in a row from the left, each centred vertically, with spacing between.
+
+#include <vesperon/drawing/MCBadge.h>
+
+#include <vector>
+
+class MCStackBadge : public MCBadge {
+ public:
+  explicit MCStackBadge(std::vector<MCBadgeRef> children = {}) : children_(std::move(children)) {}
+
+  const std::vector<MCBadgeRef>& children() const { return children_; }
+  void setChildren(std::vector<MCBadgeRef> children) { children_ = std::move(children); }
+  double spacing() const { return spacing_; }
+  void setSpacing(double spacing) { spacing_ = spacing; }
+
+  /// The widths added, with the spacing between (not before the first); the tallest height.
+  MCSize contentSize() const override;
+  void drawInRect(const MCRect& rect) override;
+
+ private:
+  std::vector<MCBadgeRef> children_;
+  double spacing_ = 0;
+};

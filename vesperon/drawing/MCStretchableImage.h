@@ -1,0 +1,53 @@
+#pragma once
+// MCStretchableImage: a nine-part image — a source cut by four insets into corners, edges and a
+// centre — drawn at any size with the corners at their natural size, the edges stretched along
+// one axis and the centre along both. The image composed for the last size drawn is kept, so a
+// list of like cells composes it once.
+
+#include <vesperon/drawing/MCImageExtensions.h>
+
+#include <array>
+#include <filesystem>
+
+class MCStretchableImage {
+ public:
+  /// None for no image, or an image of no width or height.
+  static std::shared_ptr<MCStretchableImage> create(const MCImageRef& image, MCEdgeInsets insets);
+  /// From an image file (PNG, JPEG … through the codec plug-ins) at scale 1.
+  static std::shared_ptr<MCStretchableImage> imageNamed(const std::filesystem::path& file, MCEdgeInsets insets);
+
+  MCSize size() const { return size_; }
+  const MCEdgeInsets& insets() const { return insets_; }
+  /// The nine pieces in the order top left, top, top right, left, centre, right, bottom left,
+  /// bottom, bottom right.
+  const std::array<MCImageRef, 9>& pieces() const { return pieces_; }
+  const MCImageRef& topLeftCorner() const { return pieces_[0]; }
+  const MCImageRef& centerFill() const { return pieces_[4]; }
+  const MCImageRef& bottomRightCorner() const { return pieces_[8]; }
+
+  /// Composes (or reuses) the image of the rectangle's size with the operation and fraction, and
+  /// draws it over what is there.
+  void drawInRect(const MCRect& rect, MCBlendMode operation, double fraction, bool respectFlipped);
+  /// As above with the flip not respected.
+  void drawInRect(const MCRect& rect, MCBlendMode operation, double fraction) {
+    drawInRect(rect, operation, fraction, false);
+  }
+  void drawAtPoint(MCPoint point, MCBlendMode operation, double fraction) {
+    drawInRect(MCMakeRect(point.x, point.y, size_.width, size_.height), operation, fraction);
+  }
+  /// A copy with the same pieces and no cache.
+  std::shared_ptr<MCStretchableImage> copy() const;
+
+  /// How many times an image was composed; for tests and benchmarks.
+  int numberOfCompositions() const { return compositions_; }
+  MCSize cachedImageSize() const { return cachedImageSize_; }
+
+ private:
+  MCStretchableImage() = default;
+  MCSize size_{};
+  MCEdgeInsets insets_{};
+  std::array<MCImageRef, 9> pieces_{};
+  MCImageRef cachedImage_;
+  MCSize cachedImageSize_{};
+  int compositions_ = 0;
+};

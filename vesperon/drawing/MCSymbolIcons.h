@@ -1,0 +1,38 @@
+#pragma once
+// The system symbols the badges name, as icons of the freedesktop icon theme: one table from each
+// symbol name the catalogue uses to the closest symbolic icon of adwaita-icon-theme, drawn from its
+// SVG with librsvg at the point size asked for (at twice the pixels, for sharp edges).
+//
+//   symbol                          icon (…-symbolic.svg)    how close
+//   lock.fill                       system-lock-screen        same meaning
+//   trash.fill                      user-trash                same meaning
+//   icloud.fill                     weather-overcast          a cloud
+//   icloud.slash.fill               network-offline           "not reachable"; no crossed cloud
+//   flag.fill                       emoji-flags               a flag
+//   exclamationmark.triangle.fill   dialog-warning            same meaning
+//   heart.fill                      emblem-favorite           same meaning
+//   eye.slash.fill                  view-conceal              same meaning
+//   arrowshape.turn.up.right.fill   mail-forward              a turned arrow
+//   document.on.document.fill       edit-copy                 two sheets
+//   livephoto.play                  media-playback-start      "plays"
+//   iphone                          phone                     a phone
+//   person.2.fill                   system-users              two people
+//   timelapse                       document-open-recent      a clock with an arrow
+//   video.fill                      camera-video              a video camera
+//   star.fill                       starred                   same meaning
+//   location.fill                   mark-location             same meaning
+//   flag.slash.fill, square.stack.3d.up.fill, pano.fill, cube.fill, slowmo, sparkles
+//                                   none: no icon of the theme comes close, so these give none
+//                                   (the score badge then shows "* %.2f").
+
+#include <vesperon/drawing/MCImageExtensions.h>
+
+#include <optional>
+#include <string>
+
+/// The icon file for a symbol name, or none when the table has no icon for it or the theme is not
+/// installed.
+std::optional<std::string> MCSymbolIconPath(const std::string& symbolName);
+/// The symbol drawn `pointSize` points high (width in proportion); none as above, or when the SVG
+/// cannot be read. Results are kept per name and size.
+MCImageRef MCSymbolImage(const std::string& symbolName, double pointSize);
