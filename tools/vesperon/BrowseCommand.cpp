@@ -3,6 +3,8 @@
 // visible thumbnails have arrived.
 
 #include "BrowseController.h"
+
+#include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include "VesperonCommand.h"
 
 #include <hosts/gtk/MCGtkWindowHost.h>
@@ -155,7 +157,8 @@ int runBrowse(const std::vector<std::string>& arguments) {
       // Where the first cells' images are, in the window's own coordinates (y down), to aim at.
       const MCSize content = b.window->contentSize();
       for (uint64_t i = 0; i < std::min<uint64_t>(3, b.view->numberOfItems()); ++i) {
-        const MCRect square = BrowsePlainCell::imageSquare(b.view->contentLayout()->cellFrameAtItemIndex(i));
+        MCBrowserViewItemCardCell card;
+        const MCRect square = card.imageRectForBounds(b.view->contentLayout()->cellFrameAtItemIndex(i));
         const MCPoint centre = b.view->convertPointToView({MCMidX(square), MCMidY(square)}, nullptr);
         std::printf("cell %llu %ld %ld\n", static_cast<unsigned long long>(i), std::lround(centre.x),
                     std::lround(content.height - centre.y));

@@ -1,6 +1,15 @@
 #include "BrowseController.h"
 
+#include <vesperon/drawing/MCBadgeFactory.h>
+#include <vesperon/metadata/MCCGImageMetadataReader.h>
+#include <vesperon/metadata/MCExif.h>
+#include <vesperon/metadata/MCExifReader.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+#include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 #include <vesperon/toolkit/MCWindow.h>
+
+#include <fstream>
 
 #include <algorithm>
 #include <cmath>
@@ -25,6 +34,40 @@ class Item : public MCThumbnailDescriptorProvider {
 
 }  // namespace
 
+BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
+  BrowseItemInfo info;
+  const std::string extension = file.extension().string();
+  if (extension.size() > 1)
+    if (auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(extension.substr(1)))
+      info.isVideo = MCIsMovieType(*type);
+  // The Exif block sits in the first segments of the file.
+  std::ifstream in(file, std::ios::binary);
+  std::vector<uint8_t> bytes(128 * 1024);
+  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+  bytes.resize(std::size_t(std::max<std::streamsize>(0, in.gcount())));
+  if (auto reader = MCExifReader::create(bytes)) {
+    if (auto exif = reader->parseExif()) {
+      if (const auto& date = exif->dateTimeOriginal(); date && date->size() >= 16) {
+        std::string text = date->substr(0, 16);
+        text[4] = text[7] = '-';
+        info.captureDate = text;
+      }
+      if (exif->exifPixelXDimension() && exif->exifPixelYDimension())
+        info.pixelSize = {exif->exifPixelXDimension()->doubleValue().value_or(0),
+                          exif->exifPixelYDimension()->doubleValue().value_or(0)};
+      info.hasLocation = exif->gpsLatitude().has_value() && exif->gpsLongitude().has_value();
+    }
+  }
+  if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(file)) {
+    if (auto iptc = sidecar->find(kCGImagePropertyIPTCDictionary); iptc != sidecar->end())
+      if (const MCDictionary* group = iptc->second.dictionary()) {
+        if (auto rating = group->find(kCGImagePropertyIPTCStarRating); rating != group->end())
+          info.rating = std::clamp<long>(long(rating->second.doubleValue().value_or(0)), 0, 5);
+      }
+  }
+  return info;
+}
+
 void BrowseView::scrollWheel(const MCEvent& event) {
   if (!(event.modifierFlags() & MCEventModifierFlagCommand)) {
     MCBrowserView::scrollWheel(event);
@@ -44,6 +87,10 @@ void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   cache_ = MCThumbnailCache::cacheWithThumbnailSize(int64_t(thumbnailPixelSize()));
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);
+  itemCell_->backgroundColor = MCColor::colorWithHex(0xEDEDEC);
+  itemCell_->selectionColor = MCColor::controlAccentColor();
+  itemCell_->titleAttributes = {MCFont::systemFontOfSize(12), MCColor::labelColor(), {}, {}, {}};
+  itemCell_->subtitleAttributes = {MCFont::systemFontOfSize(10), MCColor::secondaryLabelColor(), {}, {}, {}};
   headerCell_->setControlView(view);
   view->setItemCell(itemCell_);
   view->setHeaderCell(headerCell_);
@@ -59,7 +106,7 @@ uint64_t BrowseController::thumbnailPixelSize() const {
   auto view = view_.lock();
   const double scale = view ? view->scale() : 0.5;
   const double backing = view && view->window() ? view->window()->backingScaleFactor() : 1.0;
-  return uint64_t(std::ceil(BrowsePlainCell::kSideAtScaleOne * scale * backing));
+  return uint64_t(std::ceil(MCBrowserViewItemCardCell::defaultImageWidth() * scale * backing));
 }
 
 std::string BrowseController::statusLine() const {
@@ -85,18 +132,54 @@ uint64_t BrowseController::numberOfItemsInGroup(MCBrowserView&, uint64_t group) 
   return collection_.groups().at(group).files.size();
 }
 
+const BrowseItemInfo& BrowseController::info(const MCIndexPath& indexPath) {
+  auto it = infos_.find(indexPath);
+  if (it == infos_.end()) it = infos_.emplace(indexPath, BrowseItemInfo::read(collection_.file(indexPath.group, indexPath.item))).first;
+  return it->second;
+}
+
 void BrowseController::updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) {
-  auto& plain = static_cast<BrowsePlainCell&>(cell);
+  auto& card = static_cast<MCBrowserViewItemCardCell&>(cell);
   MCRasterImageRef image;
   if (auto item = provider(indexPath))
     if (auto thumbnail = cache_->thumbnailForDescriptorProvider(*item)) image = thumbnail->image();
-  const BrowsePlainCell::State state = image                       ? BrowsePlainCell::State::Loaded
-                                       : failed_.count(indexPath) ? BrowsePlainCell::State::Failed
-                                                                  : BrowsePlainCell::State::Loading;
+  const bool failed = !image && failed_.count(indexPath);
+  const BrowseItemInfo& about = info(indexPath);
+  card.image = MCImage::create(image);
+  card.shouldDrawImagePlaceholder = !image;
+  card.imageSize = about.pixelSize.width > 0 ? about.pixelSize
+                   : image ? MCSize{double(image->width()), double(image->height())}
+                           : MCSize{0, 0};
+  card.title = collection_.file(indexPath.group, indexPath.item).filename().string();
+  std::string subtitle = about.captureDate;
+  if (about.pixelSize.width > 0) {
+    if (!subtitle.empty()) subtitle += "  ";
+    subtitle += std::to_string(long(about.pixelSize.width)) + "×" + std::to_string(long(about.pixelSize.height));
+  }
+  card.subtitle = subtitle;
+  // Badges from what the file says; they are made once per kind and shared by all cards.
+  static const auto location = MCBadgeFactory::defaultIconBadgeNamed("location.fill", 14);
+  static const auto video = MCBadgeFactory::badgeVideo();
+  static const auto warning = MCBadgeFactory::warningIconBadgeNamed("exclamationmark.triangle.fill", 16);
+  static std::unordered_map<long, MCBadgeRef> stars, labels;
+  MCBadgeRef flags;
+  if (about.rating > 0) {
+    auto& badge = stars[about.rating];
+    if (!badge) badge = MCBadgeFactory::badgeStarsWithCount(about.rating, true);
+    flags = badge;
+  }
+  card.flagsBadge = flags;
+  card.stateBadge = failed ? MCBadgeRef(warning) : about.isVideo ? MCBadgeRef(video) : about.hasLocation ? MCBadgeRef(location) : nullptr;
+  MCBadgeRef label;
+  if (about.label > 0) {
+    auto& badge = labels[about.label];
+    if (!badge) badge = MCBadgeFactory::badgeCircleWithLabelColor(about.label);
+    label = badge;
+  }
+  card.markedBadge = label;
+  card.shouldShowBadgeMarked = label != nullptr;
   bool alternate = false;
-  const bool selected = view.isSelectedItemAtIndexPath(indexPath, &alternate);
-  plain.configure(std::move(image), collection_.file(indexPath.group, indexPath.item).filename().string(), state,
-                  selected, alternate);
+  card.setSelected(view.isSelectedItemAtIndexPath(indexPath, &alternate));
 }
 
 void BrowseController::updateHeaderCell(MCBrowserView&, MCBrowserViewCell& cell, uint64_t group) {

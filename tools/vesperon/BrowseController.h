@@ -7,12 +7,26 @@
 #include "BrowseCollection.h"
 
 #include <vesperon/browser/MCBrowserView.h>
+#include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/pipeline/MCThumbnailCache.h>
 
 #include <functional>
 #include <memory>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
+
+/// What a card says about one file, read once when the file first shows: from its Exif block
+/// and the XMP sidecar beside it.
+struct BrowseItemInfo {
+  std::string captureDate;  // "2024-05-01 10:00", or "" when unknown
+  MCSize pixelSize{0, 0};
+  long rating = 0;           // XMP rating, 0 to 5
+  long label = 0;            // colour label, 1 to 7, or 0
+  bool hasLocation = false;  // GPS coordinates in the Exif block
+  bool isVideo = false;
+  static BrowseItemInfo read(const std::filesystem::path& file);
+};
 
 /// The browser view of the program: Ctrl with the wheel zooms, as a pinch does.
 class BrowseView : public MCBrowserView {
@@ -67,7 +81,10 @@ class BrowseController : public MCBrowserViewDataSource,
   std::function<void(const std::string&)> report_, status_;
   std::weak_ptr<BrowseView> view_;
   std::shared_ptr<MCThumbnailCache> cache_;
-  std::shared_ptr<BrowsePlainCell> itemCell_ = std::make_shared<BrowsePlainCell>();
+  const BrowseItemInfo& info(const MCIndexPath& indexPath);
+
+  std::shared_ptr<MCBrowserViewItemCardCell> itemCell_ = std::make_shared<MCBrowserViewItemCardCell>();
   std::shared_ptr<BrowseHeaderCell> headerCell_ = std::make_shared<BrowseHeaderCell>();
   std::unordered_set<MCIndexPath> pending_, failed_;
+  std::unordered_map<MCIndexPath, BrowseItemInfo> infos_;
 };
