@@ -11,7 +11,7 @@ PACKAGES=(
   libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev
   nlohmann-json3-dev libfmt-dev
   # the toolkit's GTK 4 host, and what its on-screen test drives it with
-  libgtk-4-dev fonts-dejavu-core xvfb xauth xdotool
+  libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing

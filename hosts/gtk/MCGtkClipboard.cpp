@@ -56,6 +56,7 @@ MCGtkClipboard::MCGtkClipboard(GdkClipboard* clipboard) : clipboard_(clipboard) 
 }
 
 MCGtkClipboard::~MCGtkClipboard() {
+  if (publishSource_) g_source_remove(publishSource_);
   g_signal_handler_disconnect(clipboard_, handler_);
   g_object_unref(clipboard_);
 }
@@ -96,6 +97,16 @@ void* MCGtkClipboard::createContentProvider(const std::vector<MCPasteboardItem>&
 void MCGtkClipboard::writeItems(std::vector<MCPasteboardItem> items) {
   written_ = std::move(items);
   ownsContents_ = true;
+  // A copy clears the pasteboard and then writes to it: the desktop is told once, with what it
+  // holds when the main loop next turns, not twice in a row.
+  if (!publishSource_) publishSource_ = g_idle_add(+[](gpointer data) -> gboolean {
+    static_cast<MCGtkClipboard*>(data)->publish();
+    return G_SOURCE_REMOVE;
+  }, this);
+}
+
+void MCGtkClipboard::publish() {
+  publishSource_ = 0;
   if (written_.empty()) {
     gdk_clipboard_set_content(clipboard_, nullptr);
     return;

@@ -25,6 +25,8 @@ class MCGtkClipboard : public MCPasteboardBackend {
 
  private:
   static void onChanged(GdkClipboard* clipboard, void* self);
+  void publish();
+  unsigned publishSource_ = 0;
   GdkClipboard* clipboard_;
   unsigned long handler_ = 0;
   std::vector<MCPasteboardItem> written_;

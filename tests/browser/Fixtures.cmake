@@ -1,5 +1,5 @@
 # `vesperon browse` on screen under Xvfb, driven by xdotool, and its offscreen render.
 add_test(NAME browser.browse-on-screen
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
-          ${PROJECT_SOURCE_DIR}/samples)
+          ${PROJECT_SOURCE_DIR}/samples $<TARGET_FILE:drop-target-for-tests>)
 set_tests_properties(browser.browse-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)

@@ -2,21 +2,28 @@
 # `vesperon browse samples` in a real GTK 4 window under Xvfb: a click on the first cell, then
 # Right and Shift+Right from xdotool; checks the selections the program reports and a screenshot
 # in which the visible cells hold thumbnails. Then the offscreen --render of the same folder.
-# Usage: browse-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X server
-# can be started.
+# Then Ctrl+C (file URIs on the clipboard), and a drag of a cell onto a drop target of the test's
+# own, which must receive the file's URI.
+# Usage: browse-on-screen-test.sh VESPERON SAMPLES-DIR DROP-TARGET. Exit 77 (skipped) only when no
+# X server can be started.
 set -euo pipefail
 vesperon=$1
 samples=$2
+droptarget=$3
 if [ -z "${DISPLAY_FOR_BROWSE_TEST:-}" ]; then
   if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
     echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
     exit 77
   fi
-  DISPLAY_FOR_BROWSE_TEST=1 exec xvfb-run -a -s "-screen 0 1280x1024x24" "$0" "$@"
+  DISPLAY_FOR_BROWSE_TEST=1 exec xvfb-run -a -s "-screen 0 1400x1024x24" "$0" "$@"
 fi
 
 work=$(mktemp -d)
-trap 'kill "${pid:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
+cleanup() {
+  for p in ${pid:-} ${dpid:-}; do kill "$p" 2>/dev/null || true; done
+  rm -rf "$work"
+}
+trap cleanup EXIT
 export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none XDG_CACHE_HOME="$work/cache"
 
 "$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
@@ -52,10 +59,41 @@ if [ "$colours" -lt 40 ]; then
   import -window root /tmp/browse-failure.png
   echo "FAIL: the third cell shows $colours colours, no thumbnail (screenshot in /tmp/browse-failure.png)"; exit 1
 fi
+# Copy: the clipboard offers the file as text/uri-list.
+xdotool mousemove --window "$window" $((ox + x2)) $((oy + y2)) click 1
+wait_for '^selection 1 2$'
+xdotool key ctrl+c
+wait_for '^copied 1$'
+if command -v xclip >/dev/null; then
+  # GTK takes the X selection on its next turn of the main loop: ask until it answers.
+  copied=""
+  for _ in 1 2 3 4 5; do
+    sleep 0.3
+    copied=$(timeout 3 xclip -o -selection clipboard -t text/uri-list </dev/null 2>/dev/null | tr -d '\r' || true)
+    [ -n "$copied" ] && break
+  done
+  [[ "$copied" == file://*/diagram.png ]] || { echo "FAIL: the clipboard holds '$copied'"; exit 1; }
+fi
+
+# Drag the selected cell out onto another program's window, placed to the right of ours.
+"$droptarget" >"$work/drops" 2>/dev/null &
+dpid=$!
+for _ in $(seq 200); do grep -q '^ready' "$work/drops" && break; sleep 0.05; done
+target=$(xdotool search --sync --onlyvisible --name "^drop target" | head -1)
+xdotool windowmove "$target" 1080 100
+sleep 0.3
+xdotool mousemove --window "$window" $((ox + x2)) $((oy + y2)) mousedown 1 sleep 0.2 \
+  mousemove --window "$window" $((ox + x2 + 30)) $((oy + y2 + 30)) sleep 0.2 \
+  mousemove 1150 200 sleep 0.3 mousemove 1180 250 sleep 0.3 mouseup 1
+wait_for '^drag-ended '
+for _ in $(seq 100); do grep -q '^dropped' "$work/drops" && break; sleep 0.05; done
+dropped=$(grep '^dropped ' "$work/drops" | head -1 | cut -d' ' -f2-)
+[[ "$dropped" == file://*/diagram.png ]] || { echo "FAIL: the drop target received '$dropped'"; cat "$work/drops"; exit 1; }
+kill "$dpid" 2>/dev/null || true
 kill "$pid"; wait "$pid" 2>/dev/null || true
 
 # Offscreen: the first screen as a PNG, once its thumbnails arrived.
 "$vesperon" browse "$samples" --render "$work/first.png" --size 800x600 >"$work/render"
 grep -q '30 photos' "$work/render" || { echo "FAIL: --render said: $(cat "$work/render")"; exit 1; }
 [ "$(head -c 8 "$work/first.png" | od -An -tx1 | tr -d ' ')" = "89504e470d0a1a0a" ] || { echo "FAIL: no PNG"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in the third cell; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in the third cell; copied and dropped $dropped; offscreen render written"

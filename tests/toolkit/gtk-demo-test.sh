@@ -13,7 +13,11 @@ if [ -z "${DISPLAY_FOR_DEMO_TEST:-}" ]; then
 fi
 
 work=$(mktemp -d)
-trap 'kill "${pid:-0}" 2>/dev/null || true; rm -rf "$work"' EXIT
+cleanup() {
+  for p in ${pid:-}; do kill "$p" 2>/dev/null || true; done
+  rm -rf "$work"
+}
+trap cleanup EXIT
 export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
 "$demo" --report --undecorated >"$work/out" 2>"$work/err" &
 pid=$!

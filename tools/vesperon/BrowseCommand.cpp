@@ -7,6 +7,7 @@
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include "VesperonCommand.h"
 
+#include <hosts/gtk/MCGtkPreviewPresenter.h>
 #include <hosts/gtk/MCGtkWindowHost.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/platform/MCMainQueue.h>
@@ -145,6 +146,7 @@ int runBrowse(const std::vector<std::string>& arguments) {
   const int status = MCGtkRunApplication("org.vesperon.Browse", "vesperon", [&](GtkApplication* application) {
     host = MCGtkWindowHost::create(b.window);
     host->presentInNewWindow(application);
+    MCPreviewPanel::sharedPreviewPanel()->setPresenter(std::make_shared<MCGtkPreviewPresenter>());
     b.controller->attach(b.view);
     // Tell a watching test where the grid's top left is, once the window shows.
     announcer = MCTimer::scheduledTimer(0.05, true, [&](MCTimer& timer) {
@@ -167,6 +169,7 @@ int runBrowse(const std::vector<std::string>& arguments) {
     });
   });
   announcer.reset();
+  MCPreviewPanel::sharedPreviewPanel()->setPresenter(nullptr);
   host.reset();
   return status;
 }

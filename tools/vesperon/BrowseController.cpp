@@ -11,6 +11,9 @@
 
 #include <fstream>
 
+#include <vesperon/toolkit/MCPasteboard.h>
+#include <vesperon/toolkit/MCPreviewPanel.h>
+
 #include <algorithm>
 #include <cmath>
 
@@ -194,6 +197,9 @@ bool BrowseController::respondsTo(MCBrowserViewDelegateOperation operation) cons
     case MCBrowserViewDelegateOperation::ScaleDidChange:
     case MCBrowserViewDelegateOperation::SelectionDidChange:
     case MCBrowserViewDelegateOperation::CellWasDoubleClicked:
+    case MCBrowserViewDelegateOperation::PasteboardWriterForItem:
+    case MCBrowserViewDelegateOperation::DraggingSessionEnded:
+    case MCBrowserViewDelegateOperation::WriteItemsToPasteboard:
       return true;
     default:
       return false;
@@ -227,6 +233,39 @@ void BrowseController::cellWasDoubleClickedAtIndexPath(MCBrowserView&, const MCI
   const fs::path& file = collection_.file(indexPath.group, indexPath.item);
   std::printf("double-click %s\n", file.c_str());
   std::fflush(stdout);
+}
+
+namespace {
+class FilePreviewItem : public MCPreviewItem {
+ public:
+  explicit FilePreviewItem(fs::path file) : file_(std::move(file)) {}
+  fs::path previewItemURL() const override { return file_; }
+
+ private:
+  fs::path file_;
+};
+}  // namespace
+
+std::shared_ptr<MCPasteboardWriting> BrowseController::pasteboardWriterForItemAtIndexPath(MCBrowserView&,
+                                                                                         const MCIndexPath& indexPath) {
+  return MCPasteboardItem::itemWithFileURL(fs::absolute(collection_.file(indexPath.group, indexPath.item)));
+}
+
+void BrowseController::draggingSessionEndedAtPoint(MCBrowserView&, MCDraggingSession&, MCPoint, uint64_t operation) {
+  if (report_) report_("drag-ended " + std::to_string(operation));
+}
+
+void BrowseController::writeItemsAtIndexPaths(MCBrowserView&, const std::vector<MCIndexPath>& indexPaths,
+                                              MCPasteboard& pasteboard) {
+  std::vector<fs::path> files;
+  for (const MCIndexPath& path : indexPaths) files.push_back(fs::absolute(collection_.file(path.group, path.item)));
+  pasteboard.clearContents();
+  pasteboard.writeFileURLs(files);
+  if (report_) report_("copied " + std::to_string(files.size()));
+}
+
+std::shared_ptr<MCPreviewItem> BrowseController::previewItemAtIndexPath(MCBrowserView&, const MCIndexPath& indexPath) {
+  return std::make_shared<FilePreviewItem>(collection_.file(indexPath.group, indexPath.item));
 }
 
 // MARK: Prefetching and arrivals

@@ -64,6 +64,13 @@ class BrowseController : public MCBrowserViewDataSource,
   void browserViewScaleDidChange(MCBrowserView& view) override;
   void browserViewSelectionDidChange(MCBrowserView& view) override;
   void cellWasDoubleClickedAtIndexPath(MCBrowserView& view, const MCIndexPath& indexPath, const MCEvent& event) override;
+  std::shared_ptr<MCPasteboardWriting> pasteboardWriterForItemAtIndexPath(MCBrowserView& view,
+                                                                          const MCIndexPath& indexPath) override;
+  void draggingSessionEndedAtPoint(MCBrowserView& view, MCDraggingSession& session, MCPoint screenPoint,
+                                   uint64_t operation) override;
+  void writeItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths,
+                              MCPasteboard& pasteboard) override;
+  std::shared_ptr<MCPreviewItem> previewItemAtIndexPath(MCBrowserView& view, const MCIndexPath& indexPath) override;
   // MCBrowserViewPrefetching
   void prefetchItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) override;
   void cancelPrefetchingForItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) override;
