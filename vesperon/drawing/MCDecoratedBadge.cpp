@@ -49,6 +49,14 @@ MCSize MCDecoratedBadge::size() const {
 MCImageRef MCDecoratedBadge::cachedImage() {
   if (cachedImage_) return cachedImage_;
   const MCSize total = size();
+  // Composed at the pixel density of the context it is first drawn into, so that later draws
+  // copy pixels one for one instead of resampling them.
+  double kScale = MCDecoratedBadge::kScale;
+  if (MCGraphicsContext* context = MCGraphicsContext::currentContext()) {
+    double dx = 1, dy = 0;
+    cairo_user_to_device_distance(context->cairoContext(), &dx, &dy);
+    kScale = std::clamp(std::round(std::hypot(dx, dy)), 1.0, 4.0);
+  }
   // The plate without its shadow first, so that the shadow can be made from its shape.
   auto drawPlate = [this, total](MCGraphicsContext& context) {
     MCRect plate = MCMakeRect(0, 0, total.width, total.height);

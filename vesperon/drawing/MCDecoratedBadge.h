@@ -23,7 +23,8 @@ class MCDecoratedBadge : public MCBadge {
   const std::optional<MCShadow>& shadow() const { return shadow_; }
   void setShadow(std::optional<MCShadow> shadow) { shadow_ = shadow; }
 
-  /// The plate as drawn, made on first use at `kScale` pixels per point.
+  /// The plate as drawn, made on first use at the pixel density of the current context (or
+  /// `kScale` pixels per point when there is none).
   MCImageRef cachedImage();
   void setCachedImage(MCImageRef image) { cachedImage_ = std::move(image); }
   static constexpr double kScale = 2.0;

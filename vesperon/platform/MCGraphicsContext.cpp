@@ -72,6 +72,16 @@ bool isGray(const MCColorSpace& space) { return space.model() == MCColorSpace::M
 // the three channels. None when the pixels cannot be converted.
 cairo_surface_t* createSourceSurface(const MCRasterImage& image, const MCColorSpace& space) {
   const int w = int(image.width()), h = int(image.height());
+  // Pixels already in Cairo's own layout and the context's space are drawn where they lie: the
+  // image is immutable and outlives the drawing call that uses the surface.
+  if (image.bitsPerComponent() == 8 && image.bitsPerPixel() == 32 &&
+      image.bitmapInfo() == (MCImageAlphaPremultipliedFirst | MCBitmapByteOrder32Little) &&
+      image.bytesPerRow() % 4 == 0 && MCColorSpaceOfImage(image).get() == &space) {
+    cairo_surface_t* borrowed = cairo_image_surface_create_for_data(
+        const_cast<uint8_t*>(image.pixels().data()), CAIRO_FORMAT_ARGB32, w, h, int(image.bytesPerRow()));
+    if (cairo_surface_status(borrowed) == CAIRO_STATUS_SUCCESS) return borrowed;
+    cairo_surface_destroy(borrowed);
+  }
   cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, w, h);
   if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
     cairo_surface_destroy(surface);
