@@ -75,6 +75,9 @@ MCTextAttributes merged(MCTextAttributes base, const MCTextAttributes& over) {
   overlay(base.baselineOffset, over.baselineOffset);
   overlay(base.underline, over.underline);
   if (over.attachment) base.attachment = over.attachment;
+  overlay(base.paragraphSpacing, over.paragraphSpacing);
+  overlay(base.firstLineHeadIndent, over.firstLineHeadIndent);
+  overlay(base.headIndent, over.headIndent);
   return base;
 }
 

@@ -36,6 +36,10 @@ struct MCTextAttributes {
   std::optional<double> baselineOffset;
   std::optional<bool> underline;
   std::shared_ptr<MCTextAttachment> attachment;
+  // Paragraph values, kept with the text for whoever sets it in paragraphs.
+  std::optional<double> paragraphSpacing = std::nullopt;
+  std::optional<double> firstLineHeadIndent = std::nullopt;
+  std::optional<double> headIndent = std::nullopt;
 };
 
 class MCAttributedString {

@@ -1,0 +1,72 @@
+// The settings transformers: their numbers both ways and their texts (shown as their keys, which
+// is what a missing translation shows).
+#include <vesperon/controls/MCMatchNameLengthCheckboxTransformer.h>
+#include <vesperon/controls/MCMatchNameLengthSliderTransformer.h>
+#include <vesperon/controls/MCMatchNameLengthStringTransformer.h>
+#include <vesperon/controls/MCMinImageSizeToStringTransformer.h>
+#include <vesperon/controls/MCNullAvoidNumberTransformer.h>
+#include <vesperon/controls/MCNullAvoidStringTransformer.h>
+#include <vesperon/controls/MCRequiredQualitySliderTransformer.h>
+#include <vesperon/controls/MCRequiredTimeIntervalSliderTransformer.h>
+#include <vesperon/controls/MCRequiredTimeIntervalStringTransformer.h>
+#include <vesperon/core/MCLocalizedString.h>
+#include <vesperon/core/MCTypes.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+int64_t number(const std::optional<MCValue>& v) { return v ? v->integerValue().value_or(-999) : -999; }
+std::string textOf(const std::optional<MCValue>& v) { return v && v->string() ? *v->string() : "<none>"; }
+}  // namespace
+
+TEST(ValueTransformers, NumbersBothWays) {
+  const auto& quality = MCRequiredQualitySliderTransformer::sharedInstance();
+  EXPECT_EQ(number(quality.transformedValue(MCValue(24))), 1);
+  EXPECT_EQ(number(quality.reverseTransformedValue(MCValue(1))), 24);
+  EXPECT_EQ(number(quality.transformedValue(MCValue(9))), 0);  // (9 - 16) / 8 towards zero
+  EXPECT_EQ(number(quality.transformedValue(MCValue("x"))), 0);
+  EXPECT_TRUE(quality.allowsReverseTransformation());
+
+  const auto& interval = MCRequiredTimeIntervalSliderTransformer::sharedInstance();
+  EXPECT_EQ(number(interval.transformedValue(MCValue(3600))), 5);
+  EXPECT_EQ(number(interval.reverseTransformedValue(MCValue(18))), 0);
+  EXPECT_EQ(number(interval.transformedValue(MCValue(-5))), -1);
+  EXPECT_EQ(interval.transformedValue(MCValue(7))->integerValue(), int64_t(NSNotFound));
+  for (std::size_t i = 0; i < MCRequiredTimeIntervalSliderTransformer::possibleValues().size(); ++i)
+    EXPECT_EQ(number(interval.transformedValue(interval.reverseTransformedValue(MCValue(int64_t(i))))), int64_t(i));
+
+  const auto& length = MCMatchNameLengthSliderTransformer::sharedInstance();
+  EXPECT_EQ(number(length.transformedValue(MCValue(-1))), 25);
+  EXPECT_EQ(number(length.reverseTransformedValue(MCValue(25))), -1);
+  EXPECT_EQ(number(length.reverseTransformedValue(MCValue(3))), 3);
+  const auto& box = MCMatchNameLengthCheckboxTransformer::sharedInstance();
+  EXPECT_EQ(number(box.transformedValue(MCValue(0))), 0);
+  EXPECT_EQ(number(box.reverseTransformedValue(MCValue(1))), -1);
+  EXPECT_EQ(number(box.reverseTransformedValue(MCValue(-3))), -1);
+  EXPECT_EQ(number(box.transformedValue(MCValue(-1))), 0);
+
+  EXPECT_EQ(textOf(MCNullAvoidStringTransformer::sharedInstance().transformedValue(std::nullopt)), "");
+  EXPECT_EQ(textOf(MCNullAvoidStringTransformer::sharedInstance().transformedValue(MCValue("kept"))), "kept");
+  EXPECT_EQ(number(MCNullAvoidNumberTransformer::sharedInstance().transformedValue(std::nullopt)), 0);
+  EXPECT_EQ(number(MCNullAvoidNumberTransformer::sharedInstance().reverseTransformedValue(MCValue(7))), 7);
+}
+
+TEST(ValueTransformers, Texts) {
+  const auto& interval = MCRequiredTimeIntervalStringTransformer::sharedInstance();
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(-1))), "transformer_unlimited");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(0))), "transformer_zero_seconds");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(1))), "transformer_one_second_and_less");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(90))), "transformer_minutes_and_less_format");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(80))), "transformer_one_minute_and_less");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(3600))), "transformer_one_hour_and_less_format");
+  const auto& names = MCMatchNameLengthStringTransformer::sharedInstance();
+  EXPECT_EQ(textOf(names.transformedValue(std::nullopt)), "transformer_dont_match");
+  EXPECT_EQ(textOf(names.transformedValue(MCValue(-1))), "transformer_full_match");
+  EXPECT_EQ(textOf(names.transformedValue(MCValue(4))), "transformer_match_first_characters_format");
+  EXPECT_EQ(textOf(MCMinImageSizeToStringTransformer::sharedInstance().transformedValue(MCValue(0))), "transformer_any_size");
+  EXPECT_EQ(textOf(MCMinImageSizeToStringTransformer::sharedInstance().transformedValue(MCValue(0.1))),
+            "transformer_pixel_format");
+  // Formats fill their places in order; with no translation the key is the format.
+  EXPECT_EQ(MCLocalizedStringWithFormat("%ld by %ld pixels, %@%%", {"5", "6", "x"}), "5 by 6 pixels, x%");
+  EXPECT_EQ(MCLocalizedStringWithFormat("%d and %d", {"1"}), "1 and %d");
+}

@@ -1,0 +1,11 @@
+#pragma once
+// MCRequiredBlurStringTransformer: One way: a blur v to "transformer_pixels_format" with v.
+
+#include <vesperon/controls/MCValueTransformer.h>
+
+class MCRequiredBlurStringTransformer : public MCValueTransformer {
+ public:
+  static const MCRequiredBlurStringTransformer& sharedInstance();
+  bool allowsReverseTransformation() const override { return false; }
+  std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;
+};
