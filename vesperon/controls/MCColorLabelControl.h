@@ -1,0 +1,64 @@
+#pragma once
+// MCColorLabelControl: a row of colour dots, for a menu item or a toolbar: the user picks a
+// colour label (1 to 7) or clears it (the last item, tag 0). The line under the dots names the
+// label under the pointer ("color_label_set_to_format" with its name, "color_label_clear_all"),
+// or, with none, "color_label_color_label". Choosing an item sets `tag` to its label and
+// `command` to 1 for the clear item, 0 otherwise, then sends the action.
+
+#include <vesperon/controls/MCColorLabelItemControl.h>
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+class MCColorLabelControl : public MCView {
+ public:
+  MCColorLabelControl();
+
+  static constexpr MCSize kCellSize{24, 20};
+  static constexpr MCEdgeInsets kInsets{0, 10, 0, 10};
+  static constexpr double kSpacing = 4;
+  static const std::vector<long>& colorLabelIds();
+  /// Label number to colour, and to the localised name.
+  static const std::map<long, MCColor>& labelMap();
+  static std::string labelName(long label);
+
+  const std::vector<std::shared_ptr<MCColorLabelItemControl>>& labelItemControls() const { return items_; }
+  std::optional<long> activeColorLabelTag() const { return activeTag_; }
+  const std::set<long>& usedColorLabels() const { return usedColorLabels_; }
+  /// Shows the items of these labels as selected.
+  void setUsedColorLabels(std::set<long> labels);
+  bool isEnabled() const { return enabled_; }
+  void setEnabled(bool enabled);
+  long tag() const { return tag_; }
+  int command() const { return command_; }
+  std::function<void(MCColorLabelControl&)> action;
+
+  /// The text under the dots for the present state.
+  std::string labelText() const;
+  /// Chooses an item, as a click on it does.
+  void chooseItem(const MCColorLabelItemControl& item);
+
+  MCSize intrinsicContentSize() const override;
+  bool isFlipped() const override { return true; }
+  void updateTrackingAreas() override;
+  void mouseEntered(const MCEvent& event) override;
+  void mouseMoved(const MCEvent& event) override;
+  void mouseExited(const MCEvent& event) override;
+  void mouseDown(const MCEvent& event) override;
+  void drawRect(const MCRect& dirtyRect) override;
+
+ private:
+  void track(const MCEvent& event, bool inside);
+  MCColorLabelItemControl* itemAtPoint(MCPoint point) const;
+
+  std::vector<std::shared_ptr<MCColorLabelItemControl>> items_;
+  std::optional<long> activeTag_;
+  std::set<long> usedColorLabels_;
+  bool enabled_ = true;
+  long tag_ = 0;
+  int command_ = 0;
+};

@@ -1,0 +1,58 @@
+#include <vesperon/controls/MCColorLabelItemControl.h>
+
+#include <vesperon/platform/MCGraphicsContext.h>
+
+#include <algorithm>
+
+void MCColorLabelItemControl::setSelected(bool selected) {
+  if (selected == selected_) return;
+  selected_ = selected;
+  setNeedsDisplay(true);
+}
+
+void MCColorLabelItemControl::setEnabled(bool enabled) {
+  if (enabled == enabled_) return;
+  enabled_ = enabled;
+  setNeedsDisplay(true);
+}
+
+void MCColorLabelItemControl::setHighlighted(bool highlighted) {
+  if (highlighted == highlighted_) return;
+  highlighted_ = highlighted;
+  setNeedsDisplay(true);
+}
+
+MCRect MCColorLabelItemControl::dotRect() const {
+  const MCRect b = bounds();
+  const double side = std::min(b.size.width, b.size.height);
+  const MCRect square = MCMakeRect(MCMidX(b) - side / 2, MCMidY(b) - side / 2, side, side);
+  return highlighted_ ? square : MCInsetRect(square, 3, 3);
+}
+
+void MCColorLabelItemControl::drawRect(const MCRect&) {
+  MCGraphicsContext* context = MCGraphicsContext::currentContext();
+  if (!context) return;
+  const MCRect dot = dotRect();
+  const double alpha = enabled_ ? 1.0 : 0.4;
+  if (clearItem_) {
+    MCColor::labelColor().colorWithAlphaComponent(0.5 * alpha).setStroke(*context);
+    context->setLineWidth(1);
+    context->strokeEllipseInRect(MCInsetRect(dot, 0.5, 0.5));
+    context->beginPath();
+    context->moveToPoint(MCMinX(dot) + 3, MCMaxY(dot) - 3);
+    context->addLineToPoint(MCMaxX(dot) - 3, MCMinY(dot) + 3);
+    context->strokePath();
+    return;
+  }
+  color_.colorWithAlphaComponent(alpha).setFill(*context);
+  context->fillEllipseInRect(dot);
+  // The rim in a darker shade of the colour; a selected dot gets a ring in a lighter one.
+  color_.blendedColorWithFraction(0.3, MCColor::blackColor()).colorWithAlphaComponent(alpha).setStroke(*context);
+  context->setLineWidth(1);
+  context->strokeEllipseInRect(MCInsetRect(dot, 0.5, 0.5));
+  if (selected_ && enabled_) {
+    color_.blendedColorWithFraction(0.5, MCColor::whiteColor()).setStroke(*context);
+    context->setLineWidth(1.5);
+    context->strokeEllipseInRect(MCInsetRect(dot, -1, -1));
+  }
+}
