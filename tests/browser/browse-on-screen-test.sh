@@ -92,8 +92,32 @@ dropped=$(grep '^dropped ' "$work/drops" | head -1 | cut -d' ' -f2-)
 kill "$dpid" 2>/dev/null || true
 kill "$pid"; wait "$pid" 2>/dev/null || true
 
+# The viewer: a double-click opens it; a colour dot labels the file in its XMP sidecar; Escape
+# returns. On a copy of three samples, so that the sidecar is written outside the source tree.
+mkdir -p "$work/photos"
+cp "$samples/badge.png" "$samples/diagram.png" "$samples/scan.png" "$work/photos/"
+"$vesperon" browse "$work/photos" --report >"$work/out" 2>"$work/err" &
+pid=$!
+wait_for '^cell 1 '
+read -r _ ox oy < <(grep '^ready ' "$work/out")
+read -r _ _ x1 y1 < <(grep '^cell 1 ' "$work/out")
+window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
+xdotool mousemove --window "$window" $((ox + x1)) $((oy + y1)) click --repeat 2 --delay 80 1
+wait_for '^viewer open .*/diagram.png$'
+wait_for '^label-dot 1 '
+read -r _ _ dx dy < <(grep '^label-dot 1 ' "$work/out")
+xdotool mousemove --window "$window" $((ox + dx)) $((oy + dy)) click 1
+wait_for '^label 1 .*/diagram.png$'
+grep -q 'Label' "$work/photos/diagram.xmp" && grep -q 'Red' "$work/photos/diagram.xmp" ||
+  { echo "FAIL: the sidecar holds no red label:"; cat "$work/photos/diagram.xmp"; exit 1; }
+xdotool key Escape
+wait_for '^viewer closed$'
+xdotool key Right
+wait_for '^selection 1 2$'
+kill "$pid"; wait "$pid" 2>/dev/null || true
+
 # Offscreen: the first screen as a PNG, once its thumbnails arrived.
 "$vesperon" browse "$samples" --render "$work/first.png" --size 800x600 >"$work/render"
 grep -q '30 photos' "$work/render" || { echo "FAIL: --render said: $(cat "$work/render")"; exit 1; }
 [ "$(head -c 8 "$work/first.png" | od -An -tx1 | tr -d ' ')" = "89504e470d0a1a0a" ] || { echo "FAIL: no PNG"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in the third cell; copied and dropped $dropped; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in the third cell; copied and dropped $dropped; viewer opened, labelled, closed; offscreen render written"

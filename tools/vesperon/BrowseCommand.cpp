@@ -3,8 +3,10 @@
 // visible thumbnails have arrived.
 
 #include "BrowseController.h"
+#include "BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
+#include <vesperon/controls/MCNavigationController.h>
 #include "VesperonCommand.h"
 
 #include <hosts/gtk/MCGtkPreviewPresenter.h>
@@ -77,6 +79,23 @@ struct Browser {
   std::shared_ptr<MCWindow> window;
   std::shared_ptr<BrowseView> view;
   std::shared_ptr<BrowseController> controller;
+  std::shared_ptr<MCNavigationController> navigation;
+};
+
+/// The grid page: the browser in its scroll view, and the status line.
+class GridPage : public MCViewController {
+ public:
+  GridPage(MCViewRef content, std::weak_ptr<MCView> focus) : content_(std::move(content)), focus_(std::move(focus)) {}
+  void loadView() override { setView(content_); }
+  /// Back from a viewer: the keys go to the grid again.
+  void viewControllerDidAppear(bool) override {
+    if (auto focus = focus_.lock())
+      if (focus->window()) focus->window()->makeFirstResponder(focus.get());
+  }
+
+ private:
+  MCViewRef content_;
+  std::weak_ptr<MCView> focus_;
 };
 
 Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection) {
@@ -91,8 +110,15 @@ Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection)
   scrollView->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
   b.view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
   scrollView->setDocumentView(b.view);
-  b.window->contentView()->addSubview(scrollView);
-  b.window->contentView()->addSubview(status);
+  class Grid : public MCView {
+   public:
+    using MCView::MCView;
+  };
+  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height));
+  grid->addSubview(scrollView);
+  grid->addSubview(status);
+  b.navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b.view));
+  b.window->setContentView(b.navigation->view());
   b.window->makeFirstResponder(b.view.get());
   const bool report = settings.report;
   std::weak_ptr<StatusBar> weakStatus = status;
@@ -109,6 +135,28 @@ Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection)
           bar->setNeedsDisplay(true);
         }
       });
+  // A double-click or Return opens the photo in a viewer page; leaving it gives the keys back.
+  std::weak_ptr<MCNavigationController> navigation = b.navigation;
+  std::weak_ptr<BrowseController> controller = b.controller;
+  std::weak_ptr<BrowseView> view = b.view;
+  auto open = [navigation, controller, view, report](const MCIndexPath& path) {
+    auto nav = navigation.lock();
+    auto c = controller.lock();
+    if (!nav || !c) return;
+    auto page = std::make_shared<BrowseViewerPage>(
+        c->collection().file(path.group, path.item), c->thumbnailAt(path),
+        [report](const std::string& line) {
+          if (!report) return;
+          std::printf("%s\n", line.c_str());
+          std::fflush(stdout);
+        },
+        [controller, path](long) {
+          if (auto c2 = controller.lock()) c2->itemChanged(path);
+        });
+    nav->pushViewController(page, false);
+  };
+  b.controller->openItem = open;
+  b.view->openItem = open;
   return b;
 }
 

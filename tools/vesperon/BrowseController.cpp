@@ -1,5 +1,6 @@
 #include "BrowseController.h"
 
+#include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/drawing/MCBadgeFactory.h>
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExif.h>
@@ -61,6 +62,7 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
       info.hasLocation = exif->gpsLatitude().has_value() && exif->gpsLongitude().has_value();
     }
   }
+  info.label = MCColorLabelMapper::labelOfFile(file);
   if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(file)) {
     if (auto iptc = sidecar->find(kCGImagePropertyIPTCDictionary); iptc != sidecar->end())
       if (const MCDictionary* group = iptc->second.dictionary()) {
@@ -69,6 +71,15 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
       }
   }
   return info;
+}
+
+void BrowseView::keyDown(const MCEvent& event) {
+  const std::u32string& keys = event.charactersIgnoringModifiers();
+  if (!keys.empty() && keys.front() == MCCarriageReturnCharacter && openItem) {
+    if (auto path = firstSelectedIndexPath()) openItem(*path);
+    return;
+  }
+  MCBrowserView::keyDown(event);
 }
 
 void BrowseView::scrollWheel(const MCEvent& event) {
@@ -233,6 +244,19 @@ void BrowseController::cellWasDoubleClickedAtIndexPath(MCBrowserView&, const MCI
   const fs::path& file = collection_.file(indexPath.group, indexPath.item);
   std::printf("double-click %s\n", file.c_str());
   std::fflush(stdout);
+  if (openItem) openItem(indexPath);
+}
+
+MCRasterImageRef BrowseController::thumbnailAt(const MCIndexPath& indexPath) {
+  auto item = provider(indexPath);
+  if (!item) return nullptr;
+  auto thumbnail = cache_->thumbnailForDescriptorProvider(*item);
+  return thumbnail ? thumbnail->image() : nullptr;
+}
+
+void BrowseController::itemChanged(const MCIndexPath& indexPath) {
+  infos_.erase(indexPath);
+  if (auto view = view_.lock()) view->reloadItemAtIndexPath(indexPath);
 }
 
 namespace {

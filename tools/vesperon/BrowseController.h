@@ -28,11 +28,14 @@ struct BrowseItemInfo {
   static BrowseItemInfo read(const std::filesystem::path& file);
 };
 
-/// The browser view of the program: Ctrl with the wheel zooms, as a pinch does.
+/// The browser view of the program: Ctrl with the wheel zooms, as a pinch does; Return opens the
+/// first selected photo.
 class BrowseView : public MCBrowserView {
  public:
   using MCBrowserView::MCBrowserView;
+  std::function<void(const MCIndexPath&)> openItem;
   void scrollWheel(const MCEvent& event) override;
+  void keyDown(const MCEvent& event) override;
 };
 
 class BrowseController : public MCBrowserViewDataSource,
@@ -53,6 +56,12 @@ class BrowseController : public MCBrowserViewDataSource,
   /// Items asked for and not yet answered.
   std::size_t pendingCount() const { return pending_.size(); }
   std::string statusLine() const;
+  /// Opens a photo in the viewer (set by the program); a double-click calls it.
+  std::function<void(const MCIndexPath&)> openItem;
+  /// The thumbnail shown for an item now, if any.
+  MCRasterImageRef thumbnailAt(const MCIndexPath& indexPath);
+  /// Forgets what was read of an item's file (its label changed) and redraws it.
+  void itemChanged(const MCIndexPath& indexPath);
 
   // MCBrowserViewDataSource
   uint64_t numberOfGroupsInBrowserView(MCBrowserView& view) override;
