@@ -13,6 +13,7 @@
 #include <vesperon/pixels/MCBitmapHistograms.h>
 
 #include "BenchTimes.h"
+#include "VipsPeer.h"
 
 #include <benchmark/benchmark.h>
 #include <dlfcn.h>
@@ -27,65 +28,6 @@
 namespace {
 
 constexpr int kWidth = 4000, kHeight = 3000;
-
-struct VipsImage;
-struct Vips {
-  int (*init)(const char*) = nullptr;
-  void (*concurrencySet)(int) = nullptr;
-  void (*cacheSetMax)(int) = nullptr;
-  VipsImage* (*newFromMemory)(const void*, size_t, int, int, int, int) = nullptr;
-  int (*gaussblur)(VipsImage*, VipsImage**, double, ...) = nullptr;
-  int (*histEqual)(VipsImage*, VipsImage**, ...) = nullptr;
-  int (*histFind)(VipsImage*, VipsImage**, ...) = nullptr;
-  void* (*writeToMemory)(VipsImage*, size_t*) = nullptr;
-  void (*unref)(void*) = nullptr;
-  void (*gfree)(void*) = nullptr;
-  bool loaded = false;
-
-  Vips() {
-    void* lib = dlopen("libvips.so.42", RTLD_NOW | RTLD_GLOBAL);
-    if (!lib) return;
-    init = reinterpret_cast<decltype(init)>(dlsym(lib, "vips_init"));
-    concurrencySet = reinterpret_cast<decltype(concurrencySet)>(dlsym(lib, "vips_concurrency_set"));
-    cacheSetMax = reinterpret_cast<decltype(cacheSetMax)>(dlsym(lib, "vips_cache_set_max"));
-    newFromMemory = reinterpret_cast<decltype(newFromMemory)>(dlsym(lib, "vips_image_new_from_memory"));
-    gaussblur = reinterpret_cast<decltype(gaussblur)>(dlsym(lib, "vips_gaussblur"));
-    histEqual = reinterpret_cast<decltype(histEqual)>(dlsym(lib, "vips_hist_equal"));
-    histFind = reinterpret_cast<decltype(histFind)>(dlsym(lib, "vips_hist_find"));
-    writeToMemory = reinterpret_cast<decltype(writeToMemory)>(dlsym(lib, "vips_image_write_to_memory"));
-    unref = reinterpret_cast<decltype(unref)>(dlsym(RTLD_DEFAULT, "g_object_unref"));
-    gfree = reinterpret_cast<decltype(gfree)>(dlsym(RTLD_DEFAULT, "g_free"));
-    loaded = init && concurrencySet && cacheSetMax && newFromMemory && gaussblur && histEqual && histFind &&
-             writeToMemory && unref && gfree && init("bench_pixels") == 0;
-    if (loaded) {
-      concurrencySet(1);
-      cacheSetMax(0);
-    }
-  }
-
-  // Runs one operation on the pixels and makes libvips compute all of its output.
-  template <typename Operation>
-  bool run(const std::vector<uint8_t>& pixels, Operation operation) {
-    VipsImage* in = newFromMemory(pixels.data(), pixels.size(), kWidth, kHeight, 4, 0 /* uchar */);
-    VipsImage* out = nullptr;
-    bool ok = in && operation(in, &out) == 0 && out;
-    if (ok) {
-      size_t size = 0;
-      void* memory = writeToMemory(out, &size);
-      benchmark::DoNotOptimize(memory);
-      ok = memory != nullptr;
-      gfree(memory);
-    }
-    if (out) unref(out);
-    if (in) unref(in);
-    return ok;
-  }
-};
-
-Vips& vips() {
-  static Vips instance;
-  return instance;
-}
 
 // A photograph-like image: smooth gradients with a little noise, opaque.
 const std::vector<uint8_t>& image() {
@@ -115,7 +57,7 @@ void Ours_TentBlur9(benchmark::State& state) {
 void Vips_GaussBlurSigma2(benchmark::State& state) {
   if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
   for (auto _ : state)
-    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().gaussblur(in, out, 2.0, nullptr); }))
+    if (!vips().run(image(), kWidth, kHeight, [](VipsImage* in, VipsImage** out) { return vips().gaussblur(in, out, 2.0, nullptr); }))
       return state.SkipWithError("vips_gaussblur failed");
 }
 void Ours_Equalize(benchmark::State& state) {
@@ -125,7 +67,7 @@ void Ours_Equalize(benchmark::State& state) {
 void Vips_HistEqual(benchmark::State& state) {
   if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
   for (auto _ : state)
-    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().histEqual(in, out, nullptr); }))
+    if (!vips().run(image(), kWidth, kHeight, [](VipsImage* in, VipsImage** out) { return vips().histEqual(in, out, nullptr); }))
       return state.SkipWithError("vips_hist_equal failed");
 }
 void Ours_Histograms(benchmark::State& state) {
@@ -137,7 +79,7 @@ void Ours_HistogramHash(benchmark::State& state) {
 void Vips_HistFind(benchmark::State& state) {
   if (!vips().loaded) return state.SkipWithError("libvips.so.42 not available");
   for (auto _ : state)
-    if (!vips().run(image(), [](VipsImage* in, VipsImage** out) { return vips().histFind(in, out, nullptr); }))
+    if (!vips().run(image(), kWidth, kHeight, [](VipsImage* in, VipsImage** out) { return vips().histFind(in, out, nullptr); }))
       return state.SkipWithError("vips_hist_find failed");
 }
 

@@ -3,6 +3,7 @@
 #include <vesperon/drawing/MCImageExtensions.h>
 #include <vesperon/pixels/MCBitmapHistograms.h>
 #include <vesperon/pixels/MCImageUnpacking.h>
+#include <vesperon/platform/MCColorSpace.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCColor.h>
 
@@ -28,8 +29,16 @@ const std::optional<std::vector<MCHistogramView::Histogram>>& MCHistogramView::h
     auto result = gray ? MCBitmapCalculateHistograms_1C_8(gray->bytes(), size) : std::nullopt;
     histograms_ = result ? *result : std::vector<Histogram>{};
   } else {
-    auto rgba = MCCopyRGBADataFromImage(image_);
-    auto result = rgba ? MCBitmapCalculateHistograms_4C_8(rgba->bytes(), size) : std::nullopt;
+    // Tightly packed 8-bit RGBA in sRGB is what the histogram reads: count those pixels where they
+    // lie instead of copying them through a conversion.
+    const bool direct = image_->bitsPerComponent() == 8 && image_->bitsPerPixel() == 32 &&
+                        image_->bytesPerRow() == image_->width() * 4 &&
+                        (image_->bitmapInfo() == MCImageAlphaPremultipliedLast ||
+                         image_->bitmapInfo() == MCImageAlphaLast || image_->bitmapInfo() == MCImageAlphaNoneSkipLast) &&
+                        (!image_->colorSpace() || image_->colorSpace() == MCColorSpace::sRGB());
+    std::shared_ptr<MCFastData> rgba = direct ? nullptr : MCCopyRGBADataFromImage(image_);
+    const uint8_t* bytes = direct ? image_->pixels().data() : (rgba ? rgba->bytes() : nullptr);
+    auto result = bytes ? MCBitmapCalculateHistograms_4C_8(bytes, size) : std::nullopt;
     if (result && result->size() >= 3) histograms_ = std::vector<Histogram>(result->begin(), result->begin() + 3);
     else histograms_ = std::vector<Histogram>{};
   }
