@@ -3,6 +3,7 @@
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCClipView.h>
 #include <vesperon/toolkit/MCDraggingSession.h>
+#include <vesperon/toolkit/MCLayer.h>
 #include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCWindow.h>
 
@@ -420,7 +421,13 @@ void MCView::drawSubtree(MCGraphicsContext& context, const MCAxisTransform& toWi
   const MCRect dirty = MCIntersectionRect(
       toWindow.inverted().apply(MCMakeRect(extents.x, extents.y, extents.width, extents.height)), bounds_);
   ++window.viewsDrawn_;
-  drawRect(dirty);
+  if (layer_) {
+    if (wantsUpdateLayer()) updateLayer();
+    layer_->frame = MCMakeRect(bounds_.origin.x, bounds_.origin.y, bounds_.size.width, bounds_.size.height);
+    layer_->renderInContext(context);
+  } else {
+    drawRect(dirty);
+  }
   window.drawingView_ = outerView;
   window.drawingRegion_ = outerRegion;
   context.setFlipped(false);
@@ -530,3 +537,12 @@ std::shared_ptr<MCDraggingSession> MCView::beginDraggingSession(std::vector<MCDr
 uint64_t MCView::draggingEntered(const MCDraggingInfo&) { return MCDragOperationNone; }
 void MCView::draggingExited(const MCDraggingInfo*) {}
 bool MCView::performDragOperation(const MCDraggingInfo&) { return false; }
+
+void MCView::setWantsLayer(bool flag) {
+  if (flag == wantsLayer_) return;
+  wantsLayer_ = flag;
+  layer_ = flag ? makeBackingLayer() : nullptr;
+  setNeedsDisplay(true);
+}
+
+std::shared_ptr<MCLayer> MCView::makeBackingLayer() { return std::make_shared<MCLayer>(); }

@@ -36,6 +36,7 @@ class MCClipView;
 class MCGraphicsContext;
 class MCDraggingSession;
 class MCDraggingSource;
+class MCLayer;
 struct MCDraggingItem;
 struct MCDraggingInfo;
 
@@ -165,6 +166,16 @@ class MCView : public MCResponder {
   /// Whether this view draws every pixel of its bounds (lets the window skip what lies under it).
   virtual bool isOpaque() const { return false; }
 
+  // Layers. A view that wants a layer is drawn from its layer tree, not its drawRect; a view that
+  // answers wantsUpdateLayer sets its layers' properties in updateLayer, before each display.
+  bool wantsLayer() const { return wantsLayer_; }
+  void setWantsLayer(bool flag);
+  const std::shared_ptr<MCLayer>& layer() const { return layer_; }
+  /// The layer made when the view first wants one; a plain layer by default.
+  virtual std::shared_ptr<MCLayer> makeBackingLayer();
+  virtual bool wantsUpdateLayer() const { return false; }
+  virtual void updateLayer() {}
+
   // Layout.
   bool needsLayout() const { return needsLayout_; }
   void setNeedsLayout(bool flag);
@@ -253,6 +264,8 @@ class MCView : public MCResponder {
   std::vector<ToolTip> toolTips_;
   int nextToolTipTag_ = 1;
   std::vector<std::string> draggedTypes_;
+  bool wantsLayer_ = false;
+  std::shared_ptr<MCLayer> layer_;
 };
 
 using MCViewRef = std::shared_ptr<MCView>;
