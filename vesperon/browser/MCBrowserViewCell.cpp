@@ -1,6 +1,6 @@
 #include <vesperon/browser/MCBrowserViewCell.h>
 
-#include <vesperon/platform/MCColorSpace.h>
+#include <vesperon/drawing/MCImageExtensions.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCWindow.h>
 
@@ -31,20 +31,10 @@ std::shared_ptr<const MCImage> MCBrowserViewCell::dragImageWithSize(MCSize size,
   cell->setSelected(false);
   double scale = 1;
   if (auto view = controlView(); view && view->window()) scale = view->window()->backingScaleFactor();
-  const auto width = std::size_t(std::ceil(size.width * scale)), height = std::size_t(std::ceil(size.height * scale));
-  auto context = MCGraphicsContext::create(width, height, 8, 0, MCColorSpace::sRGB(),
-                                           MCImageAlphaPremultipliedFirst | MCBitmapByteOrder32Little);
-  if (!context) return nullptr;
-  // Flipped: y down from the image's top, as the browser draws its cells.
-  context->scaleCTM(scale, scale);
-  context->translateCTM(0, size.height);
-  context->scaleCTM(1, -1);
-  context->setFlipped(true);
-  MCGraphicsContext* outer = MCGraphicsContext::currentContext();
-  MCGraphicsContext::setCurrentContext(context.get());
-  cell->drawWithFrame(MCMakeRect(0, 0, size.width, size.height), nullptr);
-  MCGraphicsContext::setCurrentContext(outer);
-  return MCImage::create(context->createImage(), scale);
+  // Flipped, y down from the image's top, as the browser draws its cells.
+  return MCImageWithSize(size, scale, [&](MCGraphicsContext&) {
+    cell->drawWithFrame(MCMakeRect(0, 0, size.width, size.height), nullptr);
+  });
 }
 
 bool MCBrowserViewCell::containsPoint(MCPoint point, const MCRect& frame) { return MCPointInRect(point, frame); }

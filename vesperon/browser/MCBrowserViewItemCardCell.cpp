@@ -1,5 +1,6 @@
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 
+#include <vesperon/browser/MCItemCellDrawing.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCView.h>
 
@@ -8,23 +9,18 @@
 
 namespace {
 
-double lineHeightOf(const MCFont& font) {
-  const double ascender = font.ascender(), descender = font.descender();
-  const double leading = std::max(0.0, font.lineHeight() - ascender - descender);
-  return std::ceil(ascender + descender + leading + 1);
-}
 
 MCSize badgeSize(const MCBadgeRef& badge) { return badge ? badge->size() : MCSize{0, 0}; }
 
 }  // namespace
 
 double MCBrowserViewItemCardCell::defaultTitleHeight() {
-  static const double height = lineHeightOf(MCFont::systemFontOfSize(13));
+  static const double height = mc_detail::itemCellLineHeight(MCFont::systemFontOfSize(13));
   return height;
 }
 
 double MCBrowserViewItemCardCell::defaultSubtitleHeight() {
-  static const double height = lineHeightOf(MCFont::systemFontOfSize(11));
+  static const double height = mc_detail::itemCellLineHeight(MCFont::systemFontOfSize(11));
   return height;
 }
 
@@ -214,29 +210,11 @@ void MCBrowserViewItemCardCell::drawImagePartInRect(const MCRect& part, MCView*)
 }
 
 void MCBrowserViewItemCardCell::drawImageInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context) return;
-  context->saveGState();
-  context->beginPath();
-  CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-  context->clip();
-  if (image) MCImageDrawInRect(*image, rect);
-  context->restoreGState();
-  if (shouldDrawImageDimmed) {
-    context->beginPath();
-    CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-    MCColor::colorWithWhite(1, 0.5).setFill(*context);
-    context->fillPath();
-  }
+  mc_detail::drawItemCellImage(image, rect, imageRadius, shouldDrawImageDimmed);
 }
 
 void MCBrowserViewItemCardCell::drawImagePlaceholderInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context) return;
-  context->beginPath();
-  CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-  MCColor::colorWithWhite(1, 0.1).setFill(*context);
-  context->fillPath();
+  mc_detail::drawItemCellPlaceholder(rect, imageRadius);
 }
 
 void MCBrowserViewItemCardCell::drawBadgeFlagsInRect(const MCRect& rect) {
@@ -257,17 +235,9 @@ void MCBrowserViewItemCardCell::drawTitlePartInRect(const MCRect& part) {
 }
 
 void MCBrowserViewItemCardCell::drawTitleInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context || title.empty()) return;
-  MCAttributedString text(title, titleAttributes);
-  text.setLineBreakMode(MCLineBreakMode::TruncatingTail);
-  text.drawInRect(rect, *context);
+  mc_detail::drawItemCellText(title, titleAttributes, rect);
 }
 
 void MCBrowserViewItemCardCell::drawSubtitleInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context || subtitle.empty()) return;
-  MCAttributedString text(subtitle, subtitleAttributes);
-  text.setLineBreakMode(MCLineBreakMode::TruncatingTail);
-  text.drawInRect(rect, *context);
+  mc_detail::drawItemCellText(subtitle, subtitleAttributes, rect);
 }

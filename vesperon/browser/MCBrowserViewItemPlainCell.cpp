@@ -1,5 +1,6 @@
 #include <vesperon/browser/MCBrowserViewItemPlainCell.h>
 
+#include <vesperon/browser/MCItemCellDrawing.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCView.h>
 
@@ -8,12 +9,6 @@
 
 namespace {
 
-double lineHeightOf(const std::optional<MCFont>& font) {
-  const MCFont f = font.value_or(MCFont::systemFontOfSize(13));
-  const double ascender = f.ascender(), descender = f.descender();
-  const double leading = std::max(0.0, f.lineHeight() - ascender - descender);
-  return std::ceil(ascender + descender + leading + 1);
-}
 
 MCSize badgeSize(const MCBadgeRef& badge) { return badge ? badge->size() : MCSize{0, 0}; }
 
@@ -28,8 +23,8 @@ MCRect nearestEdges(const MCRect& r) {
 
 }  // namespace
 
-double MCBrowserViewItemPlainCell::defaultTitleHeight() const { return lineHeightOf(titleAttributes.font); }
-double MCBrowserViewItemPlainCell::defaultSubtitleHeight() const { return lineHeightOf(subtitleAttributes.font); }
+double MCBrowserViewItemPlainCell::defaultTitleHeight() const { return mc_detail::itemCellLineHeight(titleAttributes.font.value_or(MCFont::systemFontOfSize(13))); }
+double MCBrowserViewItemPlainCell::defaultSubtitleHeight() const { return mc_detail::itemCellLineHeight(subtitleAttributes.font.value_or(MCFont::systemFontOfSize(13))); }
 
 std::shared_ptr<MCBrowserViewCell> MCBrowserViewItemPlainCell::copy() const {
   return std::make_shared<MCBrowserViewItemPlainCell>(*this);
@@ -201,43 +196,17 @@ void MCBrowserViewItemPlainCell::drawImageWithBadgesInRect(const MCRect& r) {
 }
 
 void MCBrowserViewItemPlainCell::drawImageInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context) return;
-  context->saveGState();
-  context->beginPath();
-  CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-  context->clip();
-  if (image) MCImageDrawInRect(*image, rect);
-  context->restoreGState();
-  if (shouldDrawImageDimmed) {
-    context->beginPath();
-    CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-    MCColor::colorWithWhite(1, 0.5).setFill(*context);
-    context->fillPath();
-  }
+  mc_detail::drawItemCellImage(image, rect, imageRadius, shouldDrawImageDimmed);
 }
 
 void MCBrowserViewItemPlainCell::drawImagePlaceholderInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context) return;
-  context->beginPath();
-  CGContextAddRoundedRectangle(*context, rect, imageRadius, imageRadius);
-  MCColor::colorWithWhite(1, 0.1).setFill(*context);
-  context->fillPath();
+  mc_detail::drawItemCellPlaceholder(rect, imageRadius);
 }
 
 void MCBrowserViewItemPlainCell::drawTitleInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context || title.empty()) return;
-  MCAttributedString text(title, titleAttributes);
-  text.setLineBreakMode(MCLineBreakMode::TruncatingTail);
-  text.drawInRect(rect, *context);
+  mc_detail::drawItemCellText(title, titleAttributes, rect);
 }
 
 void MCBrowserViewItemPlainCell::drawSubtitleInRect(const MCRect& rect) {
-  MCGraphicsContext* context = MCGraphicsContext::currentContext();
-  if (!context || subtitle.empty()) return;
-  MCAttributedString text(subtitle, subtitleAttributes);
-  text.setLineBreakMode(MCLineBreakMode::TruncatingTail);
-  text.drawInRect(rect, *context);
+  mc_detail::drawItemCellText(subtitle, subtitleAttributes, rect);
 }
