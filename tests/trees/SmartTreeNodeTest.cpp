@@ -10,6 +10,8 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -46,7 +48,8 @@ std::string outline(const Tree::NodePtr& node) { return outline(*node); }
 
 TEST(SmartTreeNode, BuildsLevelsByTheRules) {
   auto first = tens(), second = parity();
-  Tree tree({first, second}, {23, 4, 21, 8, 12});
+  auto root = Tree::nodeWithRules({first, second}, {23, 4, 21, 8, 12});
+  Tree& tree = *root;
   EXPECT_EQ(outline(tree), "(23,4,21,8,12 {(4,8 {(4,8)})(12 {(12)})(23,21 {(23,21)})})");
   EXPECT_EQ(tree.rules(), (Tree::Rules{first, second}));
   ASSERT_EQ(tree.nodes().size(), 3u);
@@ -55,8 +58,8 @@ TEST(SmartTreeNode, BuildsLevelsByTheRules) {
   EXPECT_EQ(tree.nodes()[0]->prototype(), tree.nodes()[2]->prototype());  // one prototype per level
 
   // Without rules the root keeps its items and has no children, also after additions.
-  Tree plain(Tree::Rules{}, {3, 1});
-  plain.addItems({2});
+  auto plain = Tree::nodeWithRules({}, {3, 1});
+  plain->addItems({2});
   EXPECT_EQ(outline(plain), "(3,1,2)");
 
   // An empty rule list clears the chain and leaves the children as they were.
@@ -68,7 +71,8 @@ TEST(SmartTreeNode, BuildsLevelsByTheRules) {
 }
 
 TEST(SmartTreeNode, AddAndRemoveMergeLikeNodes) {
-  Tree tree({tens(), parity()}, {1, 31});
+  auto root = Tree::nodeWithRules({tens(), parity()}, {1, 31});
+  Tree& tree = *root;
   tree.addItems({15, 2, 14, 2});  // a new group between two others; an item added twice stands twice
   EXPECT_EQ(outline(tree), "(1,31,15,2,14,2 {(1,2,2 {(2,2)(1)})(15,14 {(14)(15)})(31 {(31)})})");
   // Removal by equality takes both.
@@ -85,7 +89,8 @@ TEST(SmartTreeNode, AddAndRemoveMergeLikeNodes) {
 TEST(SmartTreeNode, RandomAddsAndRemovesMatchAFreshBuild) {
   std::mt19937 random(7);
   auto rules = Tree::Rules{tens(), parity()};
-  Tree tree(rules);
+  auto root = Tree::nodeWithRules(rules);
+  Tree& tree = *root;
   std::vector<int> present;
   for (int round = 0; round < 200; ++round) {
     std::vector<int> batch;
@@ -100,12 +105,13 @@ TEST(SmartTreeNode, RandomAddsAndRemovesMatchAFreshBuild) {
     }
     // The root keeps the order the items came in; below it, the same groups as a fresh build.
     ASSERT_EQ(tree.items(), present) << round;
-    ASSERT_EQ(outline(tree, true), outline(Tree(rules, present), true)) << round;
+    ASSERT_EQ(outline(tree, true), outline(*Tree::nodeWithRules(rules, present), true)) << round;
   }
 }
 
 TEST(SmartTreeNode, FilterAndSortInPlaceAndAsNewNodes) {
-  Tree tree({tens()}, {13, 2, 11, 5});
+  auto root = Tree::nodeWithRules({tens()}, {13, 2, 11, 5});
+  Tree& tree = *root;
   auto odd = [](const int& i) { return i % 2 == 1; };
 
   auto flat = tree.filteredNodeWithPredicate(odd, false);
@@ -121,7 +127,8 @@ TEST(SmartTreeNode, FilterAndSortInPlaceAndAsNewNodes) {
   EXPECT_EQ(tree.nodes().size(), 2u);
   EXPECT_EQ(text(tree.nodes()[0]->items()), "");
 
-  Tree other({tens()}, {13, 2, 11, 5});
+  auto otherRoot = Tree::nodeWithRules({tens()}, {13, 2, 11, 5});
+  Tree& other = *otherRoot;
   other.sortItemsWithDescriptors({MCSortDescriptor<int>::sortDescriptorWithKey([](const int& i) { return i; }, false)});
   EXPECT_EQ(outline(other), "(13,11,5,2 {(5,2)(13,11)})");  // the children keep their order
   auto ascending = other.sortedNodeWithDescriptors(
@@ -133,9 +140,62 @@ TEST(SmartTreeNode, FilterAndSortInPlaceAndAsNewNodes) {
   EXPECT_EQ(outline(other), "(13,11,5 {(5)(13,11)})");
 }
 
+// A subclass whose nodes carry the album they belong to; every node of its trees must be one.
+class AlbumNode : public Tree {
+ public:
+  explicit AlbumNode(std::string album) : album(std::move(album)) {}
+  const std::string album;
+
+ protected:
+  NodePtr newNode() const override { return std::make_shared<AlbumNode>(album); }
+};
+
+// Where a node, its prototype chain or any node below is not an AlbumNode of `album`; empty if none.
+std::string foreignNode(const Tree::NodePtr& node, const std::string& album, const std::string& path = "root") {
+  auto mine = std::dynamic_pointer_cast<AlbumNode>(node);
+  if (!mine || mine->album != album) return path;
+  int level = 0;
+  for (auto p = node->prototype(); p; p = p->prototype(), ++level) {
+    auto prototype = std::dynamic_pointer_cast<AlbumNode>(p);
+    if (!prototype || prototype->album != album) return path + " prototype " + std::to_string(level);
+  }
+  for (size_t i = 0; i < node->nodes().size(); ++i) {
+    std::string where = foreignNode(node->nodes()[i], album, path + "/" + std::to_string(i));
+    if (!where.empty()) return where;
+  }
+  return "";
+}
+
+TEST(SmartTreeNode, SubclassTreesAreOfTheSubclassAtEveryLevel) {
+  auto tree = Tree::nodeWithRules<AlbumNode>({tens(), parity()}, {23, 4, 21, 8, 12}, "trip");
+  static_assert(std::is_same_v<decltype(tree), std::shared_ptr<AlbumNode>>);
+  EXPECT_EQ(outline(*tree), "(23,4,21,8,12 {(4,8 {(4,8)})(12 {(12)})(23,21 {(23,21)})})");
+  ASSERT_EQ(tree->rules().size(), 2u);
+  EXPECT_EQ(foreignNode(tree, "trip"), "");
+
+  // Nodes made later come from the same class: new groups merged in, rebuilt trees, copies.
+  tree->addItems({35, 36, 7});
+  EXPECT_EQ(foreignNode(tree, "trip"), "");
+  tree->setRules({parity(), tens()});
+  EXPECT_EQ(foreignNode(tree, "trip"), "");
+  tree->setItems({1, 2, 3, 40});
+  EXPECT_EQ(foreignNode(tree, "trip"), "");
+  EXPECT_EQ(foreignNode(tree->copyWithItems({5, 50}), "trip"), "");
+  EXPECT_EQ(foreignNode(tree->filteredNodeWithPredicate([](const int&) { return true; }, true), "trip"), "");
+  EXPECT_EQ(foreignNode(tree->filteredNodeWithPredicate([](const int&) { return true; }, false), "trip"), "");
+  EXPECT_EQ(foreignNode(tree->sortedNodeWithDescriptors({}, true), "trip"), "");
+
+  // A subclass root with rules and no items, filled afterwards.
+  auto empty = Tree::nodeWithRules<AlbumNode>({tens()}, {}, "home");
+  empty->addItems({1, 11});
+  EXPECT_EQ(outline(*empty), "(1,11 {(1)(11)})");
+  EXPECT_EQ(foreignNode(empty, "home"), "");
+}
+
 TEST(SmartTreeNode, RefusesRootOperationsBelowTheRootAndMismatchedNodes) {
   auto rule = tens();
-  Tree tree({rule}, {1, 12});
+  auto root = Tree::nodeWithRules({rule}, {1, 12});
+  Tree& tree = *root;
   auto child = tree.nodes()[0];
   EXPECT_EQ(thrownMessage([&] { child->addItems({3}); }), "*** MCSmartTreeNode::addItems: must be called on the root node");
   EXPECT_EQ(thrownMessage([&] { child->setRules({}); }), "*** MCSmartTreeNode::setRules: must be called on the root node");
@@ -143,8 +203,8 @@ TEST(SmartTreeNode, RefusesRootOperationsBelowTheRootAndMismatchedNodes) {
   EXPECT_THROW(child->setItems({1}), std::logic_error);
   EXPECT_EQ(thrownMessage([&] { tree.unionNode(nullptr); }), "*** MCSmartTreeNode::unionNode: node must not be nil");
   EXPECT_EQ(thrownMessage([&] { tree.minusNode(child); }), "*** MCSmartTreeNode::minusNode: node's _rule must be equal to the receiver's");
-  Tree stranger({tens()}, {1});
-  EXPECT_EQ(thrownMessage([&] { tree.unionNode(stranger.copyWithItems({5})); }),
+  auto stranger = Tree::nodeWithRules({tens()}, {1});
+  EXPECT_EQ(thrownMessage([&] { tree.unionNode(stranger->copyWithItems({5})); }),
             "*** MCSmartTreeNode::unionNode: node's _prototype must be equal to the receiver's");
   EXPECT_EQ(outline(tree), "(1,12 {(1)(12)})");
 }

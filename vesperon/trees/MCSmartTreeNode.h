@@ -4,7 +4,7 @@
 // each child's items into grandchildren, and so on. Items can be added, removed, filtered and
 // sorted, and the tree keeps its shape by merging like nodes instead of rebuilding.
 //
-//   auto tree = std::make_shared<MCSmartTreeNode<PhotoPtr>>(rules, photos);
+//   auto tree = MCSmartTreeNode<PhotoPtr>::nodeWithRules(rules, photos);
 //   tree->addItems({newPhoto});       // merged into the groups it falls in
 //   tree->removeItems({oldPhoto});    // a group that empties goes; the root stays
 //
@@ -34,6 +34,7 @@
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <type_traits>
 #include <utility>
 #include <vector>
 
@@ -50,12 +51,28 @@ class MCSmartTreeNode {
 
   /// A root without rules, items or children.
   MCSmartTreeNode() = default;
-  /// A root with the prototype chain of `rules` and no items.
-  explicit MCSmartTreeNode(const Rules& rules) : prototype_(prototypeWithRules(rules)) {}
-  /// A root with the chain of `rules`, holding `items`, with its tree built.
-  MCSmartTreeNode(const Rules& rules, Items items) : items_(std::move(items)), prototype_(prototypeWithRules(rules)) {
-    buildTree();
+
+  /// A root of class `Node` (this class or a subclass) made from `args`, then given the prototype
+  /// chain of `rules` and `items`, with its tree built:
+  ///
+  ///   auto tree = MCSmartTreeNode<PhotoPtr>::nodeWithRules(rules, photos);
+  ///   auto mine = MCSmartTreeNode<PhotoPtr>::nodeWithRules<AlbumNode>(rules, photos, albumName);
+  ///
+  /// The prototypes and every child come from newNode(), which is virtual; a constructor cannot
+  /// build them, because while the base constructor runs the object is not yet of the subclass
+  /// and newNode() would give plain MCSmartTreeNode. So a tree with rules is always made whole
+  /// first and built afterwards, here.
+  template <typename Node = MCSmartTreeNode, typename... Args>
+  static std::shared_ptr<Node> nodeWithRules(const Rules& rules, Items items = {}, Args&&... args) {
+    static_assert(std::is_base_of_v<MCSmartTreeNode, Node>, "a smart tree node class");
+    auto node = std::make_shared<Node>(std::forward<Args>(args)...);
+    MCSmartTreeNode& root = *node;
+    root.prototype_ = root.prototypeWithRules(rules);
+    root.items_ = std::move(items);
+    root.buildTree();
+    return node;
   }
+
   MCSmartTreeNode(const MCSmartTreeNode&) = delete;
   MCSmartTreeNode& operator=(const MCSmartTreeNode&) = delete;
   virtual ~MCSmartTreeNode() = default;
@@ -228,7 +245,8 @@ class MCSmartTreeNode {
 
  protected:
   /// `the receiver's class`: makes an empty node of the same class. Subclasses override it so
-  /// that the nodes of their trees are of their class.
+  /// that the prototypes and nodes of their trees are of their class (and carry whatever state the
+  /// subclass gives its nodes); their roots come from nodeWithRules<Subclass>.
   virtual NodePtr newNode() const { return std::make_shared<MCSmartTreeNode>(); }
 
  private:
