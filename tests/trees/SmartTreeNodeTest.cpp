@@ -70,6 +70,28 @@ TEST(SmartTreeNode, BuildsLevelsByTheRules) {
   EXPECT_EQ(outline(tree), "(23,4,21,8,12 {(4,8,12)(23,21)})");
 }
 
+TEST(SmartTreeNode, SetItemsIgnoresTheArrayItHoldsAndRebuildsForAnyOther) {
+  auto tree = Tree::nodeWithRules({tens(), parity()}, {23, 4, 21});
+  const Tree::Nodes before = tree->nodes();
+  const int* held = tree->items().data();
+
+  // The very array the tree holds: nothing happens, the children are the same objects.
+  tree->setItems(tree->items());
+  EXPECT_EQ(tree->nodes(), before);
+  EXPECT_EQ(tree->items().data(), held);
+
+  // An equal array that is another array is new items: the tree is built anew.
+  const std::vector<int> equal = tree->items();
+  tree->setItems(equal);
+  EXPECT_EQ(outline(*tree), "(23,4,21 {(4 {(4)})(23,21 {(23,21)})})");
+  ASSERT_EQ(tree->nodes().size(), 2u);
+  EXPECT_NE(tree->nodes()[0], before[0]);
+  EXPECT_NE(tree->nodes()[1], before[1]);
+
+  tree->setItems({7});
+  EXPECT_EQ(outline(*tree), "(7 {(7 {(7)})})");
+}
+
 TEST(SmartTreeNode, AddAndRemoveMergeLikeNodes) {
   auto root = Tree::nodeWithRules({tens(), parity()}, {1, 31});
   Tree& tree = *root;

@@ -101,8 +101,15 @@ class MCSmartTreeNode {
     prototype_ = prototypeWithRules(rules);
     buildTree();
   }
-  /// New items, and the tree rebuilt.
-  void setItems(Items items) {
+  /// New items, and the tree rebuilt. Given the very array the tree holds (`setItems(items())`)
+  /// it does nothing; an equal array that is another array is new items and rebuilds the tree.
+  void setItems(const Items& items) {
+    requireRoot("setItems");
+    if (&items == &items_) return;
+    items_ = items;
+    buildTree();
+  }
+  void setItems(Items&& items) {
     requireRoot("setItems");
     if (&items == &items_) return;
     items_ = std::move(items);
