@@ -160,6 +160,19 @@ TEST(SmartTreeNode, FilterAndSortInPlaceAndAsNewNodes) {
 
   other.filterItemsWithPredicate(odd);
   EXPECT_EQ(outline(other), "(13,11,5 {(5)(13,11)})");
+
+  // The recursive sorted node shares the children and prototype and sorts those children in
+  // place, as the recursive filter does; the receiver's own items keep their order.
+  auto third = Tree::nodeWithRules({tens(), parity()}, {13, 2, 11, 5, 14});
+  auto deepSorted = third->sortedNodeWithDescriptors(
+      {MCSortDescriptor<int>::sortDescriptorWithKey([](const int& i) { return i; }, false)}, true);
+  EXPECT_EQ(outline(deepSorted), "(14,13,11,5,2 {(5,2 {(2)(5)})(14,13,11 {(14)(13,11)})})");
+  EXPECT_EQ(deepSorted->nodes(), third->nodes());
+  EXPECT_EQ(deepSorted->prototype(), third->prototype());
+  EXPECT_EQ(deepSorted->rule(), nullptr);
+  EXPECT_EQ(text(third->items()), "13,2,11,5,14");
+  EXPECT_EQ(text(third->nodes()[1]->items()), "14,13,11") << "the shared child was sorted";
+  EXPECT_EQ(text(third->nodes()[1]->nodes()[1]->items()), "13,11") << "and so were its children";
 }
 
 // A subclass whose nodes carry the album they belong to; every node of its trees must be one.
