@@ -21,6 +21,8 @@ TEST(MCArrayExtensions, CopiesInsertAndRemoveWithoutTouchingTheReceiver) {
   EXPECT_EQ(arrayByInsertingObjects(abc, Strings{"x", "y"}, MCIndexSet{0, 3}), (Strings{"x", "a", "b", "y", "c"}));
   EXPECT_EQ(arrayByInsertingObjects(abc, Strings{"z"}, MCIndexSet{3}), (Strings{"a", "b", "c", "z"}));
   EXPECT_EQ(arrayByInsertingObjects(abc, Strings{}, MCIndexSet{}), abc);
+  EXPECT_EQ(arrayByInsertingObjects(abc, Strings{}, MCIndexSet{1, 7}), abc) << "no objects: a copy, whatever the indexes";
+  EXPECT_EQ(arrayByInsertingObjects(Strings{}, Strings{}, MCIndexSet{0}), Strings{});
   EXPECT_THROW(arrayByInsertingObjects(abc, Strings{"x"}, MCIndexSet{5}), std::out_of_range);
   EXPECT_THROW(arrayByInsertingObjects(abc, Strings{"x"}, MCIndexSet{0, 1}), std::invalid_argument);
   EXPECT_EQ(arrayByInsertingUniqueObjects(abc, Strings{"c", "d", "a", "d", "e"}), (Strings{"a", "b", "c", "d", "e"}));

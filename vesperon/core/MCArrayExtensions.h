@@ -142,12 +142,13 @@ std::vector<T> filteredArrayUsingBlock(const std::vector<T>& array, Test&& test)
   return result;
 }
 
-/// A copy with `objects` standing at `indexes` (ascending, one per object) afterwards. Mismatched
-/// counts raise std::invalid_argument, an index past the new end std::out_of_range.
+/// A copy with `objects` standing at `indexes` (ascending, one per object) afterwards. No objects
+/// give a plain copy, whatever the indexes. Otherwise mismatched counts raise
+/// std::invalid_argument, an index past the new end std::out_of_range.
 template <typename T>
 std::vector<T> arrayByInsertingObjects(const std::vector<T>& array, const std::vector<T>& objects,
                                        const MCIndexSet& indexes) {
-  if (objects.empty() && indexes.empty()) return array;
+  if (objects.empty()) return array;
   if (objects.size() != indexes.count())
     throw std::invalid_argument("*** arrayByInsertingObjects: count of objects and indexes differ");
   const uint64_t total = array.size() + objects.size();
