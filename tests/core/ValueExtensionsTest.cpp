@@ -77,6 +77,50 @@ TEST(MCNumberExtensions, ComparisonsFractionsAndTicks) {
   EXPECT_EQ(minNumber(3, 2), 2);
   EXPECT_EQ(maxNumber(3, 2), 3);
 
+  // Integers compare as integers, also beyond 2^53 where doubles no longer tell them apart.
+  const int64_t big = (int64_t(1) << 53) + 1;
+  EXPECT_EQ(compareNumber(big, big - 1), 1);
+  EXPECT_EQ(compareNumber(big - 1, big), -1);
+  EXPECT_FALSE(isEqualNumber(big, big - 1));
+  EXPECT_TRUE(isEqualNumber(big, big));
+  EXPECT_EQ(compareNumber(INT64_MAX, INT64_MAX - 1), 1);
+  EXPECT_EQ(compareNumber(UINT64_MAX, UINT64_MAX - 1), 1);
+  EXPECT_EQ(compareNumber(UINT64_MAX, -1), 1) << "unsigned above every signed value";
+  EXPECT_EQ(compareNumber(INT64_MIN, INT64_MIN + 1), -1);
+  EXPECT_EQ(compareNumber(big, big - 1, 0.0), 1);
+  EXPECT_EQ(compareNumber(big, big - 1, 1.0), 0) << "a difference of exactly the deviation";
+  EXPECT_EQ(compareNumber(big - 1, big + 1, 1.5), -1);
+  EXPECT_EQ(compareNumber(INT64_MIN, INT64_MAX, 1e300), 0) << "no overflow in the difference";
+  EXPECT_EQ(compareNumber(INT64_MIN, INT64_MAX, 1.0), -1);
+  EXPECT_EQ(maxNumber(big - 1, big), big);
+  EXPECT_EQ(minNumber(big, big - 1), big - 1);
+
+  // An integer against a double: exactly, by the double's integer part and then its fraction.
+  const double twoTo53 = 9007199254740992.0;
+  EXPECT_EQ(compareNumber(big, twoTo53), 1) << "2^53 + 1 is above the double 2^53";
+  EXPECT_EQ(compareNumber(twoTo53, big), -1);
+  EXPECT_FALSE(isEqualNumber(big, twoTo53));
+  EXPECT_TRUE(isEqualNumber(big - 1, twoTo53));
+  EXPECT_EQ(compareNumber(3, 3.5), -1);
+  EXPECT_EQ(compareNumber(-3, -3.5), 1);
+  EXPECT_EQ(compareNumber(-3, -2.5), -1);
+  EXPECT_EQ(compareNumber(INT64_MAX, 9223372036854775808.0), -1) << "2^63 lies above INT64_MAX";
+  EXPECT_EQ(compareNumber(UINT64_MAX, 1e300), -1);
+  EXPECT_EQ(compareNumber(INT64_MIN, -HUGE_VAL), 1);
+  EXPECT_EQ(compareNumber(big, twoTo53, 0.5), 1) << "b - a is -1, below minus the deviation";
+  EXPECT_EQ(compareNumber(big, twoTo53, 1.0), 0);
+  EXPECT_EQ(compareNumber(3, 3.5, 0.5), 0);
+  EXPECT_EQ(compareNumber(3, 3.75, 0.5), -1);
+  EXPECT_EQ(compareNumber(4, 3.25, 0.5), 1);
+  EXPECT_EQ(compareNumber(1, NAN), 0) << "NaN is unordered";
+  EXPECT_FALSE(isEqualNumber(NAN, NAN));
+
+  // Metadata values of different number kinds are equal by the same exact rule.
+  EXPECT_FALSE(MCValue(big) == MCValue(twoTo53));
+  EXPECT_TRUE(MCValue(big - 1) == MCValue(twoTo53));
+  EXPECT_TRUE(MCValue(true) == MCValue(1.0));
+  EXPECT_FALSE(MCValue(big) == MCValue(big - 1));
+
   int64_t n = 0, d = 0;
   getFractionForDenominator(0.004, 1000, n, d);
   EXPECT_EQ(n, 1);

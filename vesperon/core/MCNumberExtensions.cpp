@@ -10,20 +10,17 @@ uint64_t numberWithMachAbsoluteTime() {
   return uint64_t(now.tv_sec) * 1000000000ull + uint64_t(now.tv_nsec);
 }
 
-int compareNumber(std::optional<double> a, std::optional<double> b) {
+int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b) {
   if (!a || !b) return a ? 1 : (b ? -1 : 0);
-  return *a < *b ? -1 : (*a > *b ? 1 : 0);
+  return MCCompareNumbers(*a, *b);
 }
 
-int compareNumber(std::optional<double> a, std::optional<double> b, double deviation) {
+int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b, double deviation) {
   if (!a || !b) return a ? 1 : (b ? -1 : 0);
-  double difference = *b - *a;
-  if (difference > deviation) return -1;
-  if (difference < -deviation) return 1;
-  return 0;
+  return MCCompareNumbers(*a, *b, deviation);
 }
 
-bool isEqualNumber(std::optional<double> a, std::optional<double> b) {
+bool isEqualNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b) {
   if (!a || !b) return !a && !b;
   return *a == *b;
 }

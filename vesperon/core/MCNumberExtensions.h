@@ -2,6 +2,8 @@
 // Operations on numbers: nil-safe comparisons (std::nullopt is nil and sorts first), the best
 // fraction under a denominator limit, and the monotonic tick count.
 
+#include <vesperon/core/MCNumber.h>
+
 #include <cstdint>
 #include <optional>
 
@@ -9,15 +11,21 @@
 /// anything.
 uint64_t numberWithMachAbsoluteTime();
 
-/// -1, 0 or 1; nil sorts before any number and equals only nil.
-int compareNumber(std::optional<double> a, std::optional<double> b);
+/// -1, 0 or 1; nil sorts before any number and equals only nil. Numbers compare by value, integers
+/// as integers (see MCNumber), so integers beyond 2^53 that differ by one are not equal.
+int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b);
 /// Nil-safe. With b - a above `deviation`, -1; below -deviation, 1; otherwise 0, so a difference of
-/// exactly the deviation compares as equal.
-int compareNumber(std::optional<double> a, std::optional<double> b, double deviation);
-bool isEqualNumber(std::optional<double> a, std::optional<double> b);
+/// exactly the deviation compares as equal. With an integer involved the difference is exact.
+int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b, double deviation);
+bool isEqualNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b);
 
-inline double minNumber(double receiver, double other) { return other < receiver ? other : receiver; }
-inline double maxNumber(double receiver, double other) { return other > receiver ? other : receiver; }
+/// The smaller or larger of the two; the receiver on a tie.
+inline MCNumber minNumber(const MCNumber& receiver, const MCNumber& other) {
+  return MCCompareNumbers(other, receiver) < 0 ? other : receiver;
+}
+inline MCNumber maxNumber(const MCNumber& receiver, const MCNumber& other) {
+  return MCCompareNumbers(other, receiver) > 0 ? other : receiver;
+}
 
 /// `getFractionForDenominator:num:denom:`: the best fraction of `value` whose denominator is not
 /// above `limit`, by continued fractions with a final semiconvergent. The sign goes on the

@@ -1,4 +1,5 @@
 #include <vesperon/core/MCValue.h>
+#include <vesperon/core/MCNumber.h>
 
 #include <cmath>
 #include <limits>
@@ -26,8 +27,12 @@ std::optional<int64_t> MCValue::integerValue() const {
 
 bool operator==(const MCValue& a, const MCValue& b) {
   if (a.isNumber() && b.isNumber() && a.storage_.index() != b.storage_.index()) {
-    if (a.isDouble() || b.isDouble()) return *a.doubleValue() == *b.doubleValue();
-    return *a.integerValue() == *b.integerValue();
+    // Across kinds by exact value: through double, 2^53 + 1 would equal the double 2^53.
+    auto number = [](const MCValue& v) {
+      if (auto* d = std::get_if<double>(&v.storage_)) return MCNumber(*d);
+      return MCNumber(*v.integerValue());
+    };
+    return number(a) == number(b);
   }
   return a.storage_ == b.storage_;
 }
