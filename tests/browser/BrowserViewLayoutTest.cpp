@@ -97,16 +97,11 @@ struct Reference {
   }
 };
 
-uint64_t itemContaining(const Reference& ref, MCPoint p) {
+// The item whose frame the 1 by 1 rectangle at p meets (spacing of at least 2 leaves at most one).
+uint64_t itemMeeting(const Reference& ref, MCPoint p) {
   for (size_t i = 0; i < ref.itemFrames.size(); ++i)
-    if (MCPointInRect(p, ref.itemFrames[i])) return i;
+    if (MCIntersectsRect(ref.itemFrames[i], MCMakeRect(p.x, p.y, 1, 1))) return i;
   return NSNotFound;
-}
-
-bool anyItemMeets(const Reference& ref, MCRect r) {
-  for (const MCRect& f : ref.itemFrames)
-    if (MCIntersectsRect(f, r)) return true;
-  return false;
 }
 
 }  // namespace
@@ -239,6 +234,122 @@ TEST(MCBrowserViewLayout, HitTestsPointsWithAndWithoutHeaders) {
   EXPECT_TRUE(none.itemIndexesInRect(MCMakeRect(0, 0, 100, 100)).empty());
 }
 
+TEST(MCBrowserViewLayout, FindsCellsInARectangleWithGapsAndItsExactBounds) {
+  // Four columns, groups of 6 and 3: gap cells 6, 7 and 11.
+  Grid grid({100, 80}, {450, 30}, {6, 3});
+  MCBrowserViewLayout& layout = grid.layout;
+  layout.setMinHorizontalSpacing(10);
+  layout.setMinVerticalSpacing(8);
+  layout.layoutWithContentSize({450, 200});
+
+  // Rows 1-2, columns 1-3: whole line segments, gap cells included.
+  MCRect bounding;
+  EXPECT_EQ(layout.cellIndexesInRect(MCMakeRect(150, 100, 250, 100), &bounding), (MCIndexSet{5, 6, 7, 9, 10, 11}));
+  EXPECT_EQ(bounding, MCMakeRect(120, 96, 320, 168)) << "from column 1's left to column 3's right, row 1 to row 2";
+  EXPECT_EQ(layout.itemIndexesInRect(MCMakeRect(150, 100, 250, 100)), (MCIndexSet{5, 7, 8}));
+  // A rectangle reaching past the grid: the cells clamp, the bounds never shrink below it.
+  EXPECT_EQ(layout.cellIndexesInRect(MCMakeRect(150, 100, 400, 100), &bounding), (MCIndexSet{5, 6, 7, 9, 10, 11}));
+  EXPECT_EQ(bounding, MCMakeRect(120, 96, 430, 168));
+  // Only gap cells: cells but no items.
+  EXPECT_EQ(layout.cellIndexesInRect(MCMakeRect(240, 100, 150, 50), &bounding), (MCIndexSet{6, 7}));
+  EXPECT_EQ(bounding, MCMakeRect(230, 96, 210, 80));
+  EXPECT_TRUE(layout.itemIndexesInRect(MCMakeRect(240, 100, 150, 50)).empty());
+
+  // With headers the rows move down by a header per group, and so do the bounds.
+  layout.setShowsGroupHeaders(true);
+  layout.layoutWithContentSize({450, 200});
+  EXPECT_EQ(layout.cellIndexesInRect(MCMakeRect(150, 130, 250, 130), &bounding), (MCIndexSet{5, 6, 7, 9, 10, 11}));
+  EXPECT_EQ(bounding, MCMakeRect(120, 96 + 30, 320, 168 + 30));
+}
+
+TEST(MCBrowserViewLayout, AnItemIsHitByAPointUpToOneUnitBeforeItsEdges) {
+  // The hit test uses the 1 by 1 rectangle at the point, so it reaches one unit before a cell's
+  // left and top edges, and stops at its right and bottom edges.
+  Grid grid({100, 80}, {450, 30}, {6, 3});
+  MCBrowserViewLayout& layout = grid.layout;
+  layout.setMinHorizontalSpacing(10);
+  layout.setMinVerticalSpacing(8);
+  for (bool headers : {false, true}) {
+    SCOPED_TRACE(headers);
+    layout.setShowsGroupHeaders(headers);
+    layout.layoutWithContentSize({450, 200});
+    const double shift = headers ? 30 : 0;
+    // Item 5 is at row 1, column 1: (120, 96 + shift, 100, 80).
+    EXPECT_EQ(layout.itemIndexAtPoint({119.5, 130 + shift}), 5u);
+    EXPECT_EQ(layout.itemIndexAtPoint({119, 130 + shift}), NSNotFound) << "touching is not meeting";
+    EXPECT_EQ(layout.itemIndexAtPoint({150, 95.5 + shift}), 5u);
+    EXPECT_EQ(layout.itemIndexAtPoint({150, 95 + shift}), NSNotFound);
+    EXPECT_EQ(layout.itemIndexAtPoint({219.5, 175.5 + shift}), 5u) << "the last unit inside";
+    EXPECT_EQ(layout.itemIndexAtPoint({220, 130 + shift}), NSNotFound) << "the right edge is outside";
+    EXPECT_EQ(layout.itemIndexAtPoint({150, 176 + shift}), NSNotFound) << "the bottom edge is outside";
+    EXPECT_EQ(layout.itemIndexAtPoint({229.5, 50 + shift}), 2u) << "just before column 2";
+    EXPECT_EQ(layout.itemIndexAtPoint({229.5, 130 + shift}), NSNotFound) << "just before a gap cell";
+    EXPECT_EQ(layout.itemIndexAtPoint({9.5, 7.5 + shift}), 0u) << "before the first cell, both axes";
+  }
+  // With headers, just above the first row of group 1, inside the header band's gap.
+  EXPECT_EQ(layout.itemIndexAtPoint({20, 243.5}), 6u);
+  EXPECT_EQ(layout.itemIndexAtPoint({20, 243}), NSNotFound);
+}
+
+TEST(MCBrowserViewLayout, HorizontalLayoutExchangesTheAxes) {
+  // Two rows; group 0 has 5 items in columns 0-2 (cell 5, the bottom of column 2, is a gap),
+  // group 1 has 2 items in column 3.
+  Grid grid({100, 80}, {40, 300}, {5, 2});
+  MCBrowserViewLayout& layout = grid.layout;
+  layout.setHorizontal(true);
+  layout.setMinHorizontalSpacing(10);
+  layout.setMinVerticalSpacing(8);
+  layout.setAlignment(1);
+  layout.layoutWithContentSize({500, 203});
+  ASSERT_EQ(layout.numberOfRows(), 2u) << "(203 - 8) / 88 = 2.2";
+  ASSERT_EQ(layout.numberOfColumns(), 4u);
+  // Alignment shares the free height over the three gaps around two rows; the scrolling axis keeps
+  // the minimum.
+  EXPECT_EQ(layout.verticalSpacing(), 8 + 6) << "free 203 - 184 = 19, 19 / 3 = 6.33 truncates";
+  EXPECT_EQ(layout.horizontalSpacing(), 10);
+  EXPECT_EQ(layout.contentSize(), MCMakeSize(500, 203)) << "4 columns need 450";
+  EXPECT_EQ(layout.cellFrameAtItemIndex(1), MCMakeRect(10, 14 + 94, 100, 80)) << "column by column";
+  EXPECT_EQ(layout.cellFrameAtItemIndex(5), MCMakeRect(340, 14, 100, 80));
+  EXPECT_EQ(layout.scrollRectForItemAtIndex(5), MCMakeRect(330, 14, 120, 80)) << "grown by H on both sides only";
+
+  // Cell indexes of (row, column) follow the matrix: column by column.
+  EXPECT_EQ(layout.cellIndexAtRow(1, 0), 1u);
+  EXPECT_EQ(layout.cellIndexAtRow(0, 1), 2u);
+  EXPECT_EQ(layout.cellIndexAtRow(1, 2), 5u);
+  EXPECT_EQ(layout.itemIndexFromCellIndex(layout.cellIndexAtRow(1, 2)), NSNotFound) << "the gap ends column 2";
+  EXPECT_EQ(layout.itemIndexFromCellIndex(layout.cellIndexAtRow(1, 3)), 6u) << "row 1 goes on past the gap";
+  EXPECT_EQ(layout.cellIndexAtRow(2, 0), NSNotFound);
+  EXPECT_EQ(layout.cellIndexAtRow(0, 4), NSNotFound);
+
+  // Headers stand left of each group and shift its columns and all later ones right.
+  layout.setShowsGroupHeaders(true);
+  layout.layoutWithContentSize({500, 203});
+  EXPECT_EQ(layout.contentSize(), MCMakeSize(450 + 2 * 40, 203));
+  EXPECT_EQ(layout.cellFrameAtItemIndex(0), MCMakeRect(50, 14, 100, 80));
+  EXPECT_EQ(layout.cellFrameAtItemIndex(4), MCMakeRect(270, 14, 100, 80));
+  EXPECT_EQ(layout.cellFrameAtItemIndex(6), MCMakeRect(420, 108, 100, 80));
+  EXPECT_EQ(layout.cellFrameAtGroupIndex(0), MCMakeRect(5, 0, 40, 300));
+  EXPECT_EQ(layout.cellFrameAtGroupIndex(1), MCMakeRect(375, 0, 40, 300)) << "half a gap right of the group's left";
+  EXPECT_EQ(layout.rectForGroup(1), MCMakeRect(370, 0, 150, 203));
+  EXPECT_EQ(layout.rectForColumn(3), MCMakeRect(420, 0, 100, 203));
+  EXPECT_EQ(layout.rectForRow(1), MCMakeRect(0, 108, 530, 80));
+  // Scrolled to, the first item of a group shows its gap and its header band on the left.
+  EXPECT_EQ(layout.scrollRectForItemAtIndex(5), MCMakeRect(420 - 10 - 40, 14, 100 + 20 + 40, 80));
+  EXPECT_EQ(layout.scrollRectForItemAtIndex(NSNotFound), MCMakeRect(-50, 0, 60, 0));
+  EXPECT_EQ(layout.itemIndexAtPoint({425, 150}), 6u);
+  EXPECT_EQ(layout.itemIndexAtPoint({400, 150}), NSNotFound) << "in the header band";
+
+  MCRect bounding;
+  EXPECT_EQ(layout.cellIndexesInRect(MCMakeRect(100, 50, 200, 100), &bounding), (MCIndexSet{0, 1, 2, 3, 4, 5}));
+  EXPECT_EQ(bounding, MCMakeRect(50, 14, 320, 174));
+  EXPECT_EQ(layout.itemIndexesInRect(MCMakeRect(100, 50, 200, 100)), (MCIndexSet{0, 1, 2, 3, 4}));
+
+  EXPECT_EQ(layout.offsetItemIndex(2, 0, 1), 4u) << "right along row 0";
+  EXPECT_EQ(layout.offsetItemIndex(1, 0, 2), 4u) << "onto the gap: the group's last item";
+  EXPECT_EQ(layout.offsetItemIndex(1, 0, 3), 6u) << "row 1 of the next group";
+  EXPECT_EQ(layout.offsetItemIndex(0, 1, 0), 1u) << "down within the column";
+}
+
 TEST(MCBrowserViewLayout, ConvertsIndexPathsAndRefusesBadOnes) {
   Grid grid({10, 10}, {10, 10}, {6, 0, 3});
   MCBrowserViewLayout& layout = grid.layout;
@@ -329,12 +440,11 @@ TEST(MCBrowserViewLayout, AgreesWithAWalkOfEveryCellOnRandomGroupings) {
 
     const MCSize content = layout.contentSize();
     for (int probe = 0; probe < 300; ++probe) {
-      const MCPoint p{std::floor(unit(rng) * (content.width + 40)) - 20 + 0.5,
-                      std::floor(unit(rng) * (content.height + 40)) - 20 + 0.5};
-      const uint64_t expected = itemContaining(ref, p);
-      if (expected != NSNotFound || !anyItemMeets(ref, MCMakeRect(p.x, p.y, 1, 1))) {
-        ASSERT_EQ(layout.itemIndexAtPoint(p), expected) << p.x << "," << p.y;
-      }
+      // Half the probes on whole units, where the edges lie, half between them.
+      const double half = probe % 2 ? 0.5 : 0;
+      const MCPoint p{std::floor(unit(rng) * (content.width + 40)) - 20 + half,
+                      std::floor(unit(rng) * (content.height + 40)) - 20 + half};
+      ASSERT_EQ(layout.itemIndexAtPoint(p), itemMeeting(ref, p)) << p.x << "," << p.y;
       // The group whose band holds the point (with headers every band counts; without them only
       // groups with lines, and a point past the last band belongs to the last group).
       const double along = layout.isHorizontal() ? p.x : p.y;
@@ -346,7 +456,8 @@ TEST(MCBrowserViewLayout, AgreesWithAWalkOfEveryCellOnRandomGroupings) {
       if (group == NSNotFound)
         for (uint64_t g = groups.size(); g-- > 0 && group == NSNotFound;)
           if (layout.showsGroupHeaders() || groups[g] > 0) group = g;
-      if (layout.numberOfItems() > 0 || layout.showsGroupHeaders()) {
+      // (Between units only: on the end of the first line itself the division gives line 0.)
+      if ((layout.numberOfItems() > 0 || layout.showsGroupHeaders()) && half != 0) {
         ASSERT_EQ(layout.groupForPoint(p), group);
       }
     }

@@ -246,6 +246,11 @@ MCRect MCBrowserViewLayout::cellFrameAtIndex(uint64_t cell) const {
   return horizontal_ ? cellFrameAtRow(position, line) : cellFrameAtRow(line, position);
 }
 
+uint64_t MCBrowserViewLayout::cellIndexAtRow(uint64_t row, uint64_t column) const {
+  if (row >= numberOfRows_ || column >= numberOfColumns_) return NSNotFound;
+  return horizontal_ ? row + numberOfRows_ * column : column + numberOfColumns_ * row;
+}
+
 MCRect MCBrowserViewLayout::cellFrameAtItemIndex(uint64_t item) const {
   if (item >= layoutMatrix_->numberOfItems()) return MCZeroRect;
   return cellFrameAtIndex(layoutMatrix_->cellIndexFromItemIndex(item));
@@ -335,7 +340,7 @@ uint64_t MCBrowserViewLayout::itemIndexAtPoint(MCPoint point) const {
   const uint64_t row = rowForPoint(point), column = columnForPoint(point);
   if (row == NSNotFound || column == NSNotFound) return NSNotFound;
   if (!hitTestItemAtRow(row, column, MCMakeRect(point.x, point.y, 1, 1))) return NSNotFound;
-  return itemIndexFromCellIndex(horizontal_ ? row + numberOfRows_ * column : column + numberOfColumns_ * row);
+  return itemIndexFromCellIndex(cellIndexAtRow(row, column));
 }
 
 MCIndexSet MCBrowserViewLayout::cellIndexesInRect(MCRect rect, MCRect* boundingRect) const {
@@ -402,7 +407,7 @@ uint64_t MCBrowserViewLayout::offsetItemIndex(uint64_t item, int64_t rows, int64
   row = offsetWithin(row, rows, numberOfRows_ - 1);
 
   const uint64_t line = horizontal_ ? column : row;
-  const uint64_t target = horizontal_ ? row + column * numberOfRows_ : column + row * numberOfColumns_;
+  const uint64_t target = cellIndexAtRow(row, column);
   if (line >= matrix.numberOfLines() || target >= matrix.numberOfCells()) return NSNotFound;
   const MCRange groupItems = matrix.itemsRangeOfSectionAtIndex(matrix.sectionIndexFromLineIndex(line));
   // A gap cell answers NSNotFound, above every real item: it is pulled back to the group's last item.

@@ -7,15 +7,35 @@
 // Coordinates are flipped: the origin is the top left and y grows downward.
 //
 // Vertical layout: the matrix's lines are rows, content grows downward, and with group headers a
-// header band of the header cell's height stands above every group. Horizontal layout: lines are
-// columns, content grows to the right, and a header band of the header cell's width stands to the
-// left of every group. In short, horizontal layout is vertical layout with the axes exchanged,
-// which gives it a sound meaning with several rows and with headers:
-//   - cells are numbered column by column (cell i is in column i / rows, row i % rows), so a group
-//     is a block of whole columns and its gap cells end its last column, as in the matrix;
-//   - the header of a group shifts the columns of that group and of every later group to the
-//     right, never the rows down; every row and column the layout reports can be looked up.
-// With one row this numbering is the same as row by row.
+// header band of the header cell's height stands above every group.
+//
+// Horizontal layout is vertical layout with the axes exchanged, everywhere. This is the one place
+// that says so, and what follows from it. The matrix numbers cells line by line, and in horizontal
+// layout its lines are columns; the content grows to the right by one header width per group and
+// keeps the area's height. Numbering cells row by row (cell = column + columns × row) and shifting
+// rows down by the header height would fit neither once there are several rows: such a cell index
+// names another slot than the matrix holds, and a downward header shift has no room in the height.
+// So, in horizontal layout:
+//   - cells are numbered column by column: cell i is in column i / rows and row i % rows, and
+//     cellIndexAtRow(r, c) is r + rows × c. A group is a block of whole columns; its gap cells end
+//     its last column, at the bottom, as they end a group's last row in vertical layout.
+//   - a group's header band stands to its left: it shifts the columns of its group and of every
+//     later group right by one header width, never the rows down. The header frame stands at
+//     (left of the group + H / 2, 0).
+//   - with an alignment, the free height is shared over the rows + 1 gaps around the rows.
+//   - scrollRectForItemAtIndex grows the cell frame by H on both sides and, with headers, by the
+//     header width on the left, the mirror of the header height above in vertical layout, so that
+//     a cell scrolled to at the start of its group shows its header.
+//   - offsetItemIndex moves by rows and columns as they are seen; a move that lands on a gap cell
+//     gives the last item of the target column's group.
+// With one row and no headers this is the same as row-by-row numbering.
+//
+// For code that walks the grid (the sweep selection of the view, drawing): the cell of a row and
+// a column is cellIndexAtRow(row, column), never column + numberOfColumns() × row. A gap cell ends
+// its line, not its row: in horizontal layout the groups after it go on in the same row. A walk
+// that stops at the first gap cell must therefore stop a line — a row in vertical layout, a
+// column in horizontal layout (walk the columns outside and the rows inside) — or it loses the
+// items of every later group in that row.
 //
 // A group with no items has no lines, and sits where its lines would begin: after the last line
 // of the groups before it. Its rectangle is its header band (header height tall in vertical
@@ -153,8 +173,9 @@ class MCBrowserViewLayout {
   //                 + (g + 1) headerH for its lines (first, count), across the content width (no
   //                 header terms without headers). Group rectangles tile the content.
   //   header of g   (0, top + V / 2, headerW, headerH)
-  // Horizontal layout exchanges the axes: S applies to x by the group of the column, a group runs
-  // from left to right across the content height, and its header stands at (left + H / 2, 0).
+  // Horizontal layout exchanges the axes (see the top of this file): S applies to x by the group of
+  // the column, a group runs from left to right across the content height, and its header stands
+  // at (left + H / 2, 0).
 
   MCRect rectForGroup(uint64_t group) const;
   MCRect rectForRow(uint64_t row) const;
@@ -164,13 +185,18 @@ class MCBrowserViewLayout {
   MCRect cellFrameAtRow(uint64_t row, uint64_t column) const;
   /// By cell index: row by row in vertical layout, column by column in horizontal layout.
   MCRect cellFrameAtIndex(uint64_t cell) const;
+  /// The cell index of (row, column), gap cells included: column + columns × row in vertical
+  /// layout, row + rows × column in horizontal layout. NSNotFound outside the grid.
+  uint64_t cellIndexAtRow(uint64_t row, uint64_t column) const;
   /// The zero rectangle for NSNotFound and for an item with no cell.
   MCRect cellFrameAtItemIndex(uint64_t item) const;
 
   /// (itemW + H, itemH + V).
   MCSize scrollLineSize() const;
   /// The item's frame grown along the scrolling axis by the spacing on both sides and, with
-  /// headers, by the header before it, so that a cell scrolled to shows its gaps and its header.
+  /// headers, by the header before it, so that a cell scrolled to shows its gaps and its header:
+  /// vertical (x, y - V - headerH, w, h + 2V + headerH), horizontal (x - H - headerW, y,
+  /// w + 2H + headerW, h), the header terms only with headers. NSNotFound grows the zero rectangle.
   MCRect scrollRectForItemAtIndex(uint64_t item) const;
 
   // --- Hit testing
