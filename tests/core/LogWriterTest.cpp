@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "../support/LogCapture.h"
+
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -37,19 +39,20 @@ std::string contents(const fs::path& file) {
 TEST(MCLogWriter, KeepsThreeNewestLogsAndMakesOneNew) {
   fs::path dir = freshDirectory("retention");
   fs::create_directories(dir);
-  // Numeric order, not plain text order, decides which are newest: 2_… sorts before 10_… by number.
-  for (const char* name : {"2019_01_01_00_00_00.log", "2020_01_01_00_00_00.log", "2021_06_01_00_00_00.log",
-                           "2021_12_01_00_00_00.log", "2022_01_01_00_00_00.log", "notes.txt", "2018.LOG"})
+  // Numeric order, not plain text order, decides which are newest: as text "2024_9_…" sorts after
+  // "2024_12_…", by number month 9 is older than months 10, 11 and 12.
+  for (const char* name : {"2024_8_1_0_0_0.log", "2024_9_1_0_0_0.log", "2024_10_1_0_0_0.log", "2024_11_1_0_0_0.log",
+                           "2024_12_1_0_0_0.log", "notes.txt", "2018.LOG"})
     std::ofstream(dir / name) << "x";
 
   auto url = MCLogWriter::preparedLogsURLAtDirectoryURL(dir);
   ASSERT_TRUE(url);
   auto names = namesIn(dir);
-  EXPECT_EQ(names.count("2019_01_01_00_00_00.log"), 0u);
-  EXPECT_EQ(names.count("2020_01_01_00_00_00.log"), 0u);
-  EXPECT_EQ(names.count("2021_06_01_00_00_00.log"), 1u);
-  EXPECT_EQ(names.count("2021_12_01_00_00_00.log"), 1u);
-  EXPECT_EQ(names.count("2022_01_01_00_00_00.log"), 1u);
+  EXPECT_EQ(names.count("2024_8_1_0_0_0.log"), 0u);
+  EXPECT_EQ(names.count("2024_9_1_0_0_0.log"), 0u);
+  EXPECT_EQ(names.count("2024_10_1_0_0_0.log"), 1u);
+  EXPECT_EQ(names.count("2024_11_1_0_0_0.log"), 1u);
+  EXPECT_EQ(names.count("2024_12_1_0_0_0.log"), 1u);
   EXPECT_EQ(names.count("notes.txt"), 1u) << "other extensions are neither counted nor deleted";
   EXPECT_EQ(names.count("2018.LOG"), 1u) << "the extension must be exactly \"log\"";
   EXPECT_TRUE(fs::exists(*url));
@@ -110,9 +113,10 @@ TEST(MCLog, SharedLogsHaveTheirCategories) {
 }
 
 TEST(MCLog, FileRoutingFollowsTheSwitchAndLogToFileIgnoresIt) {
-  // The process's writer lives under $XDG_STATE_HOME, fixed on first use: point it at a fresh folder.
-  fs::path state = freshDirectory("state");
-  setenv("XDG_STATE_HOME", state.c_str(), 1);
+  // The process's writer lives under $XDG_STATE_HOME, which the test support points at this
+  // program's own folder before main.
+  const fs::path& state = testStateHome();
+  ASSERT_EQ(MCApplicationDirectories::stateDirectory(), state);
   MCLog::setWritesToFile(false);
   MCLog::sdkGeneric()->logToFile("to file {}", 1);  // with the switch off, still to the file
   MCLog::sdkGraphics()->logError("system log only");
@@ -120,12 +124,11 @@ TEST(MCLog, FileRoutingFollowsTheSwitchAndLogToFileIgnoresIt) {
   MCLog::sdkGraphics()->logDebug("debug to file");
   MCLog::setWritesToFile(false);
   MCLogWriter* writer = MCLogWriter::fileWriter();
-  if (!writer || writer->fileURL().string().rfind(state.string(), 0) != 0)
-    GTEST_SKIP() << "the state folder was fixed before this test";
+  ASSERT_NE(writer, nullptr);
+  ASSERT_EQ(writer->fileURL().string().rfind(state.string(), 0), 0u) << writer->fileURL();
   writer->flush();
   std::string text = contents(writer->fileURL());
   EXPECT_NE(text.find("[com.quillary.vesperon, Generic] : to file 1\n"), std::string::npos) << text;
   EXPECT_NE(text.find("[com.quillary.vesperon, Graphics] : debug to file\n"), std::string::npos);
   EXPECT_EQ(text.find("system log only"), std::string::npos);
-  fs::remove_all(state);
 }

@@ -75,13 +75,12 @@ TEST_F(ImageCacheFiles, FirstStartAndQueriesOfNewSizes) {
   EXPECT_FALSE(std::filesystem::exists(root_ / "Thumbnails.300")) << "its folder waits for the first image";
   EXPECT_FALSE(cache.imageWithIdentifierMinPixelSize(7, 0));
   LogCapture log;
+  ASSERT_TRUE(log.available()) << "no log file";
   cache.removeImageWithIdentifier(7);  // logs, and carries on
   cache.clean();
-  if (log.available()) {
-    EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't remove from cache image with ID: 7\n"))
-        << log.text();
-    EXPECT_TRUE(log.contains("Couldn't clean caches container at: " + (root_ / "Thumbnails.300").string() + "\n"));
-  }
+  EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't remove from cache image with ID: 7\n"))
+      << log.text();
+  EXPECT_TRUE(log.contains("Couldn't clean caches container at: " + (root_ / "Thumbnails.300").string() + "\n"));
   EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{300}));
 }
 
@@ -90,10 +89,9 @@ TEST_F(ImageCacheFiles, RootThatCannotBeMadeGivesNoContainers) {
   std::ofstream(root_ / "file") << "a file where a folder should be";
   MCImageCache cache(root_ / "file" / "root");
   LogCapture log;
+  ASSERT_TRUE(log.available()) << "no log file";
   EXPECT_FALSE(cache.containsImageWithIdentifier(1, 128));
-  if (log.available()) {
-    EXPECT_TRUE(log.contains("Couldn't create Caches folder\n")) << log.text();
-  }
+  EXPECT_TRUE(log.contains("Couldn't create Caches folder\n")) << log.text();
   EXPECT_TRUE(cache.pixelSizes().empty());
   cache.addImage(solid(1, 0), 1, 128);
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
@@ -153,10 +151,9 @@ TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
   std::ofstream(file, std::ios::binary | std::ios::trunc) << "not a JPEG at all";
   EXPECT_TRUE(cache.containsImageWithIdentifier(1, 128));
   LogCapture log;
+  ASSERT_TRUE(log.available()) << "no log file";
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
-  if (log.available()) {
-    EXPECT_TRUE(log.contains("CGImageSource: bad status -2 at URL: " + file.string() + "\n")) << log.text();
-  }
+  EXPECT_TRUE(log.contains("CGImageSource: bad status -2 at URL: " + file.string() + "\n")) << log.text();
   // Cut short: a JPEG header with no scan.
   std::ofstream(file, std::ios::binary | std::ios::trunc) << std::string("\xFF\xD8\xFF\xE0\x00\x10JFIF", 10);
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
@@ -164,9 +161,7 @@ TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
   // A file where the container's folder should be: nothing is written, nothing is left.
   std::ofstream(root_ / "Thumbnails.64") << "blocks the folder";
   cache.addImage(solid(8, 0), 2, 64);
-  if (log.available()) {
-    EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't cache image with ID: 2\n")) << log.text();
-  }
+  EXPECT_TRUE(log.contains("[com.quillary.vesperon, Image Cache] : Couldn't cache image with ID: 2\n")) << log.text();
   EXPECT_FALSE(cache.containsImageWithIdentifier(2, 64));
   cache.addImage(nullptr, 3, 128);
   EXPECT_FALSE(cache.containsImageWithIdentifier(3, 128));
