@@ -192,27 +192,30 @@ void MCBrowserView::makeSelectionInRect(const MCRect& rect) {
     const MCPoint far = {MCMaxX(rect), MCMaxY(rect)};
     const uint64_t r1 = clampedRow(layout.rowForPoint(rect.origin)), r2 = clampedRow(layout.rowForPoint(far));
     const uint64_t c1 = clampedColumn(layout.columnForPoint(rect.origin)), c2 = clampedColumn(layout.columnForPoint(far));
-    const bool horizontal = layout.isHorizontal();
-    for (uint64_t row = 0; row < rows; ++row) {
-      for (uint64_t column = 0; column < columns; ++column) {
-        const uint64_t cell = horizontal ? column * rows + row : row * columns + column;
-        const uint64_t item = layout.itemIndexFromCellIndex(cell);
-        if (item == NSNotFound) {
-          // A gap cell: in vertical layout the row's items have ended. Cells go column by column
-          // in horizontal layout, so there a gap ends a column and the row goes on.
-          if (horizontal) continue;
-          break;
+    // Every cell is visited, line by line: a gap cell ends its line (a row in vertical layout, a
+    // column in horizontal layout), and no item of that line comes after it.
+    auto visit = [&](uint64_t row, uint64_t column) {
+      const uint64_t item = layout.itemIndexFromCellIndex(layout.cellIndexAtRow(row, column));
+      if (item == NSNotFound) return false;
+      if (alternate && selectionIndexes_.containsIndex(item)) return true;
+      if (!alternate && allowsAlternateSelection_ && alternateSelectionIndexes_.containsIndex(item)) return true;
+      const bool was = readsOld && old.containsIndex(item);
+      bool inside;
+      if (row > r1 && row < r2 && column > c1 && column < c2) inside = true;
+      else if (row == r1 || row == r2) inside = hitTestWithRect(rect, item);
+      else if (column == c1 || column == c2) inside = MCIntersectsRect(rect, layout.cellFrameAtRow(row, column));
+      else inside = false;
+      if ((inside && !toggle) || (inside && toggle && !was) || (!inside && was)) chosen.addIndex(item);
+      return true;
+    };
+    if (!layout.isHorizontal()) {
+      for (uint64_t row = 0; row < rows; ++row)
+        for (uint64_t column = 0; column < columns && visit(row, column); ++column) {
         }
-        if (alternate && selectionIndexes_.containsIndex(item)) continue;
-        if (!alternate && allowsAlternateSelection_ && alternateSelectionIndexes_.containsIndex(item)) continue;
-        const bool was = readsOld && old.containsIndex(item);
-        bool inside;
-        if (row > r1 && row < r2 && column > c1 && column < c2) inside = true;
-        else if (row == r1 || row == r2) inside = hitTestWithRect(rect, item);
-        else if (column == c1 || column == c2) inside = MCIntersectsRect(rect, layout.cellFrameAtRow(row, column));
-        else inside = false;
-        if ((inside && !toggle) || (inside && toggle && !was) || (!inside && was)) chosen.addIndex(item);
-      }
+    } else {
+      for (uint64_t column = 0; column < columns; ++column)
+        for (uint64_t row = 0; row < rows && visit(row, column); ++row) {
+        }
     }
   }
   if (alternate) setAlternateSelectionIndexes(chosen, false, false);
