@@ -16,7 +16,8 @@ namespace {
 struct ErrorManager {
   jpeg_error_mgr base;
   std::jmp_buf jump;
-  bool truncated = false;
+  bool truncated = false;  // the data ended before the image did
+  bool usable = false;     // ... after at least one row of blocks had arrived
 };
 
 [[noreturn]] void errorExit(j_common_ptr cinfo) {
@@ -26,9 +27,19 @@ struct ErrorManager {
 
 void emitMessage(j_common_ptr cinfo, int level) {
   auto* manager = reinterpret_cast<ErrorManager*>(cinfo->err);
-  // Warnings only (level -1). Running out of data is the one the caller must know of; the others
-  // (extraneous bytes, a corrupt Huffman code) leave a usable image, as other readers treat them.
-  if (level < 0 && cinfo->err->msg_code == JWRN_JPEG_EOF) manager->truncated = true;
+  // Warnings only (level -1). Running out of data (the file ends, or a marker comes where entropy
+  // data should) is the one the caller must know of; the others (extraneous bytes, a corrupt
+  // Huffman code) leave a usable image, as other readers treat them.
+  if (level >= 0 || manager->truncated) return;
+  const int code = cinfo->err->msg_code;
+  if (code != JWRN_JPEG_EOF && code != JWRN_HIT_MARKER) return;
+  manager->truncated = true;
+  if (cinfo->is_decompressor) {
+    auto* d = reinterpret_cast<j_decompress_ptr>(cinfo);
+    // A later scan of a progressive file, or a later row of the first scan: something to show.
+    manager->usable = d->global_state >= 203 /* reading entropy data: DSTATE_PRELOAD and on */ &&
+                      (d->input_scan_number > 1 || d->input_iMCU_row > 0);
+  }
 }
 
 void outputMessage(j_common_ptr) {}  // the library's messages are not ours to print
@@ -138,7 +149,9 @@ unsigned JPEGDecoder::scaleNumeratorCovering(std::size_t pixelSize) const {
   return 8;
 }
 
-bool JPEGDecoder::decode(unsigned scaleNumerator, RGBAPixels& out) {
+bool JPEGDecoder::wasTruncated() const { return state_->error.truncated; }
+
+bool JPEGDecoder::decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPixels& out) {
   State& s = *state_;
   if (s.used) return false;
   s.used = true;
@@ -150,16 +163,21 @@ bool JPEGDecoder::decode(unsigned scaleNumerator, RGBAPixels& out) {
   s.cinfo.out_color_space = cmyk ? JCS_CMYK : JCS_EXT_RGBA;
   s.cinfo.dct_method = JDCT_ISLOW;
   jpeg_calc_output_dimensions(&s.cinfo);
+  if (uint64_t(s.cinfo.output_width) * s.cinfo.output_height > maxPixelCount) {
+    refusedWidth_ = s.cinfo.output_width;
+    refusedHeight_ = s.cinfo.output_height;
+    return false;
+  }
   out.width = s.cinfo.output_width;
   out.height = s.cinfo.output_height;
   out.bytes.resize(out.width * out.height * 4);
-  jpeg_start_decompress(&s.cinfo);
+  jpeg_start_decompress(&s.cinfo);  // a progressive file's scans are all read here
   while (s.cinfo.output_scanline < s.cinfo.output_height) {
+    if (s.error.truncated && !s.error.usable) return false;
     JSAMPROW row = out.bytes.data() + std::size_t(s.cinfo.output_scanline) * out.width * 4;
     if (jpeg_read_scanlines(&s.cinfo, &row, 1) != 1) return false;
-    if (s.error.truncated) return false;
   }
-  if (s.error.truncated) return false;
+  if (s.error.truncated && !s.error.usable) return false;
   // The rest of the stream (trailing markers) is not needed.
   jpeg_abort_decompress(&s.cinfo);
 

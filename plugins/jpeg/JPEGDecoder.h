@@ -2,8 +2,18 @@
 // JPEGDecoder: one JPEG stream (a file or bytes in memory) read with libjpeg-turbo.
 //
 // libjpeg's fatal errors are caught per decoder and turn into a failed call; they never end the
-// process. A stream that ends before its image data does counts as a failure too, so a truncated
-// file gives no image rather than one filled with grey.
+// process.
+//
+// A stream that ends early (a half-downloaded or cut file) gives what was decoded before the end,
+// with the rest grey as libjpeg fills it — provided at least the first row of blocks arrived; a
+// stream that ends before any row of the image, or inside the header, gives nothing. That is what
+// the other readers of the desktop show: vipsthumbnail and ImageMagick print libjpeg's warning and
+// give the partial image, and gdk-pixbuf (eog, the file manager's thumbnails) shows the top of the
+// photo over grey. A user who sees the top half of a photo recognises it and sees that the file is
+// damaged; a missing thumbnail says neither. `wasTruncated` tells a caller that wants to know.
+//
+// The decode budget: `decode` refuses, before it allocates, an output of more pixels than the
+// limit it is given, measured after DCT scaling, and says so through `refusedPixelCount`.
 //
 // Pixels come out in sRGB: an embedded ICC profile (APP2 "ICC_PROFILE" segments) of the file's
 // model is applied through Little CMS; without one, RGB is taken as sRGB and CMYK is converted by
@@ -43,8 +53,14 @@ class JPEGDecoder {
   /// The smallest scale n/8 (n from 1 to 8) whose output still has a larger side of at least
   /// `pixelSize`; 8 when `pixelSize` is 0 or beyond the full size.
   unsigned scaleNumeratorCovering(std::size_t pixelSize) const;
-  /// Decodes the image at scale n/8 into RGBA; false on any error. Call once per decoder.
-  bool decode(unsigned scaleNumerator, RGBAPixels& out);
+  /// Decodes the image at scale n/8 into RGBA; false on any error, on data that ends before the
+  /// first row of blocks, and on an output of more than `maxPixelCount` pixels. Call once per decoder.
+  bool decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPixels& out);
+  /// After a decode refused by the budget: the output size it would have had; 0 × 0 otherwise.
+  std::size_t refusedWidth() const { return refusedWidth_; }
+  std::size_t refusedHeight() const { return refusedHeight_; }
+  /// After a decode: whether the data ended early and the image is partial.
+  bool wasTruncated() const;
 
  private:
   struct State;
@@ -53,6 +69,7 @@ class JPEGDecoder {
 
   std::unique_ptr<State> state_;
   std::size_t width_ = 0, height_ = 0;
+  std::size_t refusedWidth_ = 0, refusedHeight_ = 0;
   ColorModel colorModel_ = ColorModel::RGB;
   std::vector<uint8_t> exif_;
   std::vector<uint8_t> icc_;

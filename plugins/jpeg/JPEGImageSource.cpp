@@ -1,6 +1,9 @@
 #include "JPEGImageSource.h"
 
+#include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -12,16 +15,28 @@ MCRasterImageRef rasterImage(RGBAPixels pixels) {
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
-bool decodeFitting(JPEGDecoder& decoder, std::size_t maxPixelSize, RGBAPixels& out) {
+}  // namespace
+
+// Decodes through `decoder` within the budget; a refusal is logged once, naming the file.
+bool JPEGImageSource::decodeWithinBudget(JPEGDecoder& decoder, unsigned scaleNumerator, const char* what,
+                                         RGBAPixels& out) const {
+  if (decoder.decode(scaleNumerator, options_.decodePixelLimit(), out)) return true;
+  if (decoder.refusedWidth() != 0)
+    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode {} of {}: {} x {} pixels is beyond the limit of {}",
+                                               what, url_.string(), decoder.refusedWidth(), decoder.refusedHeight(),
+                                               options_.decodePixelLimit()));
+  return false;
+}
+
+bool JPEGImageSource::decodeFitting(JPEGDecoder& decoder, std::size_t maxPixelSize, const char* what,
+                                    RGBAPixels& out) const {
   RGBAPixels decoded;
-  if (!decoder.decode(decoder.scaleNumeratorCovering(maxPixelSize), decoded)) return false;
+  if (!decodeWithinBudget(decoder, decoder.scaleNumeratorCovering(maxPixelSize), what, decoded)) return false;
   std::size_t w = 0, h = 0;
   fitWithin(decoded.width, decoded.height, maxPixelSize, w, h);
   out = (w == decoded.width && h == decoded.height) ? std::move(decoded) : resampleRGBA(decoded, w, h);
   return true;
 }
-
-}  // namespace
 
 std::shared_ptr<JPEGImageSource> JPEGImageSource::create(const std::filesystem::path& url,
                                                          const MCImageSourceOptions& options) {
@@ -58,7 +73,7 @@ MCRasterImageRef JPEGImageSource::newImage() {
     default: break;
   }
   RGBAPixels pixels;
-  if (!decoder->decode(scale, pixels)) return nullptr;
+  if (!decodeWithinBudget(*decoder, scale, "the image", pixels)) return nullptr;
   return rasterImage(std::move(pixels));
 }
 
@@ -69,12 +84,12 @@ bool JPEGImageSource::embeddedThumbnail(std::size_t minPixelSize, std::size_t ma
   if (!decoder) return false;
   // An embedded thumbnail smaller than the least acceptable size counts as absent.
   if (std::max(decoder->width(), decoder->height()) < minPixelSize) return false;
-  return decodeFitting(*decoder, maxPixelSize, out);
+  return decodeFitting(*decoder, maxPixelSize, "the embedded thumbnail", out);
 }
 
 bool JPEGImageSource::imageThumbnail(std::size_t maxPixelSize, RGBAPixels& out) {
   auto decoder = imageDecoder();
-  return decoder && decodeFitting(*decoder, maxPixelSize, out);
+  return decoder && decodeFitting(*decoder, maxPixelSize, "the image", out);
 }
 
 // The platform's rules: with `createThumbnailFromImageAlways` the thumbnail comes from the full

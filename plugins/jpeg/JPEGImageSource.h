@@ -11,6 +11,17 @@
 //
 // Grayscale and CMYK files come out as RGBA like any other, and every image is in sRGB: an
 // embedded ICC profile is applied when the pixels are decoded.
+//
+// Every decode keeps to the options' decode budget (MCImageSourceOptions::decodePixelLimit,
+// 128 million pixels by default), measured on what is decoded after DCT scaling, so a thumbnail of
+// a 100-megapixel photo decodes at 1/8 well inside it while its full image needs the budget
+// raised. Beyond it the source gives none and logs once, before anything is allocated.
+//
+// Truncated files: a file that ends after the first row of blocks of its image gives the partial
+// image, the missing rows grey, for the image and for thumbnails alike — what vipsthumbnail,
+// ImageMagick and gdk-pixbuf (eog, the file manager) show for a half-downloaded photo, and what
+// lets a user recognise it. A file cut inside its header or before any row gives none (see
+// JPEGDecoder).
 
 #include "EmbeddedExif.h"
 #include "JPEGDecoder.h"
@@ -35,6 +46,11 @@ class JPEGImageSource : public MCImageSource {
   bool embeddedThumbnail(std::size_t minPixelSize, std::size_t maxPixelSize, RGBAPixels& out) const;
   /// The full image, decoded at the smallest DCT scale that covers `maxPixelSize` and resampled to it.
   bool imageThumbnail(std::size_t maxPixelSize, RGBAPixels& out);
+  /// Decodes at scale n/8 within the options' decode budget, logging a refusal (sdkGraphics:
+  /// "Refused to decode <what> of <file>: <w> x <h> pixels is beyond the limit of <n>").
+  bool decodeWithinBudget(JPEGDecoder& decoder, unsigned scaleNumerator, const char* what, RGBAPixels& out) const;
+  /// Decodes at the smallest DCT scale that covers `maxPixelSize`, then resamples to it.
+  bool decodeFitting(JPEGDecoder& decoder, std::size_t maxPixelSize, const char* what, RGBAPixels& out) const;
   /// The decoder that read the header, the first time; a fresh one after that.
   std::unique_ptr<JPEGDecoder> imageDecoder();
 

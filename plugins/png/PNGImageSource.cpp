@@ -2,7 +2,10 @@
 
 #include "ProfileConversion.h"
 
+#include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <fmt/format.h>
 
 #include <png.h>
 
@@ -82,11 +85,22 @@ PNGImageSource::PNGImageSource(std::filesystem::path url, MCImageSourceOptions o
   if (!header_.exif.empty()) exif_ = EmbeddedExif::create(header_.exif.data(), header_.exif.size());
 }
 
+// PNG has no reduced decode: what is decoded is the whole image, so the budget is its size. Kept
+// out of line, away from decode's jump point.
+[[gnu::noinline]] bool PNGImageSource::withinBudget(const Header& header) const {
+  const uint64_t limit = options_.decodePixelLimit();
+  if (uint64_t(header.width) * header.height <= limit) return true;
+  MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the image of {}: {} x {} pixels is beyond the limit of {}",
+                                             url_.string(), header.width, header.height, limit));
+  return false;
+}
+
 bool PNGImageSource::decode(RGBAPixels& out) const {
   Reader reader(url_);
   if (!reader.ready()) return false;
   Header header;
   if (!readInfo(reader, header)) return false;
+  if (!withinBudget(header)) return false;
   // The buffer is sized before the jump point, so nothing is allocated between it and a longjmp.
   out.width = header.width;
   out.height = header.height;

@@ -9,7 +9,10 @@
 //   metadataWithOptions      pixel size, depth, alpha, colour model, orientation, and the TIFF,
 //                            Exif and GPS sub-dictionaries when the file has an eXIf chunk
 //
-// libpng's errors are caught per call; a damaged file gives none.
+// libpng's errors are caught per call; a damaged file gives none. Every decode is of the whole
+// image (PNG has no reduced decode, so a thumbnail is resampled from it) and keeps to the options'
+// decode budget (MCImageSourceOptions::decodePixelLimit, 128 million pixels by default): a larger
+// image gives none and one log line in sdkGraphics, before anything is allocated.
 
 #include "EmbeddedExif.h"
 #include "PixelResampler.h"
@@ -39,6 +42,8 @@ class PNGImageSource : public MCImageSource {
  private:
   PNGImageSource(std::filesystem::path url, MCImageSourceOptions options, Header header);
   bool decode(RGBAPixels& out) const;
+  /// Whether the image fits the decode budget; logs the refusal when it does not.
+  bool withinBudget(const Header& header) const;
 
   std::filesystem::path url_;
   MCImageSourceOptions options_;

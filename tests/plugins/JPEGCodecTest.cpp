@@ -1,5 +1,10 @@
 #include "PlugInTestSupport.h"
 
+#include "../support/ClaimedSizeFiles.h"
+#include "../support/LogCapture.h"
+
+#include <vesperon/codecs/MCImageReader.h>
+
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <nlohmann/json.hpp>
@@ -164,12 +169,6 @@ TEST(JPEGCodec, BadFilesGiveNothing) {
   EXPECT_FALSE(openSource("public.jpeg", fixture("no-such-file.jpg")));
   EXPECT_FALSE(openSource("public.jpeg", fixture(".")));
 
-  // The header survives the cut, the pixels do not.
-  auto truncated = openSource("public.jpeg", fixture("truncated.jpg"));
-  ASSERT_TRUE(truncated);
-  EXPECT_FALSE(truncated->newImage());
-  EXPECT_FALSE(truncated->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 64)));
-
   // Markers that make no sense after a valid start: libjpeg's fatal error must come back as none.
   fs::path dir = scratchDirectory("jpeg-bad");
   const unsigned char garbage[] = {0xFF, 0xD8, 0xFF, 0xC0, 0x00, 0x03, 0x07, 0xFF, 0xDA, 0x00, 0x02, 0x01, 0x02};
@@ -242,5 +241,92 @@ TEST(JPEGCodec, DestinationWritesExifAndTheColourProfile) {
   EXPECT_DOUBLE_EQ(tags.value("FNumber", 0.0), 2.8);
   EXPECT_EQ(tags.value("ExifImageWidth", 0), 16);  // the image written, not the one described
   EXPECT_NEAR(tags.value("GPSLatitude", 0.0), 48.8584, 1e-4);
+  fs::remove_all(dir);
+}
+
+// A cut file shows what arrived, the rest grey, as other readers show a half-downloaded photo; a
+// file cut before the first row of blocks (or in its header) gives nothing.
+TEST(JPEGCodec, TruncatedFileGivesThePartialImageUnlessNoRowArrived) {
+  fs::path dir = scratchDirectory("jpeg-truncated");
+  const std::vector<uint8_t> whole = claimed_size::readBytes(fixture("quadrants.jpg"));
+  const std::size_t data = claimed_size::firstScanDataOffset(whole);
+  ASSERT_GT(data, 0u);
+  const auto cut = [&](const char* name, std::size_t size) {
+    claimed_size::writeBytes(dir / name, std::vector<uint8_t>(whole.begin(), whole.begin() + std::ptrdiff_t(size)));
+    return openSource("public.jpeg", dir / name);
+  };
+
+  // Seven tenths of the entropy data: the top rows are there, the last row of blocks is not.
+  auto partial = cut("partial.jpg", data + (whole.size() - data) * 7 / 10);
+  ASSERT_TRUE(partial);
+  auto image = partial->newImage();
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->width(), 64u);
+  EXPECT_EQ(image->height(), 48u);
+  EXPECT_TRUE(colourNear(image, 0.25, 0.1, kRed));
+  EXPECT_TRUE(colourNear(image, 0.75, 0.1, kGreen));
+  EXPECT_TRUE(colourNear(image, 0.9, 0.95, {128, 128, 128}, 20)) << "the missing rows are grey, not white";
+  auto thumbnail = cut("partial-thumb.jpg", data + (whole.size() - data) * 7 / 10)
+                       ->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 32));
+  ASSERT_TRUE(thumbnail);
+  EXPECT_EQ(thumbnail->width(), 32u);
+  EXPECT_TRUE(colourNear(thumbnail, 0.25, 0.1, kRed));
+
+  // A few bytes of data: not one row of blocks arrived.
+  auto early = cut("early.jpg", data + 3);
+  ASSERT_TRUE(early) << "the header is whole";
+  EXPECT_FALSE(early->newImage());
+  EXPECT_FALSE(cut("early-thumb.jpg", data + 3)->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 32)));
+  // Cut inside the header: no source at all.
+  EXPECT_FALSE(cut("header.jpg", data - 4));
+
+  // The checked-in gradient, cut after three fifths of its bytes, comes out whole-sized.
+  auto gradient = openSource("public.jpeg", fixture("truncated.jpg"))->newImage();
+  ASSERT_TRUE(gradient);
+  EXPECT_EQ(gradient->width(), 256u);
+  EXPECT_EQ(gradient->height(), 192u);
+  fs::remove_all(dir);
+}
+
+// The decode budget of the reading options, measured on what is decoded after DCT scaling, refused
+// with one log line before anything is allocated; the default is 128 million pixels.
+TEST(JPEGCodec, DecodeBudgetCountsTheScaledSizeAndRefusesWithALogLine) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  EXPECT_EQ(MCImageSourceOptions::create("public.jpeg")->decodePixelLimit(), 128000000u);
+  const fs::path quadrants = fixture("quadrants.jpg");
+
+  MCImageReadingOptions small;
+  small.maxDecodePixelCount = 100;  // 64 × 48 = 3072 is beyond it, 8 × 6 at 1/8 is not
+  EXPECT_FALSE(MCImageReader::newImageWithURL(quadrants, "public.jpeg", small, nullptr));
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + quadrants.string() +
+                           ": 64 x 48 pixels is beyond the limit of 100"))
+      << log.text();
+  small.scaleFactor = 0.125;
+  auto scaled = MCImageReader::newImageWithURL(quadrants, "public.jpeg", small, nullptr);
+  ASSERT_TRUE(scaled);
+  EXPECT_EQ(scaled->width(), 8u);
+
+  auto thumbnailOptionsWithin = [](uint64_t max, uint64_t budget) {
+    auto o = thumbnailOptions(true, false, true, 0, max);
+    o.maxDecodePixelCount = budget;
+    return o;
+  };
+  EXPECT_TRUE(MCImageReader::newThumbnailWithURL(quadrants, "public.jpeg", thumbnailOptionsWithin(8, 100), nullptr));
+  EXPECT_FALSE(MCImageReader::newThumbnailWithURL(quadrants, "public.jpeg", thumbnailOptionsWithin(64, 100), nullptr));
+  EXPECT_TRUE(MCImageReader::newThumbnailWithURL(quadrants, "public.jpeg", thumbnailOptionsWithin(64, 3072), nullptr))
+      << "the limit itself is within the budget";
+
+  // A frame header claiming 65500 × 65500 over the scan data of a 64 × 48 image: the full decode
+  // is refused by the default budget; the thumbnail decodes at 1/8 (8188 × 8188, within it), and
+  // its data ends before the first row of blocks, so it gives nothing.
+  fs::path dir = scratchDirectory("jpeg-budget");
+  ASSERT_TRUE(claimed_size::writeJPEGClaiming(quadrants, dir / "huge.jpg", 65500, 65500));
+  EXPECT_FALSE(MCImageReader::newImageWithURL(dir / "huge.jpg", "public.jpeg", MCImageReadingOptions(), nullptr));
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + (dir / "huge.jpg").string() +
+                           ": 65500 x 65500 pixels is beyond the limit of 128000000"))
+      << log.text();
+  EXPECT_FALSE(MCImageReader::newThumbnailWithURL(dir / "huge.jpg", "public.jpeg", thumbnailOptions(false, true, true, 0, 256),
+                                                  nullptr));
   fs::remove_all(dir);
 }

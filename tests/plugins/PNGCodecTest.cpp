@@ -1,5 +1,10 @@
 #include "PlugInTestSupport.h"
 
+#include "../support/ClaimedSizeFiles.h"
+#include "../support/LogCapture.h"
+
+#include <vesperon/codecs/MCImageReader.h>
+
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <fstream>
@@ -82,5 +87,34 @@ TEST(PNGCodec, AppliesTheEmbeddedColourProfile) {
   auto source = openSource("public.png", png);
   ASSERT_TRUE(source);
   EXPECT_TRUE(colourNear(source->newImage(), 0.5, 0.5, {0, 188, 0}, 6));
+  std::filesystem::remove_all(dir);
+}
+
+// A header that claims 100000 × 100000 pixels in a 58 KB file: the decode is refused with one log
+// line before its 40 GB are asked for; the header's facts are still read. The budget is the
+// application's to raise, and a small one refuses a small image too.
+TEST(PNGCodec, DecodeBudgetRefusesHugeImagesBeforeAllocating) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  std::filesystem::path dir = scratchDirectory("png-budget");
+  claimed_size::writePNG(dir / "huge.png", 100000, 100000);
+  EXPECT_LT(std::filesystem::file_size(dir / "huge.png"), 60000u);
+  auto huge = openSource("public.png", dir / "huge.png");
+  ASSERT_TRUE(huge);
+  EXPECT_FALSE(huge->newImage());
+  EXPECT_FALSE(huge->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 256)));
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + (dir / "huge.png").string() +
+                           ": 100000 x 100000 pixels is beyond the limit of 128000000"))
+      << log.text();
+  auto metadata = huge->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(metadata);
+  EXPECT_EQ(*MCDictionaryGet(*metadata, kCGImagePropertyPixelWidth), MCValue(100000));
+
+  const auto quadrants = fixture("quadrants.png");  // 64 × 48
+  MCImageReadingOptions options;
+  options.maxDecodePixelCount = 3071;
+  EXPECT_FALSE(MCImageReader::newImageWithURL(quadrants, "public.png", options, nullptr));
+  options.maxDecodePixelCount = 3072;
+  EXPECT_TRUE(MCImageReader::newImageWithURL(quadrants, "public.png", options, nullptr));
   std::filesystem::remove_all(dir);
 }

@@ -76,7 +76,7 @@ class MCImageCodec {
 };
 
 /// Bumped whenever MCImageCodec, MCImageSource, MCImageDestination or the records they take change.
-inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 1;
+inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 2;
 
 extern "C" {
 struct MCImageCodecPlugInInfo {

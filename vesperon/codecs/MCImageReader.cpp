@@ -1,9 +1,36 @@
 #include <vesperon/codecs/MCImageReader.h>
 
 #include <vesperon/codecs/MCImageCodecManager.h>
+#include <vesperon/core/MCLog.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
+#include <exception>
+
 namespace {
+
+// Runs one call into a plug-in. A plug-in that throws (a fault of its own, or an allocation that
+// failed inside it) is treated as one that gave nothing, so the next extension is tried; the
+// fault is logged once, here, in sdkGraphics.
+template <typename Call>
+auto guarded(const MCImageCodec& extension, const std::filesystem::path& url, Call call) -> decltype(call()) {
+  const char* reason = "unknown exception";
+  std::string what;
+  try {
+    return call();
+  } catch (const std::bad_alloc&) {
+    reason = "out of memory";
+  } catch (const std::exception& e) {
+    what = e.what();
+    reason = what.c_str();
+  } catch (...) {
+  }
+  try {
+    MCLog::sdkGraphics()->logError("Codec " + extension.extensionIdentifier() + " raised reading " + url.string() +
+                                   ": " + reason);
+  } catch (...) {
+  }
+  return {};
+}
 
 std::optional<std::string> typeOf(const std::filesystem::path& url, const std::optional<std::string>& fileType) {
   if (fileType && !fileType->empty()) return fileType;
@@ -36,10 +63,10 @@ MCRasterImageRef firstImage(const std::filesystem::path& url, const std::string&
   auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(type);
   if (!extensions) return nullptr;
   for (const auto& extension : *extensions) {
-    auto source = extension->imageSourceWithURL(url, sourceOptions);
+    auto source = guarded(*extension, url, [&] { return extension->imageSourceWithURL(url, sourceOptions); });
     if (!source) continue;
-    if (auto image = read(*source)) {
-      if (metadata) *metadata = source->metadataWithOptions(metadataOptions);
+    if (auto image = guarded(*extension, url, [&] { return read(*source); })) {
+      if (metadata) *metadata = guarded(*extension, url, [&] { return source->metadataWithOptions(metadataOptions); });
       return image;
     }
   }
@@ -86,6 +113,7 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
   sourceOptions->maxThumbnailPixelSize = 0;
   sourceOptions->shouldAutoRotate = false;
   sourceOptions->subsampleFactor = subsampleFactorForScaleFactor(options->scaleFactor);
+  sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
   return firstImage(url, *type, *sourceOptions, [](MCImageSource& source) { return source.newImage(); },
                     options->metadataOptions, metadata);
@@ -103,6 +131,7 @@ MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path&
   sourceOptions->minThumbnailPixelSize = options->thumbnailMinPixelSize;
   sourceOptions->maxThumbnailPixelSize = options->thumbnailMaxPixelSize;
   sourceOptions->shouldAutoRotate = true;
+  sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   // A thumbnail read takes no raw settings from the client.
   sourceOptions->setRawOptions(baseRawOptions());
   return firstImage(url, *type, *sourceOptions,
@@ -120,9 +149,9 @@ std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::fil
   if (!sourceOptions || !extensions) return std::nullopt;
   std::optional<MCDictionary> result;
   for (const auto& extension : *extensions) {
-    auto source = extension->imageSourceWithURL(url, *sourceOptions);
+    auto source = guarded(*extension, url, [&] { return extension->imageSourceWithURL(url, *sourceOptions); });
     if (!source) continue;
-    result = source->metadataWithOptions(options);
+    result = guarded(*extension, url, [&] { return source->metadataWithOptions(options); });
     if (result && !result->empty()) break;
   }
   return result;

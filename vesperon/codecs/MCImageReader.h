@@ -5,7 +5,11 @@
 // extension when no type is given), builds the MCImageSourceOptions for it, and tries the source
 // extensions that MCImageCodecManager lists for that type, in order, until one gives a result. An
 // extension that cannot open the file, or opens it and gives nothing, is passed over. Failures are
-// answered with none; nothing is logged. Every operation may run on any thread.
+// answered with none, and the reader itself logs nothing — with one exception: an extension that
+// throws is passed over like one that gave nothing, and that fault of the plug-in is logged once
+// in sdkGraphics ("Codec <identifier> raised reading <file>: <reason>"). The decode budget of the
+// reading options (`maxDecodePixelCount`) reaches the plug-ins in MCImageSourceOptions; they refuse,
+// and log, what would exceed it. Every operation may run on any thread.
 
 #include <vesperon/codecs/MCImageReadingOptions.h>
 #include <vesperon/codecs/MCImageSourceOptions.h>

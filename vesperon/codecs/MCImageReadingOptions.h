@@ -20,6 +20,9 @@ struct MCImageReadingOptions {
   bool rawAutoBrightness = false;
   double rawAutoBrightnessThresholdInPercent = 0.0;
   double scaleFactor = 1.0;  ///< wanted scale of the decoded image
+  /// The decode budget in pixels of what is decoded; 0: MCDefaultMaxDecodePixelCount (128 million).
+  /// An application that opens larger images raises it; sources refuse, with a log line, beyond it.
+  uint64_t maxDecodePixelCount = 0;
 
   friend bool operator==(const MCImageReadingOptions&, const MCImageReadingOptions&) = default;
 };

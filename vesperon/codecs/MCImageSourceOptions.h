@@ -11,6 +11,15 @@
 #include <optional>
 #include <string>
 
+/// The decode budget when none is set: 128 million pixels (512 MB as 8-bit RGBA), measured on the
+/// size a source will actually decode — after DCT scaling for JPEG. ImageMagick's shipped policy
+/// keeps images of up to 128 megapixels in memory (`area`); our sources decode into memory whole, as
+/// its pixel cache does, and have no disk to spill to, so beyond that they refuse. (libvips sets no
+/// area limit because it streams in strips; its fixed bound is on coordinates.) A 100-megapixel
+/// camera's photo decodes in full; a file that claims 100000 × 100000 pixels is refused before a
+/// byte is allocated.
+inline constexpr uint64_t MCDefaultMaxDecodePixelCount = 128'000'000;
+
 class MCImageSourceOptions {
  public:
   /// None when the file type is empty.
@@ -24,6 +33,7 @@ class MCImageSourceOptions {
         maxThumbnailPixelSize(other.maxThumbnailPixelSize),
         shouldAutoRotate(other.shouldAutoRotate),
         subsampleFactor(other.subsampleFactor),
+        maxDecodePixelCount(other.maxDecodePixelCount),
         fileType_(other.fileType_),
         rawOptions_(other.rawOptions()) {}
   MCImageSourceOptions& operator=(const MCImageSourceOptions& other) {
@@ -47,6 +57,13 @@ class MCImageSourceOptions {
   uint64_t maxThumbnailPixelSize = 0;
   bool shouldAutoRotate = false;
   uint64_t subsampleFactor = 0;  ///< 1, 2, 4 or 8 when set by the reader
+  /// The most pixels (width × height of what is decoded) a source may decode; 0: the default.
+  uint64_t maxDecodePixelCount = 0;
+
+  /// The budget in force: `maxDecodePixelCount`, or MCDefaultMaxDecodePixelCount when it is 0.
+  uint64_t decodePixelLimit() const {
+    return maxDecodePixelCount != 0 ? maxDecodePixelCount : MCDefaultMaxDecodePixelCount;
+  }
 
  private:
   explicit MCImageSourceOptions(std::string fileType) : fileType_(std::move(fileType)) {}

@@ -18,6 +18,9 @@ struct MCThumbnailReadingOptions {
   uint64_t thumbnailMinPixelSize = 0;  ///< smallest acceptable larger side
   uint64_t thumbnailMaxPixelSize = 0;  ///< largest wanted side
   uint64_t orientation = 0;            ///< Exif orientation to apply; 0: the file's own
+  /// The decode budget in pixels of what is decoded to make the thumbnail; 0: the default
+  /// (MCDefaultMaxDecodePixelCount, 128 million).
+  uint64_t maxDecodePixelCount = 0;
 
   friend bool operator==(const MCThumbnailReadingOptions&, const MCThumbnailReadingOptions&) = default;
 };

@@ -2,7 +2,7 @@
 // MCThumbnailLoadOptions: load options that run an MCThumbnailLoadStrategy.
 //
 // One options object may be shared by many requests (MCThumbnailCache shares its own) and read by
-// strategies on worker threads while the main thread changes it, so its two settings are atomic:
+// strategies on worker threads while the main thread changes it, so its settings are atomic:
 // a request that has not started yet loads with the values of the moment it runs.
 
 #include <vesperon/pipeline/MCThumbnailLoadStrategy.h>
@@ -23,9 +23,14 @@ class MCThumbnailLoadOptions : public MCResourceLoadOptions {
   /// The wanted larger side; 0 leaves it to the descriptor's estimate. Default 0.
   uint64_t thumbnailMaxPixelSize() const { return thumbnailMaxPixelSize_.load(); }
   void setThumbnailMaxPixelSize(uint64_t value) { thumbnailMaxPixelSize_.store(value); }
+  /// The decode budget of every read the strategy makes (MCThumbnailReadingOptions'
+  /// `maxDecodePixelCount`); 0, the default, leaves the sources' default of 128 million pixels.
+  uint64_t maxDecodePixelCount() const { return maxDecodePixelCount_.load(); }
+  void setMaxDecodePixelCount(uint64_t value) { maxDecodePixelCount_.store(value); }
 
  private:
   std::shared_ptr<MCThumbnailLoadStrategy> strategy_;
   std::atomic<bool> createThumbnailFromImageAlways_{false};
   std::atomic<uint64_t> thumbnailMaxPixelSize_{0};
+  std::atomic<uint64_t> maxDecodePixelCount_{0};
 };

@@ -42,6 +42,7 @@ std::shared_ptr<MCResource> MCThumbnailLoadStrategy::loadResourceForDescriptor(
 
 MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const MCImageDescriptor& descriptor,
                                                                          const MCThumbnailLoadOptions& options) const {
+  const uint64_t budget = options.maxDecodePixelCount();
   uint64_t wanted = descriptor.estimatedPixelSize;
   if (const uint64_t max = options.thumbnailMaxPixelSize(); max != 0)
     wanted = descriptor.estimatedPixelSize != 0 ? std::min(max, descriptor.estimatedPixelSize) : max;
@@ -56,13 +57,13 @@ MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const M
   if (!sufficient.empty()) {
     std::stable_sort(sufficient.begin(), sufficient.end(),
                      [](const auto& a, const auto& b) { return a.estimatedPixelSize < b.estimatedPixelSize; });
-    best = newThumbnailForThumbnailDescriptors(sufficient, wanted);
+    best = newThumbnailForThumbnailDescriptors(sufficient, wanted, budget);
     if (!hasArea(best)) best = nullptr;
     if (reaches(best, wanted)) return best;
   }
 
   // Stage two: the image file itself.
-  if (auto fromFile = newThumbnailForImageDescriptor(descriptor, wanted, options.createThumbnailFromImageAlways())) {
+  if (auto fromFile = newThumbnailForImageDescriptor(descriptor, wanted, options.createThumbnailFromImageAlways(), budget)) {
     if (beats(fromFile, best)) best = std::move(fromFile);
     if (reaches(best, wanted)) return best;
   }
@@ -72,7 +73,7 @@ MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const M
     std::vector<MCThumbnailDescriptor> all = candidates;
     std::stable_sort(all.begin(), all.end(),
                      [](const auto& a, const auto& b) { return a.estimatedPixelSize > b.estimatedPixelSize; });
-    auto any = newThumbnailForThumbnailDescriptors(all, wanted);
+    auto any = newThumbnailForThumbnailDescriptors(all, wanted, budget);
     if (beats(any, best)) best = std::move(any);
   }
   return best;
@@ -80,8 +81,10 @@ MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const M
 
 MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const MCImageDescriptor& descriptor,
                                                                          uint64_t maxPixelSize,
-                                                                         bool createFromImageAlways) const {
+                                                                         bool createFromImageAlways,
+                                                                         uint64_t maxDecodePixelCount) const {
   MCThumbnailReadingOptions options;
+  options.maxDecodePixelCount = maxDecodePixelCount;
   options.createThumbnailFromImageAlways = createFromImageAlways;
   options.createThumbnailFromImageIfAbsent = true;
   options.createThumbnailWithTransform = true;
@@ -91,10 +94,11 @@ MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const M
 }
 
 MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForThumbnailDescriptors(
-    const std::vector<MCThumbnailDescriptor>& descriptors, uint64_t maxPixelSize) const {
+    const std::vector<MCThumbnailDescriptor>& descriptors, uint64_t maxPixelSize, uint64_t maxDecodePixelCount) const {
   MCRasterImageRef best;
   for (const auto& descriptor : descriptors) {
     MCThumbnailReadingOptions options;
+    options.maxDecodePixelCount = maxDecodePixelCount;
     options.createThumbnailFromImageAlways = true;
     options.createThumbnailFromImageIfAbsent = false;
     options.createThumbnailWithTransform = true;

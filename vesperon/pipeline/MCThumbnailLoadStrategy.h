@@ -32,10 +32,11 @@ class MCThumbnailLoadStrategy : public MCResourceLoadStrategy {
                                                   const MCThumbnailLoadOptions& options) const;
   /// The image file itself, with `createThumbnailFromImageIfAbsent` and a minimum of the smaller of
   /// the estimate and `maxPixelSize`.
+  /// `maxDecodePixelCount` is the reads' decode budget (0: the default).
   MCRasterImageRef newThumbnailForImageDescriptor(const MCImageDescriptor& descriptor, uint64_t maxPixelSize,
-                                                  bool createFromImageAlways) const;
+                                                  bool createFromImageAlways, uint64_t maxDecodePixelCount = 0) const;
   /// The candidates in the order given, each read from its full image with its own orientation,
   /// until the best so far reaches `maxPixelSize`.
   MCRasterImageRef newThumbnailForThumbnailDescriptors(const std::vector<MCThumbnailDescriptor>& descriptors,
-                                                       uint64_t maxPixelSize) const;
+                                                       uint64_t maxPixelSize, uint64_t maxDecodePixelCount = 0) const;
 };
