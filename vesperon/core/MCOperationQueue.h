@@ -37,6 +37,8 @@ class MCOperationQueue : public std::enable_shared_from_this<MCOperationQueue> {
   std::shared_ptr<MCOperation> operationWithIdentifier(const MCAnyHashable& identifier) const;
   /// Blocks until every queued operation has run or been discarded. For tests and tools.
   void waitUntilAllOperationsAreFinished();
+  /// The platform queue underneath: its threads, and how long idle ones live.
+  MCPlatformOperationQueue& operationQueue() { return operationQueue_; }
 
  private:
   MCOperationQueue() = default;

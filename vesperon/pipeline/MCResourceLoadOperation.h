@@ -2,6 +2,12 @@
 // MCResourceLoadOperation: one request of MCResourceLoader. `main` runs the options' strategy on a
 // worker thread and posts the completion, with the result or none, to the main queue. Once `main`
 // has begun the load finishes and the completion is called, cancelled or not.
+//
+// Every started request answers exactly once. A strategy that throws — its own fault, a plug-in's
+// that got past the reader, a failed allocation — counts as a load that gave nothing: the error
+// is logged once in sdkGraphics ("Couldn't load <file>: <reason>") and the completion gets none.
+// The answer is made ready before the strategy runs, so posting it needs no allocation that could
+// fail after a load; the operation queue's own catch-all stays a last guard only.
 
 #include <vesperon/core/MCOperation.h>
 #include <vesperon/pipeline/MCResource.h>

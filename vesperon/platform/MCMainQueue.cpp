@@ -1,9 +1,13 @@
 #include <vesperon/platform/MCMainQueue.h>
 
+#include <vesperon/core/MCLog.h>
+
 #include <glib.h>
 
 #include <atomic>
 #include <condition_variable>
+#include <deque>
+#include <exception>
 #include <mutex>
 #include <thread>
 
@@ -17,13 +21,46 @@ std::atomic<std::thread::id>& mainThreadId() {
 // Records the loading thread as the main thread when the library is loaded.
 [[maybe_unused]] const bool recordedAtLoad = (mainThreadId().load(), true);
 
-gboolean runPosted(gpointer data) {
-  auto* work = static_cast<std::function<void()>*>(data);
-  (*work)();
-  return G_SOURCE_REMOVE;
+// The posted work. `scheduled` is true while an idle source is attached to run it; it is changed
+// only under `mutex`, together with `work`, so a post either finds the source scheduled and its
+// work still to be seen, or schedules a new one.
+struct Posted {
+  std::mutex mutex;
+  std::deque<std::function<void()>> work;
+  bool scheduled = false;
+};
+
+Posted& posted() {
+  static Posted* queue = new Posted();  // never destroyed: workers may post while the process exits
+  return *queue;
 }
 
-void deletePosted(gpointer data) { delete static_cast<std::function<void()>*>(data); }
+void runLogged(std::function<void()>& work) {
+  try {
+    work();
+  } catch (const std::exception& e) {
+    MCLog::sdkGeneric()->logError(std::string("main queue work raised: ") + e.what());
+  } catch (...) {
+    MCLog::sdkGeneric()->logError("main queue work raised an unknown exception");
+  }
+}
+
+gboolean runPosted(gpointer) {
+  Posted& queue = posted();
+  std::deque<std::function<void()>> batch;
+  {
+    std::lock_guard lock(queue.mutex);
+    batch.swap(queue.work);
+  }
+  for (auto& work : batch) {
+    runLogged(work);
+    work = nullptr;  // what the work holds is released here, on the main thread
+  }
+  std::lock_guard lock(queue.mutex);
+  if (!queue.work.empty()) return G_SOURCE_CONTINUE;  // posted while the batch ran: next iteration
+  queue.scheduled = false;
+  return G_SOURCE_REMOVE;
+}
 
 gboolean wakeOnly(gpointer flag) {
   *static_cast<bool*>(flag) = true;
@@ -37,9 +74,14 @@ gboolean tick(gpointer) { return G_SOURCE_CONTINUE; }
 }  // namespace
 
 void MCMainQueue::async(std::function<void()> work) {
+  Posted& queue = posted();
+  std::lock_guard lock(queue.mutex);
+  queue.work.push_back(std::move(work));
+  if (queue.scheduled) return;
+  queue.scheduled = true;
   GSource* source = g_idle_source_new();
   g_source_set_priority(source, G_PRIORITY_DEFAULT);
-  g_source_set_callback(source, runPosted, new std::function<void()>(std::move(work)), deletePosted);
+  g_source_set_callback(source, runPosted, nullptr, nullptr);
   g_source_attach(source, g_main_context_default());  // wakes the context from any thread
   g_source_unref(source);
 }
@@ -52,14 +94,20 @@ void MCMainQueue::sync(const std::function<void()>& work) {
   std::mutex m;
   std::condition_variable cv;
   bool done = false;
+  std::exception_ptr raised;
   async([&] {
-    work();
+    try {
+      work();
+    } catch (...) {
+      raised = std::current_exception();
+    }
     std::lock_guard lock(m);
     done = true;
     cv.notify_one();
   });
   std::unique_lock lock(m);
   cv.wait(lock, [&] { return done; });
+  if (raised) std::rethrow_exception(raised);
 }
 
 bool MCMainQueue::isMainThread() { return std::this_thread::get_id() == mainThreadId().load(); }

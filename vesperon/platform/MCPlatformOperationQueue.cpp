@@ -43,16 +43,18 @@ struct MCPlatformOperationQueue::State : std::enable_shared_from_this<MCPlatform
   int64_t width = defaultWidth();
   std::size_t threads = 0;
   std::size_t idle = 0;
+  std::chrono::milliseconds idleTimeout{1000};
   bool closing = false;
 
   static void worker(std::shared_ptr<State> self) {
     std::unique_lock lock(self->mutex);
     for (;;) {
       ++self->idle;
-      self->changed.wait(lock, [&] {
+      const bool woken = self->changed.wait_for(lock, self->idleTimeout, [&] {
         return self->closing || (!self->queued.empty() && int64_t(self->running.size()) < self->width);
       });
       --self->idle;
+      if (!woken) break;  // idle too long: a later add starts a new thread
       if (self->closing && self->queued.empty()) break;
       if (self->queued.empty() || int64_t(self->running.size()) >= self->width) continue;
       auto op = std::move(self->queued.front());
@@ -128,6 +130,21 @@ void MCPlatformOperationQueue::setMaxConcurrentOperationCount(int64_t count) {
   state_->width = count < 1 ? defaultWidth() : count;
   state_->spawnIfNeeded();
   state_->changed.notify_all();
+}
+
+std::chrono::milliseconds MCPlatformOperationQueue::idleThreadTimeout() const {
+  std::lock_guard lock(state_->mutex);
+  return state_->idleTimeout;
+}
+
+void MCPlatformOperationQueue::setIdleThreadTimeout(std::chrono::milliseconds timeout) {
+  std::lock_guard lock(state_->mutex);
+  state_->idleTimeout = std::max(timeout, std::chrono::milliseconds(1));
+}
+
+std::size_t MCPlatformOperationQueue::threadCount() const {
+  std::lock_guard lock(state_->mutex);
+  return state_->threads;
 }
 
 std::size_t MCPlatformOperationQueue::operationCount() const {

@@ -2,11 +2,15 @@
 // MCPlatformOperationQueue: runs MCPlatformOperations on a pool of worker threads.
 //
 // Operations start in the order they were added, up to `maxConcurrentOperationCount` at a time
-// (default: the number of cores). Destroying the queue cancels what is queued; running operations
-// finish on their threads, which end when the queue is gone and idle.
+// (default: the number of cores). Threads are started as work comes and end after
+// `idleThreadTimeout` (default one second) without work, so an idle queue holds no threads: a
+// program with many loaders and caches, each with its own queue, keeps only the threads that are
+// working or were just working. Destroying the queue cancels what is queued; running operations
+// finish on their threads, which then end.
 
 #include <vesperon/platform/MCPlatformOperation.h>
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 
@@ -28,6 +32,12 @@ class MCPlatformOperationQueue {
   void setMaxConcurrentOperationCount(int64_t count);
   /// Operations queued or running.
   std::size_t operationCount() const;
+
+  /// How long a worker waits for new work before it ends; a change applies from a worker's next wait.
+  std::chrono::milliseconds idleThreadTimeout() const;
+  void setIdleThreadTimeout(std::chrono::milliseconds timeout);
+  /// Worker threads alive now, working or idle.
+  std::size_t threadCount() const;
 
  private:
   struct State;
