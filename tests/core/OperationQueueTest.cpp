@@ -182,3 +182,24 @@ TEST(MCOperationQueue, DestroyingTheQueueCancelsWhatWaits) {
   EXPECT_TRUE(blocker->ran);
   EXPECT_FALSE(waiting->ran);
 }
+
+// Idle workers end after the idle time, so an idle queue holds no threads; new work starts them again.
+TEST(MCOperationQueue, IdleWorkersEndAndWorkStartsThemAgain) {
+  auto queue = MCOperationQueue::create();
+  auto& platform = queue->operationQueue();
+  EXPECT_EQ(platform.idleThreadTimeout(), std::chrono::milliseconds(1000));
+  platform.setIdleThreadTimeout(std::chrono::milliseconds(10));
+  std::vector<std::shared_ptr<RecordingOperation>> ops;
+  const auto runTwo = [&] {
+    for (int i = 0; i < 2; ++i) {
+      ops.push_back(std::make_shared<RecordingOperation>(int(ops.size())));
+      queue->addOperation(ops.back());
+    }
+    queue->waitUntilAllOperationsAreFinished();
+  };
+  runTwo();
+  EXPECT_GE(platform.threadCount(), 1u);
+  EXPECT_TRUE(waitFor([&] { return platform.threadCount() == 0; }));
+  runTwo();
+  for (const auto& op : ops) EXPECT_TRUE(op->ran);
+}

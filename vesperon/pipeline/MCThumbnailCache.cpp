@@ -52,8 +52,10 @@ void MCThumbnailCache::processReceivedResource(const std::shared_ptr<MCResource>
   auto it = indexPathToKeyMap_.find(indexPath);
   if (it == indexPathToKeyMap_.end() || !(it->second == key)) return;
   indexPathToKeyMap_.erase(it);
+  // A load that gave no resource has no thumbnail: none is stored (a later look-up misses) and
+  // none is delivered. A resource whose thumbnail has no image is stored and delivered as it is.
   auto thumbnailResource = std::dynamic_pointer_cast<MCThumbnailResource>(resource);
-  auto thumbnail = std::make_shared<const MCThumbnail>(thumbnailResource ? thumbnailResource->thumbnail() : MCThumbnail());
+  auto thumbnail = thumbnailResource ? std::make_shared<const MCThumbnail>(thumbnailResource->thumbnail()) : nullptr;
   thumbnailCache_.setObject(thumbnail, key.identifier);
   if (auto delegate = delegate_.lock()) delegate->didFetchThumbnail(*this, thumbnail, indexPath);
 }

@@ -26,7 +26,8 @@ class MCThumbnailCacheDelegate {
   /// The provider of the item at `indexPath`, or none when there is no item there.
   virtual std::shared_ptr<MCThumbnailDescriptorProvider> descriptorProviderAtIndexPath(MCThumbnailCache& cache,
                                                                                        const MCIndexPath& indexPath) = 0;
-  /// A thumbnail arrived for `indexPath` — possibly one without an image. Called on the main
+  /// A thumbnail arrived for `indexPath` — possibly one without an image, or none at all when the
+  /// load gave no resource (a strategy that failed or threw). Called on the main
   /// thread, synchronously from a fetch answered from memory, or later from the main queue.
   virtual void didFetchThumbnail(MCThumbnailCache& cache, const std::shared_ptr<const MCThumbnail>& thumbnail,
                                  const MCIndexPath& indexPath) = 0;
