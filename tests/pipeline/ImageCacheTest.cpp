@@ -8,6 +8,7 @@
 #include <fstream>
 #include <random>
 #include <thread>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
@@ -201,4 +202,57 @@ TEST_F(ImageCacheFiles, ConcurrentAddReadRemove) {
       if (cache.containsImageWithIdentifier(id, size)) {
         EXPECT_TRUE(cache.imageWithIdentifier(id, size)) << id;
       }
+}
+
+// A clean running alongside never makes a save fail: each runs alone, and the log says so.
+TEST_F(ImageCacheFiles, SavesAreNeverLostToAClean) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  MCImageCache cache(root_);
+  cache.addImage(solid(8, 10), 1, 256);  // the container and its folder exist
+  std::atomic<bool> saving{true};
+  std::atomic<int> cleans{0};
+  std::thread cleaner([&] {
+    while (saving.load()) {
+      cache.clean();
+      ++cleans;
+    }
+  });
+  const auto image = solid(24, 200);
+  for (int64_t id = 0; id < 150; ++id) cache.addImage(image, id, 256);
+  saving = false;
+  cleaner.join();
+  EXPECT_GT(cleans.load(), 0);
+  EXPECT_FALSE(log.contains("Couldn't cache image with ID")) << log.text();
+  cache.addImage(image, 7, 256);
+  EXPECT_TRUE(cache.imageWithIdentifier(7, 256));
+  EXPECT_TRUE(strayFiles(root_).empty());
+}
+
+// Temporaries of a writer that died are swept when the cache opens and in clean; a live writer's stay.
+TEST_F(ImageCacheFiles, StaleTemporariesOfDeadWritersAreSwept) {
+  const pid_t dead = fork();
+  if (dead == 0) _exit(0);
+  ASSERT_GT(dead, 0);
+  waitpid(dead, nullptr, 0);
+  std::filesystem::create_directories(root_ / "Thumbnails.256");
+  const auto touch = [&](const std::string& name) { std::ofstream(root_ / name) << "half a JPEG"; };
+  const std::string deadSave = ".Thumbnails.256.05.JPG." + std::to_string(dead) + ".3.tmp";
+  const std::string deadEncoder = deadSave + ".aB3dE9";
+  const std::string liveSave = ".Thumbnails.256.06.JPG." + std::to_string(::getpid()) + ".4.tmp";
+  touch(deadSave);
+  touch(deadEncoder);
+  touch(liveSave);
+  touch(".not-a-temporary");
+  {
+    MCImageCache cache(root_);
+    EXPECT_FALSE(std::filesystem::exists(root_ / deadSave));
+    EXPECT_FALSE(std::filesystem::exists(root_ / deadEncoder));
+    EXPECT_TRUE(std::filesystem::exists(root_ / liveSave)) << "its writer is alive";
+    EXPECT_TRUE(std::filesystem::exists(root_ / ".not-a-temporary"));
+    EXPECT_EQ(cache.pixelSizes(), (std::vector<int64_t>{256}));
+    touch(deadSave);
+    cache.clean();
+    EXPECT_FALSE(std::filesystem::exists(root_ / deadSave));
+  }
 }

@@ -22,6 +22,7 @@ std::string MCImageCache::directoryNameForPixelSize(int64_t pixelSize) {
 }
 
 void MCImageCache::loadContainers() {
+  MCImageCacheContainer::removeStaleTemporaries(root_);  // left by writers killed mid-save
   std::error_code ec;
   std::filesystem::directory_iterator entries(root_, ec);
   if (ec) return;  // the normal first start: no root yet
@@ -112,4 +113,5 @@ void MCImageCache::removeImageWithIdentifier(int64_t id) {
 
 void MCImageCache::clean() {
   for (const auto& [size, container] : snapshot()) container->clean();
+  MCImageCacheContainer::removeStaleTemporaries(root_);
 }

@@ -10,10 +10,13 @@
 //
 // The container guards its folder with a reader-writer lock taken on the caller's thread: lookups
 // and reads share it; a save, a removal and clean hold it alone while they change the folder. A
-// save encodes into a hidden temporary file in the target folder while the lock is shared — the
-// name is unique, so saves encode side by side and readers are not held up by the encoder — and
-// only the rename into place is done alone. Neither a crash nor a reader in another process ever
-// sees half a file. (A dispatch queue here would move every call to one of its workers and back:
+// save encodes, without the lock, into a hidden temporary beside the container's folder (in the
+// cache's root, ".<folder>.<file>.<pid>.<n>.tmp") — the name is unique, so saves encode side by side
+// and readers are not held up by the encoder — and then, alone, makes the folders and renames the
+// file into place. A clean therefore never removes a save's work: saves and cleans each run alone,
+// and no save fails because of a clean. Neither a crash nor a reader in another process ever sees
+// half a file; the temporaries of a writer that died are removed by removeStaleTemporaries, which
+// MCImageCache runs when it opens and in clean. (A dispatch queue here would move every call to one of its workers and back:
 // two thread switches per operation, and at most one worker per core for any number of callers.)
 
 #include <vesperon/core/MCLog.h>
@@ -48,6 +51,11 @@ class MCImageCacheContainer {
   /// Deletes the whole directory; on failure logs "Couldn't clean caches container at: <path>".
   /// The container stays usable: the next save makes the folders again.
   void clean();
+
+  /// Removes from `folder` (not below it) the hidden temporaries of saves whose process is no longer
+  /// alive: ".<name>.<pid>.<n>.tmp" and the encoder's ".<name>.<pid>.<n>.tmp.<letters>". Those of
+  /// live processes, this one included, stay. Answers how many were removed.
+  static std::size_t removeStaleTemporaries(const std::filesystem::path& folder);
 
  private:
   std::filesystem::path directoryURL_;
