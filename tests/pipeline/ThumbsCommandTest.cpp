@@ -4,6 +4,8 @@
 
 #include "PipelineTestFiles.h"
 
+#include "../support/ClaimedSizeFiles.h"
+
 #include <vesperon/pixels/MCImageFiles.h>
 
 #include <gtest/gtest.h>
@@ -64,4 +66,22 @@ TEST(VesperonThumbs, SecondRunComesFromTheImageCacheAndGarbageIsMadeAgain) {
   EXPECT_NE(third.find(", 0 from the image cache"), std::string::npos) << third;
   EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "third" / "wide.jpg"));
   EXPECT_NE(thumbs(folder, "fourth").find(", 3 from the image cache"), std::string::npos);
+}
+
+// Files that claim huge sizes, empty and garbage files among good ones: the run finishes, counts
+// them as failures and thumbnails the rest.
+TEST(VesperonThumbs, HugeClaimsAndGarbageAreFailuresAndTheRestIsMade) {
+  PipelineTestFolder folder("thumbs-huge");
+  fs::create_directories(folder.path() / "photos");
+  auto good = folder.jpeg("photos/good.jpg", 120, 90, {200, 30, 30});
+  folder.jpeg("photos/also-good.jpg", 90, 120, {30, 200, 30});
+  claimed_size::writePNG(folder.path() / "photos" / "huge.png", 100000, 100000);
+  ASSERT_TRUE(claimed_size::writeJPEGClaiming(good, folder.path() / "photos" / "huge.jpg", 65500, 65500));
+  std::ofstream(folder.path() / "photos" / "empty.png");
+  std::ofstream(folder.path() / "photos" / "garbage.jpg") << "not a JPEG at all";
+  const std::string summary = thumbs(folder, "out");
+  EXPECT_NE(summary.find("6 files, 4 failures"), std::string::npos) << summary;
+  EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "good.jpg"));
+  EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "also-good.jpg"));
+  EXPECT_FALSE(fs::exists(folder.path() / "out" / "huge.png.jpg"));
 }
