@@ -10,7 +10,15 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
 #include <cstdio>
+#include <random>
+#include <thread>
 #include <fstream>
 #include <string>
 
@@ -84,4 +92,45 @@ TEST(VesperonThumbs, HugeClaimsAndGarbageAreFailuresAndTheRestIsMade) {
   EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "good.jpg"));
   EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "also-good.jpg"));
   EXPECT_FALSE(fs::exists(folder.path() / "out" / "huge.png.jpg"));
+}
+
+// `kill -9` of a run at random moments: after the next run, the cache holds only whole files and
+// no temporary, and the output folder holds only whole thumbnails.
+TEST(VesperonThumbs, KilledRunsLeaveNoTornFileAndTheirTemporariesAreSwept) {
+  PipelineTestFolder folder("thumbs-killed");
+  fs::create_directories(folder.path() / "photos");
+  for (int i = 0; i < 24; ++i)
+    folder.jpeg("photos/p" + std::to_string(i) + ".jpg", 160 + i, 120, {uint8_t(10 * i), 90, 160});
+  std::mt19937 random{std::random_device{}()};
+  for (int round = 0; round < 6; ++round) {
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      const int devnull = open("/dev/null", O_WRONLY);
+      dup2(devnull, 1);
+      dup2(devnull, 2);
+      execl(VESPERON_TOOL, VESPERON_TOOL, "thumbs", (folder.path() / "photos").c_str(), "--size", "32", "--out",
+            (folder.path() / "out").c_str(), "--cache-dir", (folder.path() / "cache").c_str(), nullptr);
+      _exit(127);
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(random() % 60));
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+  }
+  // Two runs side by side on the one cache, then the sweep of the next.
+  std::thread other([&] { thumbs(folder, "out-other"); });
+  const std::string side = thumbs(folder, "out");
+  other.join();
+  EXPECT_NE(side.find("24 files, 0 failures"), std::string::npos) << side;
+  const std::string last = thumbs(folder, "out");
+  EXPECT_NE(last.find(", 24 from the image cache"), std::string::npos) << last;
+  for (const auto& entry : fs::recursive_directory_iterator(folder.path() / "cache")) {
+    if (!entry.is_regular_file()) continue;
+    EXPECT_EQ(entry.path().extension(), ".JPG") << "left behind: " << entry.path();
+    EXPECT_TRUE(MCCreateImageWithURL(entry.path())) << "torn: " << entry.path();
+  }
+  for (const auto& entry : fs::recursive_directory_iterator(folder.path() / "out"))
+    if (entry.is_regular_file() && entry.path().extension() == ".jpg") {
+      EXPECT_TRUE(MCCreateImageWithURL(entry.path())) << "torn: " << entry.path();
+    }
 }
