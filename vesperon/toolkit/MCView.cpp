@@ -26,7 +26,10 @@ MCView::MCView(MCRect frame) {
 }
 
 MCView::~MCView() {
+  // Subviews hear that they lose their superview while this view is still whole: a subview that
+  // subscribed to this view's notices unsubscribes here, not from a destroyed object later.
   for (auto& subview : subviews_) {
+    subview->viewWillMoveToSuperview(nullptr);
     subview->superview_ = nullptr;
     subview->setWindowRecursively(nullptr);
   }
