@@ -81,6 +81,23 @@ TEST(DateFormats, XmpTextsTryTheThreeFormsInOrder) {
   EXPECT_EQ(xmpString(date + milliseconds(999)), "2019-11-05T08:09:10") << "fractions are cut, not rounded";
 }
 
+// ICU's fraction parsing divided by zero (SIGFPE) from 35 fraction digits on; the text a sidecar
+// may hold is bounded before it gets there, and the digits that matter still count.
+TEST(DateFormats, XmpTextsWithLongFractionsReadToTheMillisecond) {
+  for (std::size_t digits : {9u, 10u, 34u, 35u, 36u, 200u, 5000u}) {
+    const std::string fraction = "25" + std::string(digits - 2, '0');
+    EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + fraction + "Z"), utc(2021, 6, 1, 12, 0, 0) + milliseconds(250))
+        << digits << " digits";
+    EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + fraction + "+02:00"),
+              utc(2021, 6, 1, 10, 0, 0) + milliseconds(250)) << digits << " digits";
+    EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + std::string(digits, '1')), std::nullopt)
+        << "without a zone a fraction fits no form, " << digits << " digits";
+  }
+  EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + std::string(40, '9') + "Z"),
+            utc(2021, 6, 1, 12, 0, 0) + milliseconds(999)) << "fractions are cut, not rounded into the next second";
+  EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + std::string(40, '1') + "x"), std::nullopt);
+}
+
 TEST(DateFormats, ComparisonsToleratingNone) {
   const MCDate a = utc(2020, 5, 5, 10, 0, 0);
   const MCDate b = a + seconds(5);

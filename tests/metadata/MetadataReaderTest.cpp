@@ -146,6 +146,14 @@ TEST(MetadataReader, DatesArriveInExifForm) {
   const MCDictionary tiff = sub(Reader::extractMetadataFromXMPData(bytes(packet("<xmp:ModifyDate>2019-05-06T07:08:09</xmp:ModifyDate>"))),
                                 kCGImagePropertyTIFFDictionary);
   EXPECT_EQ(get(tiff, kCGImagePropertyTIFFDateTime), MCValue("2019:05:06 07:08:09"));
+
+  // A sidecar with a fraction of 35 and more digits once killed the reading process inside ICU.
+  const std::string digits(40, '1');
+  EXPECT_EQ(get(exifOf("<exif:DateTimeOriginal>2021-06-01T12:00:00." + digits + "Z</exif:DateTimeOriginal>"),
+                kCGImagePropertyExifDateTimeOriginal),
+            MCValue(exifString(*dateFromXmpString("2021-06-01T12:00:00Z"))));
+  EXPECT_FALSE(exifOf("<exif:DateTimeOriginal>2021-06-01T12:00:00." + digits + "</exif:DateTimeOriginal>")
+                   .count(kCGImagePropertyExifDateTimeOriginal));
 }
 
 TEST(MetadataReader, GPSCoordinatesAndAltitudes) {

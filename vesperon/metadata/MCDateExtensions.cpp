@@ -85,6 +85,23 @@ const SharedFormatter& internetFractionalFormatter() {
   return formatter;
 }
 
+// ICU's fraction field turns every digit it reads into a power of ten in 32-bit arithmetic; from
+// about 35 digits on that divides by zero and kills the process (SIGFPE). A date holds no more than
+// nanoseconds, and the formatter keeps milliseconds, so digits past the ninth are dropped before the
+// text reaches ICU.
+constexpr std::size_t kMaxFractionDigits = 9;
+
+std::string withBoundedFraction(const std::string& text) {
+  const std::size_t point = text.find('.');
+  if (point == std::string::npos) return text;
+  std::size_t end = point + 1;
+  while (end < text.size() && text[end] >= '0' && text[end] <= '9') ++end;
+  if (end - point - 1 <= kMaxFractionDigits) return text;
+  std::string bounded = text;
+  bounded.erase(point + 1 + kMaxFractionDigits, end - point - 1 - kMaxFractionDigits);
+  return bounded;
+}
+
 const SharedFormatter& exifFormatter() {
   static const std::unique_ptr<icu::TimeZone> local(icu::TimeZone::createDefault());
   static const SharedFormatter formatter("yyyy:MM:dd HH:mm:ss", icu::Locale::getDefault(), *local);
@@ -142,9 +159,10 @@ std::optional<MCDate> dateFromExifString(const std::optional<std::string>& strin
 
 std::optional<MCDate> dateFromXmpString(const std::optional<std::string>& string) {
   if (!string) return std::nullopt;
-  if (auto date = localXmpFormatter().parse(*string)) return date;
-  if (auto date = internetFormatter().parse(*string)) return date;
-  return internetFractionalFormatter().parse(*string);
+  const std::string text = withBoundedFraction(*string);
+  if (auto date = localXmpFormatter().parse(text)) return date;
+  if (auto date = internetFormatter().parse(text)) return date;
+  return internetFractionalFormatter().parse(text);
 }
 
 std::string exifString(MCDate date) { return exifFormatter().format(date); }

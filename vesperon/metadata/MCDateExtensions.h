@@ -34,7 +34,8 @@ std::optional<MCDate> dateFromISO8601String(const std::optional<std::string>& st
 std::optional<MCDate> dateFromExifString(const std::optional<std::string>& string);
 
 /// The first that reads the whole text: "yyyy-MM-dd'T'HH:mm:ss" in the local zone; the Internet
-/// date-time form with a zone ("…:ss+02:00", "…:ssZ"); the same with fractional seconds.
+/// date-time form with a zone ("…:ss+02:00", "…:ssZ"); the same with fractional seconds, of which
+/// digits past the ninth are ignored (a date holds no finer time).
 std::optional<MCDate> dateFromXmpString(const std::optional<std::string>& string);
 
 /// "yyyy:MM:dd HH:mm:ss" in the default locale and the local zone.
