@@ -1,10 +1,12 @@
 # The two commands of a fresh machine:
 #   make run   — install what is missing, build, run the main job on samples/
 #   make test  — install what is missing, build, run every test
+#   make check — make test, then every test under AddressSanitizer and UndefinedBehaviorSanitizer
+#                (build-asan/), then the threaded suites under ThreadSanitizer (build-tsan/)
 BUILD_DIR ?= build
 JOBS ?= $(shell nproc)
 
-.PHONY: setup configure build run test bench fuzz clean install
+.PHONY: setup configure build run test check bench fuzz clean install
 
 setup:
 	@bash scripts/setup.sh
@@ -21,6 +23,9 @@ run: build
 test: build
 	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
 
+check: test
+	@JOBS=$(JOBS) bash scripts/run-sanitized-tests.sh
+
 bench: build
 	@bash scripts/run-benchmarks.sh $(BUILD_DIR)
 
@@ -31,4 +36,4 @@ install: build
 	@cmake --install $(BUILD_DIR)
 
 clean:
-	@rm -rf $(BUILD_DIR)
+	@rm -rf $(BUILD_DIR) build-asan build-tsan

@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# The sanitizer half of `make check` (which runs `make test` first):
+#  1. every test program built with AddressSanitizer and UndefinedBehaviorSanitizer in build-asan;
+#  2. the threaded suites (platform, core, pipeline, plugins — the last holds the program test of
+#     `vesperon thumbs --cache`) built with ThreadSanitizer in build-tsan.
+# Both folders share compiled objects with later runs through ccache. Any report fails the run:
+# undefined behaviour aborts, AddressSanitizer stops at its first error, ThreadSanitizer exits with
+# status 66 at its first race; the suppressions in tests/tsan.supp name third-party internals only.
+# ASAN_BUILD, TSAN_BUILD and JOBS override the folders and the parallelism.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+root=$PWD
+jobs=${JOBS:-$(nproc)}
+asan=${ASAN_BUILD:-build-asan}
+tsan=${TSAN_BUILD:-build-tsan}
+common=(-G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DVESPERON_BUILD_BENCHMARKS=OFF)
+
+echo "== AddressSanitizer and UndefinedBehaviorSanitizer: every test ($asan)"
+cmake -S . -B "$asan" "${common[@]}" -DVESPERON_SANITIZE=address,undefined -DVESPERON_TEST_SUITES= >/dev/null
+cmake --build "$asan" -j "$jobs"
+ASAN_OPTIONS="detect_leaks=1:abort_on_error=0:halt_on_error=1:suppressions=$root/tests/asan.supp" \
+LSAN_OPTIONS="suppressions=$root/tests/lsan.supp:print_suppressions=0" \
+UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1" \
+  ctest --test-dir "$asan" --output-on-failure -j "$jobs"
+
+echo "== ThreadSanitizer: the threaded suites ($tsan)"
+cmake -S . -B "$tsan" "${common[@]}" -DVESPERON_SANITIZE=thread -DVESPERON_TEST_SUITES=threaded \
+  -DVESPERON_BUILD_EXAMPLES=OFF >/dev/null
+cmake --build "$tsan" -j "$jobs"
+TSAN_OPTIONS="suppressions=$root/tests/tsan.supp:halt_on_error=1:exitcode=66:second_deadlock_stack=1:history_size=4" \
+  ctest --test-dir "$tsan" --output-on-failure -j "$jobs" -L threaded
