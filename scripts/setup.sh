@@ -6,6 +6,8 @@ set -euo pipefail
 PACKAGES=(
   # build
   build-essential cmake ninja-build pkg-config ccache
+  # the command line of the vesperon program
+  libcli11-dev
   # libraries the code links
   libglib2.0-dev libcairo2-dev libpango1.0-dev liblcms2-dev
   libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev

@@ -32,32 +32,6 @@ struct BrowseSettings {
   bool report = false;
 };
 
-bool parseSize(const std::string& text, MCSize& size) {
-  unsigned width = 0, height = 0;
-  char x = 0, extra = 0;
-  if (std::sscanf(text.c_str(), "%u%c%u%c", &width, &x, &height, &extra) != 3 || (x != 'x' && x != 'X')) return false;
-  if (width < 64 || height < 64 || width > 8192 || height > 8192) return false;
-  size = MCMakeSize(width, height);
-  return true;
-}
-
-bool parse(const std::vector<std::string>& arguments, BrowseSettings& settings) {
-  bool haveFolder = false;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& a = arguments[i];
-    if (a == "--render" && i + 1 < arguments.size()) settings.render = arguments[++i];
-    else if (a == "--size" && i + 1 < arguments.size()) {
-      if (!parseSize(arguments[++i], settings.size)) return false;
-    } else if (a == "--report") settings.report = true;
-    else if (!a.empty() && a[0] == '-') return false;
-    else if (!haveFolder) {
-      settings.folder = a;
-      haveFolder = true;
-    } else return false;
-  }
-  return haveFolder;
-}
-
 class StatusBar : public MCView {
  public:
   using MCView::MCView;
@@ -174,12 +148,7 @@ int renderOffscreen(const BrowseSettings& settings, BrowseCollection collection)
   return 0;
 }
 
-int runBrowse(const std::vector<std::string>& arguments) {
-  BrowseSettings settings;
-  if (!parse(arguments, settings)) {
-    std::fprintf(stderr, "usage: vesperon browse DIR [--render FILE.png] [--size WxH] [--report]\n");
-    return 2;
-  }
+int runBrowse(const BrowseSettings& settings) {
   std::error_code ec;
   if (!fs::is_directory(settings.folder, ec)) {
     std::fprintf(stderr, "vesperon browse: %s is not a folder\n", settings.folder.c_str());
@@ -222,7 +191,27 @@ int runBrowse(const std::vector<std::string>& arguments) {
   return status;
 }
 
+std::function<int()> defineBrowse(CLI::App& command) {
+  auto settings = std::make_shared<BrowseSettings>();
+  command.add_option("DIR", settings->folder, "the folder whose images, at any depth, are shown")->required();
+  command.add_option("--render", settings->render,
+                     "draw the first screen offscreen into this PNG, once its thumbnails arrived, instead of a window");
+  command.add_option_function<std::string>(
+      "--size",
+      [settings](const std::string& text) {
+        unsigned width = 0, height = 0;
+        char x = 0, extra = 0;
+        if (std::sscanf(text.c_str(), "%u%c%u%c", &width, &x, &height, &extra) != 3 || (x != 'x' && x != 'X') ||
+            width < 64 || height < 64 || width > 8192 || height > 8192)
+          throw CLI::ValidationError("--size", "'" + text + "' is not WIDTHxHEIGHT, each 64 to 8192");
+        settings->size = MCMakeSize(width, height);
+      },
+      "the window's size in points, as WIDTHxHEIGHT (default 1024x720)");
+  command.add_flag("--report", settings->report,
+                   "print each thing that happens (selections, the viewer, copies, drags), a line each");
+  return [settings] { return runBrowse(*settings); };
+}
+
 }  // namespace
 
-VESPERON_COMMAND("browse", "DIR [--render FILE.png] [--size WxH] [--report]",
-                 "show every image under DIR as thumbnails grouped by day, in a window", runBrowse)
+VESPERON_COMMAND("browse", "show every image under DIR as thumbnails grouped by day, in a window", defineBrowse)

@@ -14,40 +14,18 @@
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExifReader.h>
 
-#include <stdexcept>
+#include <memory>
 
 namespace {
 
-std::optional<uint64_t> parseMask(const std::string& text) {
-  if (text.empty() || text[0] == '-') return std::nullopt;
-  try {
-    std::size_t used = 0;
-    uint64_t mask = std::stoull(text, &used, 0);
-    if (used == text.size()) return mask;
-  } catch (const std::exception&) {
-  }
-  return std::nullopt;
-}
-
-int runInfo(const std::vector<std::string>& arguments) {
+struct InfoSettings {
   std::vector<std::string> paths;
   uint64_t mask = 0;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    if (arguments[i] != "--merge-mask") {
-      paths.push_back(arguments[i]);
-      continue;
-    }
-    auto parsed = i + 1 < arguments.size() ? parseMask(arguments[++i]) : std::nullopt;
-    if (!parsed) {
-      std::fprintf(stderr, "vesperon info: --merge-mask takes an unsigned number (bits 1 Exif, 2 GPS, 4 IPTC)\n");
-      return 2;
-    }
-    mask = *parsed;
-  }
-  if (paths.empty()) {
-    std::fprintf(stderr, "usage: vesperon info FILE... [--merge-mask N]\n");
-    return 2;
-  }
+};
+
+int runInfo(const InfoSettings& settings) {
+  const std::vector<std::string>& paths = settings.paths;
+  const uint64_t mask = settings.mask;
   int status = 0;
   nlohmann::json out = nlohmann::json::object();
   for (const std::string& path : paths) {
@@ -71,7 +49,17 @@ int runInfo(const std::vector<std::string>& arguments) {
   return status;
 }
 
+std::function<int()> defineInfo(CLI::App& command) {
+  auto settings = std::make_shared<InfoSettings>();
+  command.add_option("FILE", settings->paths, "image files (JPEG, or a bare Exif block)")->required();
+  command.add_option("--merge-mask", settings->mask,
+                     "where both have a sub-dictionary, the sidecar's keys win in it: 1 {Exif}, 2 {GPS}, 4 {IPTC}")
+      ->check(vesperon_options::kUnsignedNumber)
+      ->default_val(0);
+  return [settings] { return runInfo(*settings); };
+}
+
 }  // namespace
 
-VESPERON_COMMAND("info", "FILE... [--merge-mask N]",
-                 "print the Exif metadata of image files, merged with their XMP sidecars, as JSON", runInfo)
+VESPERON_COMMAND("info", "print the Exif metadata of image files, merged with their XMP sidecars, as JSON",
+                 defineInfo)

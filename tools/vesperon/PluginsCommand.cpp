@@ -15,11 +15,7 @@ std::string joined(const std::vector<std::string>& items) {
   return out.empty() ? "-" : out;
 }
 
-int runPlugins(const std::vector<std::string>& arguments) {
-  if (!arguments.empty()) {
-    std::fprintf(stderr, "usage: vesperon plugins\n");
-    return 2;
-  }
+int runPlugins() {
   auto& manager = MCImageCodecManager::sharedInstance();
   std::printf("plug-in folder: %s\n\n", MCImageCodecManager::builtInPlugInsURL().c_str());
   std::printf("source extensions, in order of trial:\n");
@@ -41,6 +37,8 @@ int runPlugins(const std::vector<std::string>& arguments) {
   return 0;
 }
 
+std::function<int()> definePlugins(CLI::App&) { return runPlugins; }
+
 }  // namespace
 
-VESPERON_COMMAND("plugins", "", "list the codec plug-ins in their order of trial", runPlugins)
+VESPERON_COMMAND("plugins", "list the codec plug-ins in their order of trial", definePlugins)

@@ -40,43 +40,6 @@ struct Settings {
   fs::path cacheDirectory;  // empty: the application's folder under the user's cache folder
 };
 
-bool parse(const std::vector<std::string>& arguments, Settings& settings) {
-  bool haveFolder = false;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& a = arguments[i];
-    auto number = [&](int64_t& out) {
-      if (i + 1 >= arguments.size()) return false;
-      char* end = nullptr;
-      long long v = std::strtoll(arguments[++i].c_str(), &end, 10);
-      if (!end || *end || v <= 0) return false;
-      out = v;
-      return true;
-    };
-    if (a == "--size") {
-      if (!number(settings.size)) return false;
-    } else if (a == "--jobs") {
-      if (!number(settings.jobs)) return false;
-    } else if (a == "--cache") {
-      settings.cache = true;
-    } else if (a == "--cache-dir") {
-      if (i + 1 >= arguments.size()) return false;
-      settings.cacheDirectory = arguments[++i];
-      settings.cache = true;
-    } else if (a == "--out") {
-      if (i + 1 >= arguments.size()) return false;
-      settings.output = arguments[++i];
-    } else if (!a.empty() && a[0] == '-') {
-      return false;
-    } else if (!haveFolder) {
-      settings.folder = a;
-      haveFolder = true;
-    } else {
-      return false;
-    }
-  }
-  return haveFolder;
-}
-
 // Every file under `folder` whose type some source extension reads, in name order. A folder that
 // cannot be read, or vanishes while it is walked, just ends its part of the walk.
 std::vector<fs::path> findImages(const fs::path& folder) {
@@ -214,12 +177,8 @@ class Run : public MCThumbnailCacheDelegate {
   bool tty_;
 };
 
-int runThumbs(const std::vector<std::string>& arguments) {
-  Settings settings;
-  if (!parse(arguments, settings)) {
-    std::fprintf(stderr, "usage: vesperon thumbs DIR [--size N] [--out DIR] [--jobs N] [--cache] [--cache-dir DIR]\n");
-    return 2;
-  }
+int runThumbs(Settings& settings) {
+  if (!settings.cacheDirectory.empty()) settings.cache = true;
   std::error_code ec;
   if (!fs::is_directory(settings.folder, ec)) {
     std::fprintf(stderr, "vesperon thumbs: %s is not a folder\n", settings.folder.c_str());
@@ -265,7 +224,23 @@ int runThumbs(const std::vector<std::string>& arguments) {
   return 0;
 }
 
+std::function<int()> defineThumbs(CLI::App& command) {
+  auto settings = std::make_shared<Settings>();
+  command.add_option("DIR", settings->folder, "the folder whose images, at any depth, are thumbnailed")->required();
+  command.add_option("--size", settings->size, "the larger side of each thumbnail, in pixels")
+      ->check(vesperon_options::kPositiveInteger)
+      ->capture_default_str();
+  command.add_option("--out", settings->output, "the folder the thumbnails are written to")->capture_default_str();
+  command.add_option("--jobs", settings->jobs, "decoding threads (default: one per core)")
+      ->check(vesperon_options::kPositiveInteger);
+  command.add_flag("--cache", settings->cache,
+                   "answer from the persistent image cache and store new thumbnails there");
+  command.add_option("--cache-dir", settings->cacheDirectory,
+                     "the persistent image cache's folder (implies --cache; default under $XDG_CACHE_HOME/vesperon)");
+  return [settings] { return runThumbs(*settings); };
+}
+
 }  // namespace
 
-VESPERON_COMMAND("thumbs", "DIR [--size N] [--out DIR] [--jobs N] [--cache] [--cache-dir DIR]",
-                 "write a JPEG thumbnail of every image under DIR, through the thumbnail cache", runThumbs)
+VESPERON_COMMAND("thumbs", "write a JPEG thumbnail of every image under DIR, through the thumbnail cache",
+                 defineThumbs)

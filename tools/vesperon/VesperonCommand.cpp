@@ -18,9 +18,3 @@ bool VesperonCommandRegistry::add(VesperonCommand command) {
 }
 
 const std::vector<VesperonCommand>& VesperonCommandRegistry::all() { return storage(); }
-
-const VesperonCommand* VesperonCommandRegistry::find(const std::string& name) {
-  for (const auto& c : storage())
-    if (c.name == name) return &c;
-  return nullptr;
-}

@@ -9,24 +9,29 @@
 
 #include <vesperon/metadata/MCCGImageMetadataWriter.h>
 
+#include <memory>
+
 namespace {
 
-int runWriteExif(const std::vector<std::string>& arguments) {
-  if (arguments.size() != 2) {
-    std::fprintf(stderr, "usage: vesperon write-exif DICT.json OUT.bin\n");
-    return 2;
-  }
-  const auto properties = readPropertyDictionary("write-exif", arguments[0]);
+int runWriteExif(const std::string& dictionaryPath, const std::string& outputPath) {
+  const auto properties = readPropertyDictionary("write-exif", dictionaryPath);
   if (!properties) return 1;
   const auto block = MCCGImageMetadataWriter().exifDataFromCGImageProperties(*properties);
   if (!block) {
     std::fprintf(stderr, "vesperon write-exif: libexif saved no block\n");
     return 1;
   }
-  return writeFileBytes("write-exif", arguments[1], *block) ? 0 : 1;
+  return writeFileBytes("write-exif", outputPath, *block) ? 0 : 1;
+}
+
+std::function<int()> defineWriteExif(CLI::App& command) {
+  auto paths = std::make_shared<std::pair<std::string, std::string>>();
+  command.add_option("DICT.json", paths->first, "a JSON file with one nested property dictionary")->required();
+  command.add_option("OUT.bin", paths->second, "the Exif block to write")->required();
+  return [paths] { return runWriteExif(paths->first, paths->second); };
 }
 
 }  // namespace
 
-VESPERON_COMMAND("write-exif", "DICT.json OUT.bin",
-                 "write the Exif block of a nested property dictionary ({TIFF}, {Exif} and {GPS})", runWriteExif)
+VESPERON_COMMAND("write-exif",
+                 "write the Exif block of a nested property dictionary ({TIFF}, {Exif} and {GPS})", defineWriteExif)
