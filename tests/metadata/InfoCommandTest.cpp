@@ -49,3 +49,41 @@ TEST(VesperonInfo, MergesTheSidecarUnderTheMask) {
 
   EXPECT_FALSE(run("'" VESPERON_TOOL "' info '" + jpeg.string() + "' --merge-mask seven").first);
 }
+
+// One argument that cannot be read, or whose name is not UTF-8, once lost the whole output: each
+// unreadable one is null, a name that is not UTF-8 is printed with its stray bytes and backslashes
+// as \xHH, and every other file prints.
+TEST(VesperonInfo, EveryArgumentPrintsWhateverTheOthersAre) {
+  const MCDictionary image{{kCGImagePropertyTIFFDictionary, MCDictionary{{kCGImagePropertyTIFFMake, "Acme"}}}};
+  const fs::path good = jpegWithExif("info-good", *MCCGImageMetadataWriter().exifDataFromCGImageProperties(image));
+  if (good.empty()) GTEST_SKIP() << "cjpeg is not installed";
+  const MCDictionary latin1{{kCGImagePropertyTIFFDictionary, MCDictionary{{kCGImagePropertyTIFFMake, "Caf\xe9"}}}};
+  const fs::path badText = jpegWithExif("info-latin1-make", *MCCGImageMetadataWriter().exifDataFromCGImageProperties(latin1));
+  const fs::path folder = scratchDirectory() / "info-folder.jpg";
+  fs::create_directories(folder);
+  const fs::path strangeName = scratchDirectory() / "caf\xe9\\1.jpg";
+  fs::copy_file(good, strangeName, fs::copy_options::overwrite_existing);
+  const fs::path missing = scratchDirectory() / "info-missing.jpg";
+
+  std::string command = "'" VESPERON_TOOL "' info";
+  for (const fs::path& p : {folder, good, strangeName, missing, badText}) command += " '" + p.string() + "'";
+  const auto [ok, text] = run(command);
+  EXPECT_FALSE(ok) << "unreadable arguments make the status 1";
+  nlohmann::json out = nlohmann::json::parse(text, nullptr, false);
+  ASSERT_TRUE(out.is_object()) << text;
+  EXPECT_EQ(out.size(), 5u) << text;
+  EXPECT_TRUE(out[folder.string()].is_null()) << "a folder is not a file";
+  EXPECT_TRUE(out[missing.string()].is_null());
+  EXPECT_EQ(out[good.string()]["{TIFF}"]["Make"], "Acme");
+  const std::string escaped = (scratchDirectory() / "caf\\xe9\\x5c1.jpg").string();
+  ASSERT_TRUE(out.contains(escaped)) << text;
+  EXPECT_EQ(out[escaped]["{TIFF}"]["Make"], "Acme");
+  EXPECT_TRUE(out[badText.string()]["{TIFF}"].is_object()) << "a text that is not UTF-8 does not stop the output";
+
+  // Names that are UTF-8 print as they are, backslashes included.
+  const fs::path utf8Name = scratchDirectory() / "caf\xc3\xa9\\2.jpg";
+  fs::copy_file(good, utf8Name, fs::copy_options::overwrite_existing);
+  const auto [utf8Ok, utf8Text] = run("'" VESPERON_TOOL "' info '" + utf8Name.string() + "'");
+  EXPECT_TRUE(utf8Ok);
+  EXPECT_TRUE(nlohmann::json::parse(utf8Text, nullptr, false).contains(utf8Name.string())) << utf8Text;
+}

@@ -1,0 +1,89 @@
+// The `vesperon` command line: generated help for the program and each command, usage errors that
+// say what is wrong and end with status 2 before any work, and values that are checked.
+
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+struct Outcome {
+  int status = -1;
+  std::string output;  // standard output and standard error together
+};
+
+Outcome vesperon(const std::string& arguments) {
+  Outcome outcome;
+  FILE* pipe = ::popen(("'" VESPERON_TOOL "' " + arguments + " 2>&1").c_str(), "r");
+  if (!pipe) return outcome;
+  char buffer[4096];
+  std::size_t n;
+  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) outcome.output.append(buffer, n);
+  const int status = ::pclose(pipe);
+  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  return outcome;
+}
+
+bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+}  // namespace
+
+TEST(VesperonCommandLine, HelpForTheProgramAndEachCommand) {
+  const Outcome program = vesperon("--help");
+  EXPECT_EQ(program.status, 0);
+  for (const char* command : {"info", "plugins", "thumbs", "write-exif", "write-xmp", "help"})
+    EXPECT_TRUE(contains(program.output, std::string("\n  ") + command + " ")) << command << "\n" << program.output;
+
+  const Outcome thumbs = vesperon("thumbs --help");
+  EXPECT_EQ(thumbs.status, 0);
+  EXPECT_TRUE(contains(thumbs.output, "Usage: vesperon thumbs")) << thumbs.output;
+  for (const char* option : {"DIR", "--size", "--out", "--jobs", "--cache", "--cache-dir"})
+    EXPECT_TRUE(contains(thumbs.output, option)) << option;
+  EXPECT_TRUE(contains(thumbs.output, "=256")) << "the default size is shown";
+  EXPECT_EQ(vesperon("help thumbs").output, thumbs.output) << "help COMMAND is COMMAND --help";
+
+  const Outcome info = vesperon("info --help");
+  EXPECT_EQ(info.status, 0);
+  EXPECT_TRUE(contains(info.output, "--merge-mask")) << info.output;
+  EXPECT_TRUE(contains(info.output, "\\xHH")) << "the escaped form of names is stated";
+  EXPECT_TRUE(contains(vesperon("write-exif --help").output, "DICT.json"));
+  EXPECT_EQ(vesperon("--version").status, 0);
+}
+
+TEST(VesperonCommandLine, UsageErrorsSayWhatIsWrongAndExitTwo) {
+  struct Case {
+    const char* arguments;
+    const char* says;
+  };
+  for (const Case& c : {
+           Case{"", "subcommand is required"},
+           Case{"frob", "unknown command 'frob'"},
+           Case{"help frob", "unknown command 'frob'"},
+           Case{"plugins extra", "not expected: extra"},
+           Case{"thumbs", "DIR is required"},
+           Case{"thumbs /tmp /tmp", "not expected"},
+           Case{"thumbs /tmp --size 0", "'0' is not a whole number above 0"},
+           Case{"thumbs /tmp --size -3", "--size"},
+           Case{"thumbs /tmp --size 12px", "'12px' is not a whole number above 0"},
+           Case{"thumbs /tmp --jobs none", "'none' is not a whole number above 0"},
+           Case{"thumbs /tmp --size", "--size"},
+           Case{"thumbs /tmp --colour red", "--colour"},
+           Case{"info", "FILE is required"},
+           Case{"info x.jpg --merge-mask seven", "'seven' is not an unsigned number"},
+           Case{"info x.jpg --merge-mask -1", "'-1' is not an unsigned number"},
+           Case{"info x.jpg --merge-mask 99999999999999999999999", "is not an unsigned number"},
+           Case{"write-exif only-one.json", "OUT.bin is required"},
+           Case{"write-xmp a.json b.xmp c", "not expected"},
+       }) {
+    const Outcome outcome = vesperon(c.arguments);
+    EXPECT_EQ(outcome.status, 2) << "vesperon " << c.arguments << "\n" << outcome.output;
+    EXPECT_TRUE(contains(outcome.output, c.says)) << "vesperon " << c.arguments << "\n" << outcome.output;
+  }
+  // A hexadecimal mask is a value, not an error; the missing file is the command's own failure (1).
+  const Outcome hex = vesperon("info /nonexistent/x.jpg --merge-mask 0x6");
+  EXPECT_EQ(hex.status, 1) << hex.output;
+  EXPECT_TRUE(contains(hex.output, "\"/nonexistent/x.jpg\": null")) << hex.output;
+}
