@@ -96,6 +96,17 @@ TEST(DateFormats, XmpTextsWithLongFractionsReadToTheMillisecond) {
   EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + std::string(40, '9') + "Z"),
             utc(2021, 6, 1, 12, 0, 0) + milliseconds(999)) << "fractions are cut, not rounded into the next second";
   EXPECT_EQ(dateFromXmpString("2021-06-01T12:00:00." + std::string(40, '1') + "x"), std::nullopt);
+  // A sign before the digits, digits of another script, or a long number in another field: none,
+  // and no crash.
+  for (const std::string& bad : {"1-6-01T2:00:00.-" + std::string(40, '1'), "2021-06-01T12:00:00.+" + std::string(40, '1') + "Z",
+                                 "2021-06-01T12:00:00." + std::string(3 * 40, '\0') + "Z",
+                                 "2021-06-01T12:00:" + std::string(40, '5') + "Z", std::string(40, '2') + "-06-01T12:00:00Z",
+                                 "2021-06-01T12:00:00Z" + std::string(100, ' ')}) {
+    EXPECT_EQ(dateFromXmpString(bad), std::nullopt) << bad;
+  }
+  std::string fullwidth = "2021-06-01T12:00:00.";
+  for (int i = 0; i < 40; ++i) fullwidth += "\xef\xbc\x91";  // FULLWIDTH DIGIT ONE
+  EXPECT_EQ(dateFromXmpString(fullwidth + "Z"), std::nullopt);
 }
 
 TEST(DateFormats, ComparisonsToleratingNone) {

@@ -6,6 +6,7 @@
 #include <unicode/gregocal.h>
 #include <unicode/smpdtfmt.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <mutex>
@@ -85,20 +86,32 @@ const SharedFormatter& internetFractionalFormatter() {
   return formatter;
 }
 
-// ICU's fraction field turns every digit it reads into a power of ten in 32-bit arithmetic; from
-// about 35 digits on that divides by zero and kills the process (SIGFPE). A date holds no more than
-// nanoseconds, and the formatter keeps milliseconds, so digits past the ninth are dropped before the
-// text reaches ICU.
-constexpr std::size_t kMaxFractionDigits = 9;
+// ICU's number fields turn every digit they read into a power of ten in 32-bit arithmetic; a
+// fraction of about 35 digits divides by zero and kills the process (SIGFPE), and ICU reads signs
+// and the digits of every script there. So only a text that could be a date reaches it: ASCII, no
+// run of more than nine digits except the fraction, whose digits past the ninth are dropped (a date
+// holds no finer time, and the formatter keeps milliseconds), and no longer than the longest form.
+constexpr std::size_t kMaxFieldDigits = 9;
+constexpr std::size_t kMaxDateTextLength = 64;
 
-std::string withBoundedFraction(const std::string& text) {
-  const std::size_t point = text.find('.');
-  if (point == std::string::npos) return text;
-  std::size_t end = point + 1;
-  while (end < text.size() && text[end] >= '0' && text[end] <= '9') ++end;
-  if (end - point - 1 <= kMaxFractionDigits) return text;
-  std::string bounded = text;
-  bounded.erase(point + 1 + kMaxFractionDigits, end - point - 1 - kMaxFractionDigits);
+std::optional<std::string> boundedDateText(const std::string& text) {
+  std::string bounded;
+  bounded.reserve(std::min(text.size(), kMaxDateTextLength + 1));
+  for (std::size_t at = 0; at < text.size();) {
+    const unsigned char c = static_cast<unsigned char>(text[at]);
+    if (c >= 0x80) return std::nullopt;
+    if (c < '0' || c > '9') {
+      bounded += text[at++];
+    } else {
+      std::size_t end = at;
+      while (end < text.size() && text[end] >= '0' && text[end] <= '9') ++end;
+      const bool fraction = at > 0 && text[at - 1] == '.';
+      if (end - at > kMaxFieldDigits && !fraction) return std::nullopt;
+      bounded.append(text, at, std::min(end - at, kMaxFieldDigits));
+      at = end;
+    }
+    if (bounded.size() > kMaxDateTextLength) return std::nullopt;
+  }
   return bounded;
 }
 
@@ -159,7 +172,9 @@ std::optional<MCDate> dateFromExifString(const std::optional<std::string>& strin
 
 std::optional<MCDate> dateFromXmpString(const std::optional<std::string>& string) {
   if (!string) return std::nullopt;
-  const std::string text = withBoundedFraction(*string);
+  const auto bounded = boundedDateText(*string);
+  if (!bounded) return std::nullopt;
+  const std::string& text = *bounded;
   if (auto date = localXmpFormatter().parse(text)) return date;
   if (auto date = internetFormatter().parse(text)) return date;
   return internetFractionalFormatter().parse(text);

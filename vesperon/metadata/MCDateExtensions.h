@@ -35,7 +35,8 @@ std::optional<MCDate> dateFromExifString(const std::optional<std::string>& strin
 
 /// The first that reads the whole text: "yyyy-MM-dd'T'HH:mm:ss" in the local zone; the Internet
 /// date-time form with a zone ("…:ss+02:00", "…:ssZ"); the same with fractional seconds, of which
-/// digits past the ninth are ignored (a date holds no finer time).
+/// digits past the ninth are ignored (a date holds no finer time). None for a text that no form can
+/// match: one that is not ASCII, has another number of more than nine digits, or is too long.
 std::optional<MCDate> dateFromXmpString(const std::optional<std::string>& string);
 
 /// "yyyy:MM:dd HH:mm:ss" in the default locale and the local zone.
