@@ -18,6 +18,13 @@ namespace mc_detail {
 namespace {
 
 void errorExit(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+
+// libpng reads an ancillary chunk whole into memory, sized by the length the file states, before it
+// finds the data missing: a 300-byte file claiming a 1.7 GB tEXt chunk made it allocate and clear
+// 1.7 GB. So the chunks the source does not use (text, time, histogram …) are skipped unread, and
+// the two it uses, eXIf and iCCP, are bounded by the limit libpng's own configuration suggests.
+constexpr png_alloc_size_t kMaxChunkBytes = 8000000;
+const png_byte kUnusedChunks[] = "tEXt\0zTXt\0iTXt\0tIME\0hIST\0sPLT\0pCAL\0sCAL\0sBIT\0bKGD\0pHYs\0oFFs\0gAMA\0cHRM\0sRGB";
 void warning(png_structp, png_const_charp) {}
 
 // A read struct over one open file, destroyed with it.
@@ -32,7 +39,11 @@ struct Reader {
     unsigned char signature[8];
     if (std::fread(signature, 1, 8, file) != 8 || png_sig_cmp(signature, 0, 8) != 0) return;
     png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, errorExit, warning);
-    if (png) info = png_create_info_struct(png);
+    if (!png) return;
+    png_set_chunk_malloc_max(png, kMaxChunkBytes);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
+    png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kUnusedChunks, int(sizeof kUnusedChunks / 5));
+    info = png_create_info_struct(png);
   }
   ~Reader() {
     if (png) png_destroy_read_struct(&png, info ? &info : nullptr, nullptr);

@@ -7,7 +7,10 @@
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <sys/resource.h>
+
 #include <fstream>
+#include <iterator>
 
 TEST(PNGCodec, DecodesEveryColourTypeToPremultipliedRGBA) {
   auto rgba = openSource("public.png", fixture("quadrants.png"))->newImage();
@@ -117,4 +120,31 @@ TEST(PNGCodec, DecodeBudgetRefusesHugeImagesBeforeAllocating) {
   options.maxDecodePixelCount = 3072;
   EXPECT_TRUE(MCImageReader::newImageWithURL(quadrants, "public.png", options, nullptr));
   std::filesystem::remove_all(dir);
+}
+
+// libpng sizes a chunk's buffer by the length the file claims; a 300-byte file claiming a 1.7 GB
+// text chunk made every read allocate and clear 1.7 GB. A claimed length far past the end of the
+// file must cost nothing, whatever the chunk.
+TEST(PNGCodec, AChunkClaimingGigabytesCostsNoMemory) {
+  std::ifstream in(fixture("quadrants.png"), std::ios::binary);
+  const std::string valid((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  ASSERT_GT(valid.size(), 33u);
+  const auto peakKilobytes = [] {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+  };
+  for (const char* type : {"tEXt", "zTXt", "iTXt", "eXIf", "iCCP", "sPLT", "zzZz"}) {
+    // After the signature and IHDR: length 0x67000000, the type, eight bytes that end the file.
+    const std::string chunk = std::string("\x67\x00\x00\x00", 4) + type + "12345678";
+    const std::filesystem::path file = scratchDirectory("png-huge-chunk") / (std::string(type) + ".png");
+    std::ofstream(file, std::ios::binary) << valid.substr(0, 33) << chunk << valid.substr(33);
+    const long before = peakKilobytes();
+    auto source = openSource("public.png", file);
+    if (source) {
+      EXPECT_FALSE(source->newImage()) << type << ": the rest of the file is inside the claimed chunk";
+      (void)source->metadataWithOptions(MCMetadataReadingOptions());
+    }
+    EXPECT_LT(peakKilobytes() - before, 64 * 1024) << type << ": the peak memory grew by the claimed length";
+  }
 }
