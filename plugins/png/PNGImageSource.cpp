@@ -9,7 +9,10 @@
 
 #include <png.h>
 
+#include <array>
 #include <csetjmp>
+#include <cstring>
+#include <optional>
 #include <cstdio>
 #include <memory>
 
@@ -18,14 +21,35 @@ namespace mc_detail {
 namespace {
 
 void errorExit(png_structp png, png_const_charp) { png_longjmp(png, 1); }
+void warning(png_structp, png_const_charp) {}
 
 // libpng reads an ancillary chunk whole into memory, sized by the length the file states, before it
 // finds the data missing: a 300-byte file claiming a 1.7 GB tEXt chunk made it allocate and clear
 // 1.7 GB. So the chunks the source does not use (text, time, histogram …) are skipped unread, and
-// the two it uses, eXIf and iCCP, are bounded by the limit libpng's own configuration suggests.
-constexpr png_alloc_size_t kMaxChunkBytes = 8000000;
+// one it uses (eXIf, iCCP) whose stated length runs past the end of the file is skipped too: it is
+// broken, and what follows it lies inside it anyway.
 const png_byte kUnusedChunks[] = "tEXt\0zTXt\0iTXt\0tIME\0hIST\0sPLT\0pCAL\0sCAL\0sBIT\0bKGD\0pHYs\0oFFs\0gAMA\0cHRM\0sRGB";
-void warning(png_structp, png_const_charp) {}
+
+// The first chunk before the image data whose stated length runs past the end of the file, read
+// from the chunk headers; the file is left just past its signature.
+std::optional<std::array<png_byte, 5>> overlongChunk(FILE* file) {
+  std::optional<std::array<png_byte, 5>> found;
+  if (std::fseek(file, 0, SEEK_END) != 0) return found;
+  const long size = std::ftell(file);
+  long at = 8;
+  unsigned char header[8];
+  while (size >= 0 && at + 8 <= size && std::fseek(file, at, SEEK_SET) == 0 && std::fread(header, 1, 8, file) == 8) {
+    const uint64_t length = (uint64_t(header[0]) << 24) | (uint64_t(header[1]) << 16) | (uint64_t(header[2]) << 8) | header[3];
+    if (std::memcmp(header + 4, "IDAT", 4) == 0) break;
+    if (uint64_t(at) + 12 + length > uint64_t(size)) {
+      found = std::array<png_byte, 5>{header[4], header[5], header[6], header[7], 0};
+      break;
+    }
+    at += long(12 + length);
+  }
+  std::fseek(file, 8, SEEK_SET);
+  return found;
+}
 
 // A read struct over one open file, destroyed with it.
 struct Reader {
@@ -40,9 +64,11 @@ struct Reader {
     if (std::fread(signature, 1, 8, file) != 8 || png_sig_cmp(signature, 0, 8) != 0) return;
     png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, errorExit, warning);
     if (!png) return;
-    png_set_chunk_malloc_max(png, kMaxChunkBytes);
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, nullptr, 0);
     png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, kUnusedChunks, int(sizeof kUnusedChunks / 5));
+    // Critical chunks cannot be skipped; libpng itself refuses an overlong one of those.
+    if (auto chunk = overlongChunk(file); chunk && ((*chunk)[0] & 0x20))
+      png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, chunk->data(), 1);
     info = png_create_info_struct(png);
   }
   ~Reader() {
