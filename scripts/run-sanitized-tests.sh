@@ -28,4 +28,4 @@ cmake -S . -B "$tsan" "${common[@]}" -DVESPERON_SANITIZE=thread -DVESPERON_TEST_
   -DVESPERON_BUILD_EXAMPLES=OFF >/dev/null
 cmake --build "$tsan" -j "$jobs"
 TSAN_OPTIONS="suppressions=$root/tests/tsan.supp:halt_on_error=1:exitcode=66:second_deadlock_stack=1:history_size=4" \
-  ctest --test-dir "$tsan" --output-on-failure -j "$jobs" -L threaded
+  ctest --test-dir "$tsan" --output-on-failure -j "$jobs"
