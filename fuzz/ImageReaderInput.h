@@ -37,18 +37,24 @@ class InputFile {
   std::filesystem::path path_;
 };
 
+constexpr uint64_t kFuzzPixelBudget = 4u << 20;  // 4 megapixels
+
 inline void readThroughImageReader(const std::filesystem::path& file, const std::string& type, std::size_t size) {
   static const double kScales[] = {1.0, 0.5, 0.25, 0.1};
   static const uint64_t kMaxSides[] = {0, 16, 64, 160};
 
   MCImageReadingOptions imageOptions;
   imageOptions.scaleFactor = kScales[size % 4];
+  // A few hundred bytes may claim a hundred million pixels, within the default budget; the fuzzer
+  // looks for faults in the logic, so it keeps decodes small and fast with a budget of its own.
+  imageOptions.maxDecodePixelCount = kFuzzPixelBudget;
   std::optional<MCDictionary> metadata;
   if (auto image = MCImageReader::newImageWithURL(file, type, imageOptions, &metadata)) {
     (void)image->width();
   }
 
   MCThumbnailReadingOptions thumbnailOptions;
+  thumbnailOptions.maxDecodePixelCount = kFuzzPixelBudget;
   thumbnailOptions.thumbnailMaxPixelSize = kMaxSides[(size / 4) % 4];
   thumbnailOptions.createThumbnailFromImageAlways = size & 16;
   thumbnailOptions.createThumbnailFromImageIfAbsent = size & 32;

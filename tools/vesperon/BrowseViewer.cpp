@@ -44,6 +44,19 @@ class ViewerZoomView : public MCZoomView {
     MCColor::colorWithHex(0x242424).setFill(*context);
     context->fillRect(dirty);
   }
+  /// A double-click toggles between the whole photo and its pixels one to one, around the click.
+  void mouseDown(const MCEvent& event) override {
+    if (event.clickCount() != 2) return;
+    auto photo = delegate();
+    if (!photo) return;
+    const MCSize original = photo->zoomViewOriginalContentSize(*this), fitted = sizeForZoom(1);
+    if (!(fitted.width > 0)) return;
+    const double scale = window() ? window()->backingScaleFactor() : 1.0;
+    const double oneToOne = original.width / (fitted.width * scale);
+    const MCPoint anchor = convertPoint(event.locationInWindow(), nullptr);
+    setMaxZoom(std::max(maxZoom(), oneToOne));
+    zoomTo(zoom() > 1.0001 ? 1.0 : std::max(oneToOne, 1.0001), anchor);
+  }
 };
 
 class Toolbar : public MCView {
