@@ -18,8 +18,11 @@ std::atomic<std::thread::id>& mainThreadId() {
   return id;
 }
 
-// Records the loading thread as the main thread when the library is loaded.
-[[maybe_unused]] const bool recordedAtLoad = (mainThreadId().load(), true);
+// Records the loading thread as the main thread when the library is loaded, and makes GLib's
+// default context there too. A worker posting to the main queue must find the context (and its
+// wakeup descriptor) already made: GLib creates it once under its own atomics, which
+// ThreadSanitizer cannot see, so a first creation racing a worker's post reads as a data race.
+[[maybe_unused]] const bool recordedAtLoad = (mainThreadId().load(), g_main_context_default(), true);
 
 // The posted work. `scheduled` is true while an idle source is attached to run it; it is changed
 // only under `mutex`, together with `work`, so a post either finds the source scheduled and its
