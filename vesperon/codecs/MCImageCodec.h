@@ -53,6 +53,14 @@ class MCImageCodec {
 
   virtual std::shared_ptr<MCImageSource> imageSourceWithURL(const std::filesystem::path& url,
                                                             const MCImageSourceOptions& options) = 0;
+  /// A source over bytes already in memory, which the source shares and never copies to disk.
+  /// None by default: a codec that cannot read from memory is passed over for in-memory images.
+  virtual std::shared_ptr<MCImageSource> imageSourceWithData(std::shared_ptr<const MCData> data,
+                                                             const MCImageSourceOptions& options) {
+    (void)data;
+    (void)options;
+    return nullptr;
+  }
   virtual std::shared_ptr<MCImageDestination> imageDestinationAtURL(const std::filesystem::path& url,
                                                                     const MCImageDestinationOptions& options) = 0;
 
@@ -76,7 +84,7 @@ class MCImageCodec {
 };
 
 /// Bumped whenever MCImageCodec, MCImageSource, MCImageDestination or the records they take change.
-inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 2;
+inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 3;
 
 extern "C" {
 struct MCImageCodecPlugInInfo {
