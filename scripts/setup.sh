@@ -14,6 +14,8 @@ PACKAGES=(
   nlohmann-json3-dev libfmt-dev
   # the toolkit's GTK 4 host, and what its on-screen test drives it with
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
+  # file types and the desktop's applications (GIO), and the session bus the portal test starts
+  shared-mime-info desktop-file-utils dbus-daemon
   # tests and benchmarks
   googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing

@@ -2,12 +2,34 @@
 // MCMenuItem: what a menu item is to the views that validate it — its action (a command name such
 // as "copy:"), title and tag. Hosts build their menus from these and ask the window whether each
 // is enabled (MCWindow::validateMenuItem), so menus and key bindings share one set of names.
+//
+// Items built by the library's own menus (MCMenu) may also carry a represented object (an
+// application id, a path …), an icon by icon-theme name, and a target: the responder the action
+// goes to, instead of the window's responder chain.
 
+#include <memory>
 #include <string>
 
+class MCResponder;
+
 struct MCMenuItem {
+  MCMenuItem(std::string title = {}, std::string action = {}, long tag = 0, bool enabled = true)
+      : title(std::move(title)), action(std::move(action)), tag(tag), enabled(enabled) {}
+
   std::string title;
   std::string action;  // a command name, "copy:"
   long tag = 0;
   bool enabled = true;
+  bool separator = false;
+  std::string representedObject;
+  /// An icon-theme name or an image file's path; empty for none.
+  std::string iconName;
+  double iconSize = 16;
+  std::weak_ptr<MCResponder> target;
+
+  static MCMenuItem separatorItem() {
+    MCMenuItem item;
+    item.separator = true;
+    return item;
+  }
 };
