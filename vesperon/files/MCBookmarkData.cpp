@@ -1,6 +1,5 @@
 #include <vesperon/files/MCBookmarkData.h>
 
-#include <vesperon/files/MCDocumentPortal.h>
 
 #include <cstring>
 #include <system_error>
@@ -48,7 +47,8 @@ struct Reader {
 
 }  // namespace
 
-std::optional<MCBookmarkData> MCBookmarkData::ofItemAtPath(const std::filesystem::path& path, std::string* error) {
+std::optional<MCBookmarkData> MCBookmarkData::ofItemAtPath(const std::filesystem::path& path, std::string* error,
+                                                           MCDocumentPortal* portal) {
   std::error_code ec;
   const std::filesystem::path absolute = std::filesystem::absolute(path, ec).lexically_normal();
   auto identity = ec ? std::nullopt : MCFileIdentity::ofItemAtPath(absolute);
@@ -59,8 +59,8 @@ std::optional<MCBookmarkData> MCBookmarkData::ofItemAtPath(const std::filesystem
   MCBookmarkData bookmark;
   bookmark.path = absolute;
   bookmark.identity = *identity;
-  if (MCDocumentPortal::isSandboxed()) {
-    auto document = MCDocumentPortal::shared().addDocument(absolute, error);
+  if (portal) {
+    auto document = portal->addDocument(absolute, error);
     if (!document) return std::nullopt;
     bookmark.documentIdentifier = *document;
   }
@@ -93,13 +93,13 @@ std::optional<MCBookmarkData> MCBookmarkData::decode(const MCData& data) {
   return bookmark;
 }
 
-std::optional<std::filesystem::path> MCBookmarkData::resolve(std::string* error) const {
+std::optional<std::filesystem::path> MCBookmarkData::resolve(std::string* error, MCDocumentPortal* portal) const {
   if (!documentIdentifier.empty()) {
-    if (!MCDocumentPortal::isSandboxed()) {
+    if (!portal) {
       if (error) *error = "the bookmark was made inside a sandbox and needs the document portal";
       return std::nullopt;
     }
-    return MCDocumentPortal::shared().pathOfDocument(documentIdentifier, error);
+    return portal->pathOfDocument(documentIdentifier, error);
   }
   if (auto now = MCFileIdentity::ofItemAtPath(path); now && now->isSameFileAs(identity)) return path;
   // Renamed in place: the same item under another name in the same folder.

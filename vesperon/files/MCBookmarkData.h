@@ -18,6 +18,7 @@
 // Nothing else follows.
 
 #include <vesperon/core/MCValue.h>
+#include <vesperon/files/MCDocumentPortal.h>
 #include <vesperon/files/MCFileIdentity.h>
 
 #include <filesystem>
@@ -31,12 +32,17 @@ struct MCBookmarkData {
   std::string documentIdentifier;
 
   /// A bookmark of the item at `path`, or none with the reason in `error` when it cannot be read.
-  static std::optional<MCBookmarkData> ofItemAtPath(const std::filesystem::path& path, std::string* error);
+  /// With a portal (by default the sandbox's, none outside one) the item is added to it as a
+  /// document and the bookmark records the document's id.
+  static std::optional<MCBookmarkData> ofItemAtPath(const std::filesystem::path& path, std::string* error,
+                                                    MCDocumentPortal* portal = MCDocumentPortal::sandboxPortal());
 
   MCData encoded() const;
   /// None for bytes that are not a whole bookmark.
   static std::optional<MCBookmarkData> decode(const MCData& data);
 
-  /// The item's path now, or none with the reason in `error`.
-  std::optional<std::filesystem::path> resolve(std::string* error) const;
+  /// The item's path now, or none with the reason in `error`. A bookmark with a document id needs
+  /// a portal, which gives the document's path.
+  std::optional<std::filesystem::path> resolve(std::string* error,
+                                               MCDocumentPortal* portal = MCDocumentPortal::sandboxPortal()) const;
 };

@@ -20,6 +20,8 @@ class MCDocumentPortal {
 
   /// The portal of the session bus, connected on first use.
   static MCDocumentPortal& shared();
+  /// `shared()` inside a sandbox, none outside one: what bookmarks go through by default.
+  static MCDocumentPortal* sandboxPortal() { return isSandboxed() ? &shared() : nullptr; }
 
   /// A portal reached over the bus at `busAddress` (a D-Bus address such as "unix:path=…").
   explicit MCDocumentPortal(const std::string& busAddress);
