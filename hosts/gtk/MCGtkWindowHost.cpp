@@ -192,6 +192,7 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
 }
 
 MCGtkWindowHost::~MCGtkWindowHost() {
+  if (contextMenu_) gtk_widget_unparent(contextMenu_);
   if (window_->host() == this) window_->setHost(nullptr);
   if (widget_) g_object_unref(widget_);
 }
@@ -211,6 +212,20 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
   const MCSize size = window_->contentSize();
   gtk_window_set_default_size(toplevel_, int(std::lround(size.width)), int(std::lround(size.height)));
   gtk_window_set_child(toplevel_, widget_);
+  if (!titleBarButtons_.empty()) {
+    GtkWidget* bar = gtk_header_bar_new();
+    for (TitleBarButton& button : titleBarButtons_) {
+      GtkWidget* widget = gtk_button_new_from_icon_name(button.iconName.c_str());
+      gtk_widget_set_tooltip_text(widget, button.toolTip.c_str());
+      gtk_widget_set_focusable(widget, FALSE);  // the keys stay with the window's views
+      g_signal_connect(widget, "clicked", G_CALLBACK(+[](GtkButton*, gpointer data) {
+                         auto* entry = static_cast<TitleBarButton*>(data);
+                         if (entry->action) entry->action();
+                       }), &button);
+      gtk_header_bar_pack_start(GTK_HEADER_BAR(bar), widget);
+    }
+    gtk_window_set_titlebar(toplevel_, bar);
+  }
   g_signal_connect(toplevel, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
                      auto* host = static_cast<MCGtkWindowHost*>(data);
                      host->closing_ = true;
@@ -220,6 +235,12 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
   gtk_window_present(toplevel_);
   gtk_widget_grab_focus(widget_);
   return toplevel_;
+}
+
+void MCGtkWindowHost::addTitleBarButton(const std::string& iconName, const std::string& toolTip,
+                                        std::function<void()> action) {
+  if (toplevel_) return;  // the header bar is made once, when the window is presented
+  titleBarButtons_.push_back({iconName, toolTip, std::move(action)});
 }
 
 void MCGtkWindowHost::closeWindow() {
@@ -461,5 +482,96 @@ bool MCGtkWindowHost::beginDraggingSession(const std::shared_ptr<MCDraggingSessi
                    }), nullptr);
   session->beginAtPoint(window_->convertPointToScreen(pointer_));
   g_object_unref(drag);
+  return true;
+}
+
+// MARK: Context menus
+
+namespace {
+
+// Appends the items to `menu`, a section per run between separators; each item is the action
+// "context.item<index into items>".
+void appendMenuItems(GMenu* menu, const MCMenu& source, std::vector<MCMenuItem>& items, GSimpleActionGroup* actions) {
+  GMenu* section = g_menu_new();
+  auto flush = [&] {
+    if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) g_menu_append_section(menu, nullptr, G_MENU_MODEL(section));
+    g_object_unref(section);
+    section = g_menu_new();
+  };
+  for (const MCMenuItem& item : source.items()) {
+    if (item.separator) {
+      flush();
+      continue;
+    }
+    if (item.submenu) {
+      GMenu* inner = g_menu_new();
+      appendMenuItems(inner, *item.submenu, items, actions);
+      g_menu_append_submenu(section, item.title.c_str(), G_MENU_MODEL(inner));
+      g_object_unref(inner);
+      continue;
+    }
+    const std::string name = "item" + std::to_string(items.size());
+    items.push_back(item);
+    GSimpleAction* action = g_simple_action_new(name.c_str(), nullptr);
+    g_simple_action_set_enabled(action, item.enabled);
+    g_action_map_add_action(G_ACTION_MAP(actions), G_ACTION(action));
+    g_object_unref(action);
+    GMenuItem* entry = g_menu_item_new(item.title.c_str(), ("context." + name).c_str());
+    if (!item.iconName.empty()) {
+      GIcon* icon = nullptr;
+      if (item.iconName.front() == '/') {
+        GFile* file = g_file_new_for_path(item.iconName.c_str());
+        icon = g_file_icon_new(file);
+        g_object_unref(file);
+      } else {
+        icon = g_themed_icon_new(item.iconName.c_str());
+      }
+      g_menu_item_set_icon(entry, icon);
+      g_object_unref(icon);
+    }
+    g_menu_append_item(section, entry);
+    g_object_unref(entry);
+  }
+  flush();
+  g_object_unref(section);
+}
+
+}  // namespace
+
+bool MCGtkWindowHost::popUpContextMenu(const MCMenu& menu, MCPoint location,
+                                       std::function<void(const MCMenuItem&)> chosen) {
+  if (!widget_) return false;
+  if (contextMenu_) {
+    gtk_widget_unparent(contextMenu_);
+    contextMenu_ = nullptr;
+  }
+  contextItems_.clear();
+  contextChosen_ = std::move(chosen);
+  GSimpleActionGroup* actions = g_simple_action_group_new();
+  GMenu* model = g_menu_new();
+  appendMenuItems(model, menu, contextItems_, actions);
+  for (std::size_t i = 0; i < contextItems_.size(); ++i) {
+    GAction* action = g_action_map_lookup_action(G_ACTION_MAP(actions), ("item" + std::to_string(i)).c_str());
+    g_signal_connect(action, "activate", G_CALLBACK(+[](GSimpleAction* action, GVariant*, gpointer data) {
+                       auto* self = static_cast<MCGtkWindowHost*>(data);
+                       const std::string name = g_action_get_name(G_ACTION(action));
+                       const std::size_t index = std::stoul(name.substr(4));
+                       if (index >= self->contextItems_.size() || !self->contextChosen_) return;
+                       std::shared_ptr<MCGtkWindowHost> keep = self->shared_from_this();
+                       const MCMenuItem item = self->contextItems_[index];
+                       auto chosen = self->contextChosen_;
+                       chosen(item);
+                     }),
+                     this);
+  }
+  gtk_widget_insert_action_group(widget_, "context", G_ACTION_GROUP(actions));
+  g_object_unref(actions);
+  contextMenu_ = gtk_popover_menu_new_from_model(G_MENU_MODEL(model));
+  g_object_unref(model);
+  gtk_widget_set_parent(contextMenu_, widget_);
+  gtk_popover_set_has_arrow(GTK_POPOVER(contextMenu_), FALSE);
+  const GdkRectangle at{static_cast<int>(location.x), static_cast<int>(window_->contentSize().height - location.y), 1, 1};
+  gtk_popover_set_pointing_to(GTK_POPOVER(contextMenu_), &at);
+  gtk_popover_popup(GTK_POPOVER(contextMenu_));
   return true;
 }

@@ -18,6 +18,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <functional>
 
@@ -47,6 +48,11 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   /// Makes a GTK application window of the MCWindow's title and content size with the widget as
   /// its child, and shows it. Closing it closes the MCWindow.
   GtkWindow* presentInNewWindow(GtkApplication* application, bool decorated = true);
+  GtkWindow* toplevel() const { return toplevel_; }
+
+  /// A button at the start of the window's title bar, with a symbolic icon and a tool tip. Call
+  /// before presentInNewWindow, which puts the buttons in a header bar.
+  void addTitleBarButton(const std::string& iconName, const std::string& toolTip, std::function<void()> action);
 
   /// Where the widget's top left lies in its toplevel's surface, in GTK's units (y down).
   void widgetOriginInSurface(double& x, double& y) const;
@@ -62,6 +68,8 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
+  /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group.
+  bool popUpContextMenu(const MCMenu& menu, MCPoint location, std::function<void(const MCMenuItem&)> chosen) override;
 
   // Called by the widget.
   void snapshot(GdkSnapshot* snapshot);
@@ -93,4 +101,12 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   double lastZoomScale_ = 1;
   std::shared_ptr<MCPasteboardBackend> clipboard_;
   bool closing_ = false;
+  GtkWidget* contextMenu_ = nullptr;
+  struct TitleBarButton {
+    std::string iconName, toolTip;
+    std::function<void()> action;
+  };
+  std::vector<TitleBarButton> titleBarButtons_;
+  std::vector<MCMenuItem> contextItems_;
+  std::function<void(const MCMenuItem&)> contextChosen_;
 };

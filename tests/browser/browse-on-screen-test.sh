@@ -28,6 +28,8 @@ export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
 # Built with AddressSanitizer, the programs still stop at any memory error; leak checking is left to
 # the unit suites, as GTK and its libraries keep allocations for the life of the process.
 export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0" XDG_CACHE_HOME="$work/cache"
+# The folders remembered, the trash and the applications are the test's own, never the user's.
+export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" GIO_USE_VFS=local
 
 "$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
 pid=$!

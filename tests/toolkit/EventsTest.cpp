@@ -1,5 +1,6 @@
 // Event dispatch, the responder chain, key bindings and nested event loops, driven by scripts.
 #include <vesperon/toolkit/MCKeyBindings.h>
+#include <vesperon/toolkit/MCMenu.h>
 #include <vesperon/toolkit/MCOffscreenHost.h>
 #include <vesperon/toolkit/MCTimer.h>
 #include <vesperon/toolkit/MCView.h>
@@ -298,4 +299,51 @@ TEST(Events, TrackingAreasReportEnteringAndLeavingInOrder) {
   host.mouseMoved({60, 60});
   host.run();
   EXPECT_TRUE(hover->log.empty());
+}
+
+TEST(ContextMenus, ChosenItemsGoToTheCallbackTheTargetOrTheChain) {
+  auto window = MCWindow::create({200, 100});
+  MCOffscreenHost host(window);
+  class Answering : public MCView {
+   public:
+    explicit Answering(std::vector<std::string>& log) : MCView(MCMakeRect(0, 0, 200, 100)), log_(log) {
+      registerCommand("rename:", [this] { log_.push_back("chain rename:"); });
+    }
+    bool acceptsFirstResponder() const override { return true; }
+   private:
+    std::vector<std::string>& log_;
+  };
+  std::vector<std::string> log;
+  auto view = std::make_shared<Answering>(log);
+  window->contentView()->addSubview(view);
+  window->makeFirstResponder(view.get());
+  auto target = std::make_shared<MCResponder>();
+  target->registerCommand("share:", [&] { log.push_back("target share:"); });
+
+  MCMenu menu;
+  MCMenuItem share("Share", "share:");
+  share.target = target;
+  menu.addItem(share);
+  menu.addSeparator();
+  MCMenuItem more("More");
+  more.submenu = std::make_shared<MCMenu>();
+  more.submenu->addItem(MCMenuItem("Rename", "rename:"));
+  more.submenu->addItem(MCMenuItem("Disabled", "rename:", 0, false));
+  menu.addItem(more);
+
+  ASSERT_TRUE(window->popUpContextMenu(menu, {20, 30}, view.get()));
+  EXPECT_EQ(host.contextMenuLocation(), MCPoint({20, 30}));
+  EXPECT_FALSE(host.chooseContextMenuItem("Disabled"));
+  EXPECT_FALSE(host.chooseContextMenuItem("More"));  // a submenu's own row is no choice
+  EXPECT_TRUE(host.chooseContextMenuItem("Rename"));
+  EXPECT_EQ(host.contextMenu(), nullptr) << "the menu closes once an item is chosen";
+  EXPECT_FALSE(host.chooseContextMenuItem("Share"));
+
+  window->popUpContextMenu(menu, {0, 0}, nullptr);
+  EXPECT_TRUE(host.chooseContextMenuItem("Share"));
+  std::string picked;
+  window->popUpContextMenu(menu, {0, 0}, nullptr, [&](const MCMenuItem& item) { picked = item.title; });
+  EXPECT_TRUE(host.chooseContextMenuItem("Rename"));
+  EXPECT_EQ(picked, "Rename");
+  EXPECT_EQ(log, (std::vector<std::string>{"chain rename:", "target share:"}));
 }

@@ -1,14 +1,23 @@
 // vesperon browse: every image under a folder as a grid of thumbnails in a window, grouped by
 // capture day. With --render it draws the first screen offscreen into a PNG instead, once the
 // visible thumbnails have arrived.
+//
+// The folders opened are remembered between runs (MCSandboxHelper); without a folder named the
+// last one opens again. "Open Folder…" (the title bar's button, Ctrl+O) shows another; a right
+// click on the selection offers "Open With" and "Move to Trash" (also the Delete key).
 
 #include "BrowseController.h"
 #include "BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/controls/MCNavigationController.h>
+#include <vesperon/files/MCMenuExtensions.h>
+#include <vesperon/files/MCSandboxHelper.h>
+#include <vesperon/files/MCWorkspaceExtensions.h>
+#include <vesperon/toolkit/MCFilePanel.h>
 #include "VesperonCommand.h"
 
+#include <hosts/gtk/MCGtkDialogPresenter.h>
 #include <hosts/gtk/MCGtkPreviewPresenter.h>
 #include <hosts/gtk/MCGtkWindowHost.h>
 #include <vesperon/platform/MCGraphicsContext.h>
@@ -49,13 +58,6 @@ class StatusBar : public MCView {
   }
 };
 
-struct Browser {
-  std::shared_ptr<MCWindow> window;
-  std::shared_ptr<BrowseView> view;
-  std::shared_ptr<BrowseController> controller;
-  std::shared_ptr<MCNavigationController> navigation;
-};
-
 /// The grid page: the browser in its scroll view, and the status line.
 class GridPage : public MCViewController {
  public:
@@ -72,36 +74,44 @@ class GridPage : public MCViewController {
   std::weak_ptr<MCView> focus_;
 };
 
-Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection) {
-  Browser b;
-  const MCSize size = settings.size;
-  b.window = MCWindow::create(size);
-  b.window->setTitle("Vesperon — " + settings.folder.string());
-  auto status = std::make_shared<StatusBar>(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
-  status->setAutoresizingMask(MCViewWidthSizable | MCViewMaxYMargin);
-  auto scrollView = std::make_shared<MCScrollView>(
-      MCMakeRect(0, StatusBar::kHeight, size.width, size.height - StatusBar::kHeight));
-  scrollView->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
-  b.view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
-  scrollView->setDocumentView(b.view);
-  class Grid : public MCView {
-   public:
-    using MCView::MCView;
-  };
-  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height));
-  grid->addSubview(scrollView);
-  grid->addSubview(status);
-  b.navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b.view));
-  b.window->setContentView(b.navigation->view());
-  b.window->makeFirstResponder(b.view.get());
-  const bool report = settings.report;
+/// The window of the program and what it shows. `load` puts a folder's photos behind the view;
+/// the file actions (open a folder, trash, open with) work on the folder loaded last.
+struct Browser : std::enable_shared_from_this<Browser> {
+  BrowseSettings settings;
+  std::shared_ptr<MCWindow> window;
+  std::shared_ptr<BrowseView> view;
+  std::shared_ptr<StatusBar> status;
+  std::shared_ptr<BrowseController> controller;
+  std::shared_ptr<MCNavigationController> navigation;
+  fs::path folder;
+
+  void report(const std::string& line) const {
+    if (!settings.report) return;
+    std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
+  }
+  void load(const fs::path& newFolder);
+  void openFolder();
+  void trashSelection();
+  void showContextMenu(MCPoint pointInView);
+};
+
+/// Remembers `folder` as the one opened last, through the folders the sandbox helper keeps.
+void rememberFolder(const fs::path& folder) {
+  if (auto grant = MCSandboxURL::create(fs::absolute(folder).lexically_normal()))
+    MCSandboxHelper::sharedInstance()->addSandboxURLs({grant});
+}
+
+void Browser::load(const fs::path& newFolder) {
+  folder = newFolder;
+  window->setTitle("Vesperon — " + folder.string());
+  if (navigation) navigation->popToRootViewControllerAnimated(false);
   std::weak_ptr<StatusBar> weakStatus = status;
-  b.controller = std::make_shared<BrowseController>(
-      std::move(collection),
-      [report](const std::string& line) {
-        if (!report) return;
-        std::printf("%s\n", line.c_str());
-        std::fflush(stdout);
+  std::weak_ptr<Browser> self = weak_from_this();
+  controller = std::make_shared<BrowseController>(
+      BrowseCollection::scan(folder),
+      [self](const std::string& line) {
+        if (auto b = self.lock()) b->report(line);
       },
       [weakStatus](const std::string& line) {
         if (auto bar = weakStatus.lock()) {
@@ -110,61 +120,173 @@ Browser makeBrowser(const BrowseSettings& settings, BrowseCollection collection)
         }
       });
   // A double-click or Return opens the photo in a viewer page; leaving it gives the keys back.
-  std::weak_ptr<MCNavigationController> navigation = b.navigation;
-  std::weak_ptr<BrowseController> controller = b.controller;
-  std::weak_ptr<BrowseView> view = b.view;
-  auto open = [navigation, controller, view, report](const MCIndexPath& path) {
-    auto nav = navigation.lock();
-    auto c = controller.lock();
-    if (!nav || !c) return;
+  auto open = [self](const MCIndexPath& path) {
+    auto b = self.lock();
+    if (!b || !b->navigation || !b->controller) return;
+    std::weak_ptr<BrowseController> controller = b->controller;
     auto page = std::make_shared<BrowseViewerPage>(
-        c->collection().file(path.group, path.item), c->thumbnailAt(path),
-        [report](const std::string& line) {
-          if (!report) return;
-          std::printf("%s\n", line.c_str());
-          std::fflush(stdout);
+        b->controller->collection().file(path.group, path.item), b->controller->thumbnailAt(path),
+        [self](const std::string& line) {
+          if (auto b2 = self.lock()) b2->report(line);
         },
         [controller, path](long) {
-          if (auto c2 = controller.lock()) c2->itemChanged(path);
+          if (auto c = controller.lock()) c->itemChanged(path);
         });
-    nav->pushViewController(page, false);
+    b->navigation->pushViewController(page, false);
   };
-  b.controller->openItem = open;
-  b.view->openItem = open;
+  controller->openItem = open;
+  view->openItem = open;
+  controller->showContextMenu = [self](MCPoint point) {
+    if (auto b = self.lock()) b->showContextMenu(point);
+  };
+  view->trashSelection = [self] {
+    if (auto b = self.lock()) b->trashSelection();
+  };
+  view->openFolder = [self] {
+    if (auto b = self.lock()) b->openFolder();
+  };
+  if (window->host()) controller->attach(view);
+  report("folder " + folder.string() + " " + std::to_string(controller->collection().numberOfFiles()) + " photos");
+}
+
+void Browser::openFolder() {
+  std::optional<fs::path> chosen;
+  MCSandboxHelper::sharedInstance()->runModalOpenPanel(
+      [&](MCFilePanel& panel) {
+        panel.title = "Open Folder";
+        panel.prompt = "Open";
+        panel.canChooseFiles = false;
+        panel.canChooseDirectories = true;
+        panel.directoryURL = folder.parent_path();
+      },
+      [&](MCFilePanel& panel, long result) {
+        if (result == MCFilePanel::OKButton && !panel.URLs.empty()) chosen = panel.URL();
+        return std::vector<fs::path>{};  // remembered below, as the folder opened last
+      });
+  if (!chosen) return;
+  rememberFolder(*chosen);
+  load(*chosen);
+  report("opened " + chosen->string());
+}
+
+void Browser::trashSelection() {
+  const std::vector<fs::path> files = controller->selectedFiles();
+  if (files.empty()) return;
+  std::size_t trashed = 0;
+  for (const fs::path& file : files) {
+    std::string error;
+    if (trashItemAtURL(file, nullptr, &error)) {
+      ++trashed;
+      report("trashed " + file.string());
+    } else {
+      report("not trashed " + file.string() + ": " + error);
+    }
+  }
+  if (trashed) load(folder);  // what is left, selection and all anew
+}
+
+void Browser::showContextMenu(MCPoint pointInView) {
+  const std::vector<fs::path> files = controller->selectedFiles();
+  if (files.empty()) return;
+  MCMenu menu;
+  MCMenuItem openWith("Open With");
+  openWith.submenu = std::make_shared<MCMenu>("Open With");
+  buildOpenWithMenuForURLs(*openWith.submenu, files, nullptr, "openWith:");
+  menu.addItem(openWith);
+  menu.addSeparator();
+  menu.addItem(MCMenuItem("Move to Trash", "moveToTrash:"));
+  std::string titles;
+  for (const MCMenuItem& item : openWith.submenu->items()) titles += " | " + (item.separator ? "-" : item.title);
+  report("menu Open With" + titles + " | Move to Trash");
+  std::weak_ptr<Browser> self = weak_from_this();
+  window->popUpContextMenu(menu, pointInView, view.get(), [self, files](const MCMenuItem& item) {
+    auto b = self.lock();
+    if (!b) return;
+    if (item.action == "moveToTrash:") {
+      b->trashSelection();
+    } else if (item.action == "openWith:") {
+      std::string error;
+      if (openURLsWithApplication(files, item.representedObject, &error))
+        b->report("opened " + std::to_string(files.size()) + " with " + item.representedObject);
+      else
+        b->report("not opened with " + item.representedObject + ": " + error);
+    }
+  });
+}
+
+std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::path& folder) {
+  auto b = std::make_shared<Browser>();
+  b->settings = settings;
+  const MCSize size = settings.size;
+  b->window = MCWindow::create(size);
+  b->status = std::make_shared<StatusBar>(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
+  b->status->setAutoresizingMask(MCViewWidthSizable | MCViewMaxYMargin);
+  auto scrollView = std::make_shared<MCScrollView>(
+      MCMakeRect(0, StatusBar::kHeight, size.width, size.height - StatusBar::kHeight));
+  scrollView->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
+  b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
+  scrollView->setDocumentView(b->view);
+  class Grid : public MCView {
+   public:
+    using MCView::MCView;
+  };
+  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height));
+  grid->addSubview(scrollView);
+  grid->addSubview(b->status);
+  b->navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b->view));
+  b->window->setContentView(b->navigation->view());
+  b->window->makeFirstResponder(b->view.get());
+  b->load(folder);
   return b;
 }
 
-int renderOffscreen(const BrowseSettings& settings, BrowseCollection collection) {
-  Browser b = makeBrowser(settings, std::move(collection));
-  MCOffscreenHost host(b.window, 1.0);
-  b.controller->attach(b.view);
+int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
+  auto b = makeBrowser(settings, folder);
+  MCOffscreenHost host(b->window, 1.0);
+  b->controller->attach(b->view);
   // The first screen, once what it shows has arrived (or failed).
-  MCMainQueue::runUntil([&] { return b.controller->pendingCount() == 0; }, std::chrono::seconds(60));
+  MCMainQueue::runUntil([&] { return b->controller->pendingCount() == 0; }, std::chrono::seconds(60));
   if (!host.writePNG(settings.render)) {
     std::fprintf(stderr, "vesperon browse: cannot write %s\n", settings.render.c_str());
     return 1;
   }
-  std::printf("%s: %s\n", settings.render.c_str(), b.controller->statusLine().c_str());
+  std::printf("%s: %s\n", settings.render.c_str(), b->controller->statusLine().c_str());
   return 0;
 }
 
 int runBrowse(const BrowseSettings& settings) {
+  // The folders opened before come back first; with no folder named, the last one opens again.
+  auto helper = MCSandboxHelper::sharedInstance();
+  helper->restore();
+  fs::path folder = settings.folder;
+  if (folder.empty()) {
+    if (helper->sandboxURLs().empty()) {
+      std::fprintf(stderr, "vesperon browse: no folder given, and none opened before\n");
+      return 1;
+    }
+    folder = helper->sandboxURLs().back()->securityScopedURL();
+  }
   std::error_code ec;
-  if (!fs::is_directory(settings.folder, ec)) {
-    std::fprintf(stderr, "vesperon browse: %s is not a folder\n", settings.folder.c_str());
+  if (!fs::is_directory(folder, ec)) {
+    std::fprintf(stderr, "vesperon browse: %s is not a folder\n", folder.c_str());
     return 1;
   }
-  BrowseCollection collection = BrowseCollection::scan(settings.folder);
-  if (!settings.render.empty()) return renderOffscreen(settings, std::move(collection));
+  if (!settings.render.empty()) return renderOffscreen(settings, folder);
 
-  Browser b = makeBrowser(settings, std::move(collection));
+  rememberFolder(folder);
+  auto b = makeBrowser(settings, folder);
   std::shared_ptr<MCGtkWindowHost> host;
   std::shared_ptr<MCTimer> announcer;
   const int status = MCGtkRunApplication("org.vesperon.Browse", "vesperon", [&](GtkApplication* application) {
-    host = MCGtkWindowHost::create(b.window);
+    host = MCGtkWindowHost::create(b->window);
+    std::weak_ptr<Browser> weak = b;
+    host->addTitleBarButton("document-open-symbolic", "Open Folder… (Ctrl+O)", [weak] {
+      if (auto browser = weak.lock()) browser->openFolder();
+    });
     host->presentInNewWindow(application);
+    helper->setDialogPresenter(std::make_shared<MCGtkDialogPresenter>(host->toplevel()));
     MCPreviewPanel::sharedPreviewPanel()->setPresenter(std::make_shared<MCGtkPreviewPresenter>());
-    b.controller->attach(b.view);
+    b->controller->attach(b->view);
     // Tell a watching test where the grid's top left is, once the window shows.
     announcer = MCTimer::scheduledTimer(0.05, true, [&](MCTimer& timer) {
       if (!host->isShown()) return;
@@ -174,11 +296,11 @@ int runBrowse(const BrowseSettings& settings) {
       host->widgetOriginInSurface(x, y);
       std::printf("ready %ld %ld\n", std::lround(x), std::lround(y));
       // Where the first cells' images are, in the window's own coordinates (y down), to aim at.
-      const MCSize content = b.window->contentSize();
-      for (uint64_t i = 0; i < std::min<uint64_t>(3, b.view->numberOfItems()); ++i) {
+      const MCSize content = b->window->contentSize();
+      for (uint64_t i = 0; i < std::min<uint64_t>(3, b->view->numberOfItems()); ++i) {
         MCBrowserViewItemCardCell card;
-        const MCRect square = card.imageRectForBounds(b.view->contentLayout()->cellFrameAtItemIndex(i));
-        const MCPoint centre = b.view->convertPointToView({MCMidX(square), MCMidY(square)}, nullptr);
+        const MCRect square = card.imageRectForBounds(b->view->contentLayout()->cellFrameAtItemIndex(i));
+        const MCPoint centre = b->view->convertPointToView({MCMidX(square), MCMidY(square)}, nullptr);
         std::printf("cell %llu %ld %ld\n", static_cast<unsigned long long>(i), std::lround(centre.x),
                     std::lround(content.height - centre.y));
       }
@@ -186,6 +308,7 @@ int runBrowse(const BrowseSettings& settings) {
     });
   });
   announcer.reset();
+  helper->setDialogPresenter(nullptr);
   MCPreviewPanel::sharedPreviewPanel()->setPresenter(nullptr);
   host.reset();
   return status;
@@ -193,7 +316,8 @@ int runBrowse(const BrowseSettings& settings) {
 
 std::function<int()> defineBrowse(CLI::App& command) {
   auto settings = std::make_shared<BrowseSettings>();
-  command.add_option("DIR", settings->folder, "the folder whose images, at any depth, are shown")->required();
+  command.add_option("DIR", settings->folder,
+                     "the folder whose images, at any depth, are shown (default: the folder opened last)");
   command.add_option("--render", settings->render,
                      "draw the first screen offscreen into this PNG, once its thumbnails arrived, instead of a window");
   command.add_option_function<std::string>(

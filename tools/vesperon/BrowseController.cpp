@@ -79,6 +79,15 @@ void BrowseView::keyDown(const MCEvent& event) {
     if (auto path = firstSelectedIndexPath()) openItem(*path);
     return;
   }
+  if (!keys.empty() && (keys.front() == MCDeleteCharacter || keys.front() == MCDeleteFunctionKey) && trashSelection) {
+    trashSelection();
+    return;
+  }
+  if (!keys.empty() && (keys.front() == U'o' || keys.front() == U'O') &&
+      (event.modifierFlags() & MCEventModifierFlagCommand) && openFolder) {
+    openFolder();
+    return;
+  }
   MCBrowserView::keyDown(event);
 }
 
@@ -208,6 +217,7 @@ bool BrowseController::respondsTo(MCBrowserViewDelegateOperation operation) cons
     case MCBrowserViewDelegateOperation::ScaleDidChange:
     case MCBrowserViewDelegateOperation::SelectionDidChange:
     case MCBrowserViewDelegateOperation::CellWasDoubleClicked:
+    case MCBrowserViewDelegateOperation::CellWasRightClicked:
     case MCBrowserViewDelegateOperation::PasteboardWriterForItem:
     case MCBrowserViewDelegateOperation::DraggingSessionEnded:
     case MCBrowserViewDelegateOperation::WriteItemsToPasteboard:
@@ -318,4 +328,16 @@ void BrowseController::didFetchThumbnail(MCThumbnailCache&, const std::shared_pt
   auto view = view_.lock();
   if (!view || indexPath.group >= view->contentLayout()->numberOfGroups()) return;
   view->reloadItemAtIndexPath(indexPath);
+}
+
+void BrowseController::cellWasRightClickedAtIndexPath(MCBrowserView& view, const MCIndexPath&, const MCEvent& event) {
+  if (showContextMenu) showContextMenu(view.convertPoint(event.locationInWindow(), nullptr));
+}
+
+std::vector<std::filesystem::path> BrowseController::selectedFiles() const {
+  std::vector<std::filesystem::path> files;
+  auto view = view_.lock();
+  if (!view) return files;
+  for (const MCIndexPath& path : view->selectionIndexPaths()) files.push_back(collection_.file(path.group, path.item));
+  return files;
 }

@@ -29,11 +29,13 @@ struct BrowseItemInfo {
 };
 
 /// The browser view of the program: Ctrl with the wheel zooms, as a pinch does; Return opens the
-/// first selected photo.
+/// first selected photo; Delete moves the selected files to the trash; Ctrl+O opens a folder.
 class BrowseView : public MCBrowserView {
  public:
   using MCBrowserView::MCBrowserView;
   std::function<void(const MCIndexPath&)> openItem;
+  std::function<void()> trashSelection;
+  std::function<void()> openFolder;
   void scrollWheel(const MCEvent& event) override;
   void keyDown(const MCEvent& event) override;
 };
@@ -58,6 +60,11 @@ class BrowseController : public MCBrowserViewDataSource,
   std::string statusLine() const;
   /// Opens a photo in the viewer (set by the program); a double-click calls it.
   std::function<void(const MCIndexPath&)> openItem;
+  /// Shows the context menu of the selection (set by the program); a right-click on a cell calls
+  /// it with the point in the view, once the cell is selected.
+  std::function<void(MCPoint pointInView)> showContextMenu;
+  /// The files of the selected items, in order.
+  std::vector<std::filesystem::path> selectedFiles() const;
   /// The thumbnail shown for an item now, if any.
   MCRasterImageRef thumbnailAt(const MCIndexPath& indexPath);
   /// Forgets what was read of an item's file (its label changed) and redraws it.
@@ -73,6 +80,7 @@ class BrowseController : public MCBrowserViewDataSource,
   void browserViewScaleDidChange(MCBrowserView& view) override;
   void browserViewSelectionDidChange(MCBrowserView& view) override;
   void cellWasDoubleClickedAtIndexPath(MCBrowserView& view, const MCIndexPath& indexPath, const MCEvent& event) override;
+  void cellWasRightClickedAtIndexPath(MCBrowserView& view, const MCIndexPath& indexPath, const MCEvent& event) override;
   std::shared_ptr<MCPasteboardWriting> pasteboardWriterForItemAtIndexPath(MCBrowserView& view,
                                                                           const MCIndexPath& indexPath) override;
   void draggingSessionEndedAtPoint(MCBrowserView& view, MCDraggingSession& session, MCPoint screenPoint,

@@ -151,6 +151,29 @@ std::optional<std::string> applicationBundleIDForPaths(const std::vector<std::st
                                     otherApplicationBundleIDs);
 }
 
+bool openURLsWithApplication(const std::vector<std::filesystem::path>& urls, const std::string& bundleIdentifier,
+                             std::string* error) {
+  GAppInfo* app = appWithId(bundleIdentifier);
+  std::string failure;
+  if (!app) {
+    failure = "no application " + bundleIdentifier;
+  } else {
+    GList* files = nullptr;
+    for (auto it = urls.rbegin(); it != urls.rend(); ++it) files = g_list_prepend(files, g_file_new_for_path(it->c_str()));
+    GError* problem = nullptr;
+    if (!g_app_info_launch(app, files, nullptr, &problem)) {
+      failure = problem ? problem->message : "the application did not start";
+      if (problem) g_error_free(problem);
+    }
+    g_list_free_full(files, g_object_unref);
+    g_object_unref(app);
+  }
+  if (failure.empty()) return true;
+  MCLog::sdkFileSystem()->logError("Couldn't open files with " + bundleIdentifier + ": " + failure);
+  if (error) *error = failure;
+  return false;
+}
+
 namespace {
 
 // The items in the trash that came from `original`: the trash folders of the freedesktop trash

@@ -32,6 +32,11 @@ std::optional<std::string> displayNameOfApplication(const std::string& bundleIde
 /// The application's icon as an icon-theme name (or a file path), or none.
 std::optional<std::string> iconNameOfApplication(const std::string& bundleIdentifier);
 
+/// Opens the files with the application of this identifier; false, with the reason logged and in
+/// `error`, when there is no such application or it cannot be started.
+bool openURLsWithApplication(const std::vector<std::filesystem::path>& urls, const std::string& bundleIdentifier,
+                             std::string* error = nullptr);
+
 /// Moves the item to the user's trash (GIO's g_file_trash, run on a background thread while the
 /// caller waits). True on success, with where the item now lies in the trash's files/ folder in
 /// `resultingItemURL` when it is given and found; false with the reason logged and in `error`.

@@ -10,6 +10,7 @@
 #include <memory>
 #include <string>
 
+class MCMenu;
 class MCResponder;
 
 struct MCMenuItem {
@@ -26,6 +27,8 @@ struct MCMenuItem {
   std::string iconName;
   double iconSize = 16;
   std::weak_ptr<MCResponder> target;
+  /// The items shown beside this one when it is chosen, or none.
+  std::shared_ptr<MCMenu> submenu;
 
   static MCMenuItem separatorItem() {
     MCMenuItem item;

@@ -186,3 +186,39 @@ void MCOffscreenHost::endDraggingSession(uint64_t operation) {
   if (sessions_.empty()) return;
   sessions_.back()->endAtPoint(window_->convertPointToScreen(pointer_), operation);
 }
+
+bool MCOffscreenHost::popUpContextMenu(const MCMenu& menu, MCPoint location,
+                                       std::function<void(const MCMenuItem&)> chosen) {
+  menu_ = menu;
+  menuLocation_ = location;
+  menuChosen_ = std::move(chosen);
+  menuShown_ = true;
+  return true;
+}
+
+namespace {
+
+const MCMenuItem* findEnabledItem(const MCMenu& menu, const std::string& title) {
+  for (const MCMenuItem& item : menu.items()) {
+    if (item.separator || !item.enabled) continue;
+    if (item.submenu) {
+      if (const MCMenuItem* inner = findEnabledItem(*item.submenu, title)) return inner;
+    } else if (item.title == title) {
+      return &item;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+bool MCOffscreenHost::chooseContextMenuItem(const std::string& title) {
+  if (!menuShown_) return false;
+  const MCMenuItem* item = findEnabledItem(menu_, title);
+  if (!item) return false;
+  const MCMenuItem picked = *item;
+  auto chosen = std::move(menuChosen_);
+  menuShown_ = false;
+  if (chosen) chosen(picked);
+  return true;
+}

@@ -63,7 +63,14 @@ class MCOffscreenHost : public MCWindowHost {
   /// Ends the newest drag with `operation` at the pointer.
   void endDraggingSession(uint64_t operation);
 
+  // Context menus: the last one shown stays open until an item of it is chosen.
+  const MCMenu* contextMenu() const { return menuShown_ ? &menu_ : nullptr; }
+  MCPoint contextMenuLocation() const { return menuLocation_; }
+  /// Chooses the enabled item with this title (in the menu or its submenus); false when none.
+  bool chooseContextMenuItem(const std::string& title);
+
   // MCWindowHost
+  bool popUpContextMenu(const MCMenu& menu, MCPoint location, std::function<void(const MCMenuItem&)> chosen) override;
   void invalidateRect(const MCRect& rect) override;
   MCPoint mouseLocation() const override { return pointer_; }
   bool waitForEvents(Deadline deadline) override;
@@ -90,4 +97,8 @@ class MCOffscreenHost : public MCWindowHost {
   bool haveInvalidated_ = false;
   MCRect invalidated_{};
   std::vector<std::shared_ptr<MCDraggingSession>> sessions_;
+  bool menuShown_ = false;
+  MCMenu menu_;
+  MCPoint menuLocation_{};
+  std::function<void(const MCMenuItem&)> menuChosen_;
 };

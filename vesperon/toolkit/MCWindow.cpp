@@ -324,6 +324,24 @@ void MCWindow::doCommandBySelector(const std::string& command) { sendAction(comm
 
 // MARK: Commands and menus
 
+bool MCWindow::popUpContextMenu(const MCMenu& menu, MCPoint pointInView, const MCView* view,
+                                std::function<void(const MCMenuItem&)> chosen) {
+  if (!host_) return false;
+  const MCPoint location = view ? view->convertPointToView(pointInView, nullptr) : pointInView;
+  std::weak_ptr<MCWindow> weak = std::static_pointer_cast<MCWindow>(shared_from_this());
+  return host_->popUpContextMenu(menu, location, [weak, chosen](const MCMenuItem& item) {
+    if (chosen) {
+      chosen(item);
+      return;
+    }
+    if (auto target = item.target.lock()) {
+      target->tryToPerform(item.action);
+      return;
+    }
+    if (auto window = weak.lock()) window->sendAction(item.action);
+  });
+}
+
 bool MCWindow::sendAction(const std::string& command) {
   MCResponder* start = firstResponder_ ? firstResponder_ : this;
   // The window itself is the end of the chain: look from the first responder, then here.

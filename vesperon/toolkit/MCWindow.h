@@ -104,6 +104,11 @@ class MCWindow : public MCResponder {
   /// Whether a menu item is enabled: its action must have a target along the chain from the first
   /// responder, and that target's validateMenuItem must agree.
   bool validateMenuItem(const MCMenuItem& item) override;
+  /// Shows a context menu at a point of the view (its own coordinates) through the host. A chosen
+  /// item goes to `chosen` when given, else its action to its target, else down the responder
+  /// chain. False when the window has no host that shows menus.
+  bool popUpContextMenu(const MCMenu& menu, MCPoint pointInView, const MCView* view,
+                        std::function<void(const MCMenuItem&)> chosen = nullptr);
 
   // Closing.
   bool isClosed() const { return closed_; }

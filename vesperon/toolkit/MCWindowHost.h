@@ -22,7 +22,10 @@
 #include <vesperon/core/MCGeometry.h>
 #include <vesperon/toolkit/MCEvent.h>
 
+#include <vesperon/toolkit/MCMenu.h>
+
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -78,4 +81,8 @@ class MCWindowHost {
 
   /// The window asks to be closed.
   virtual void closeWindow() {}
+
+  /// Shows `menu` as a context menu at the point (base coordinates) and returns at once; `chosen`
+  /// hears the item the user picks, later, if any. False when the host shows no menus.
+  virtual bool popUpContextMenu(const MCMenu&, MCPoint, std::function<void(const MCMenuItem&)>) { return false; }
 };
