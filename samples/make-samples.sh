@@ -60,6 +60,14 @@ convert -seed 41 -size 160x160 plasma:fractal \( -size 160x160 radial-gradient:w
   -compose CopyOpacity -composite -depth 8 -strip badge.png
 convert -seed 42 -size 200x150 plasma:fractal -colorspace Gray -depth 8 -strip scan.png
 
+# A short clip, as a phone films one: three seconds panning over the beach, faded in from black,
+# with its creation time and place in the container (H.264 in MP4, by ffmpeg).
+ffmpeg -v error -y -loop 1 -framerate 10 -i beach.jpg -t 3 \
+  -vf "scale=480:-2,zoompan=z='1+0.004*on':x='iw/2-(iw/zoom/2)+on':y='ih/2-(ih/zoom/2)':d=1:s=320x214:fps=10,fade=in:st=0:d=0.5" \
+  -c:v libx264 -preset veryslow -crf 30 -pix_fmt yuv420p \
+  -metadata creation_time=2022-10-02T09:15:00Z -metadata location="+46.5552+008.5650+1850.000/" \
+  -movflags +faststart beach-clip.mp4
+
 # One corrupt file: a photo cut off in the middle of its image data.
 convert -seed 43 -size 800x600 plasma:fractal -quality 82 -strip "$tmp/whole.jpg"
 head -c $(( $(stat -c %s "$tmp/whole.jpg") / 2 )) "$tmp/whole.jpg" > corrupt-half-downloaded.jpg

@@ -71,7 +71,7 @@ start
 wait_for "^folder $work/first 2 photos$"
 wait_for '^cell 1 '
 read -r _ ox oy < <(grep '^ready ' "$work/out")
-read -r _ _ x0 y0 < <(grep '^cell 0 ' "$work/out")
+read -r _ _ x0 y0 _ < <(grep '^cell 0 ' "$work/out")
 window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
 
 # Right click on the first photo: its menu names the test's application.

@@ -62,7 +62,8 @@ std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
 }
 
 BrowseCollection BrowseCollection::scan(const fs::path& folder, std::size_t exifLimit) {
-  const auto types = MCImageTypes();
+  auto types = MCImageTypes();
+  types.merge(MCMovieTypes());  // a clip shows as its representative frame
   std::vector<fs::path> files;
   std::error_code ec;
   fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;

@@ -297,12 +297,14 @@ int runBrowse(const BrowseSettings& settings) {
       std::printf("ready %ld %ld\n", std::lround(x), std::lround(y));
       // Where the first cells' images are, in the window's own coordinates (y down), to aim at.
       const MCSize content = b->window->contentSize();
-      for (uint64_t i = 0; i < std::min<uint64_t>(3, b->view->numberOfItems()); ++i) {
+      for (uint64_t i = 0; i < std::min<uint64_t>(6, b->view->numberOfItems()); ++i) {
         MCBrowserViewItemCardCell card;
         const MCRect square = card.imageRectForBounds(b->view->contentLayout()->cellFrameAtItemIndex(i));
         const MCPoint centre = b->view->convertPointToView({MCMidX(square), MCMidY(square)}, nullptr);
-        std::printf("cell %llu %ld %ld\n", static_cast<unsigned long long>(i), std::lround(centre.x),
-                    std::lround(content.height - centre.y));
+        const auto path = b->view->contentLayout()->indexPathFromItemIndex(i);
+        const std::string file = path ? b->controller->collection().file(path->group, path->item).filename().string() : "";
+        std::printf("cell %llu %ld %ld %s\n", static_cast<unsigned long long>(i), std::lround(centre.x),
+                    std::lround(content.height - centre.y), file.c_str());
       }
       std::fflush(stdout);
     });

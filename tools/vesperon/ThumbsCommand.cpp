@@ -40,10 +40,11 @@ struct Settings {
   fs::path cacheDirectory;  // empty: the application's folder under the user's cache folder
 };
 
-// Every file under `folder` whose type some source extension reads, in name order. A folder that
-// cannot be read, or vanishes while it is walked, just ends its part of the walk.
+// Every file under `folder` whose type some source extension reads (images and clips), in name
+// order. A folder that cannot be read, or vanishes while it is walked, just ends its part of the walk.
 std::vector<fs::path> findImages(const fs::path& folder) {
-  const auto types = MCImageTypes();
+  auto types = MCImageTypes();
+  types.merge(MCMovieTypes());  // a clip shows as its representative frame
   std::vector<fs::path> files;
   std::error_code ec;
   fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
