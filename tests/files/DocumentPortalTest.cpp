@@ -42,6 +42,7 @@ class FakePortal {
   ~FakePortal() {
     if (loop_) g_main_loop_quit(loop_);
     if (service_.joinable()) service_.join();
+    if (loop_) g_main_loop_unref(loop_);
     if (pid_ > 0) ::kill(pid_, SIGTERM);
     if (daemon_) ::pclose(daemon_);
   }

@@ -58,7 +58,7 @@ TEST(Workspace, OneApplicationOnlyWhenEveryTypeAgreesAndOthersOpenThemAll) {
 
   // A type nobody opens stops the search; missing files are passed over.
   const fs::path odd = freshFolder("odd") / "notes.vesperon-nothing";
-  writeText(odd, std::string("\x01\x02\x03\x04 not a known format", 25));
+  writeText(odd, std::string("\x01\x02\x03\x04 not a known format"));
   EXPECT_EQ(applicationBundleIDForURLs({kJPEG, odd}, &others), std::nullopt);
   EXPECT_TRUE(others.empty());
   EXPECT_EQ(applicationBundleIDForURLs({odd.parent_path() / "missing.jpg", kJPEG}, nullptr), "alpha-viewer.desktop");
@@ -86,7 +86,7 @@ TEST(Workspace, OpenWithMenusListTheDefaultThenTheOthersByName) {
   EXPECT_EQ(menu.items()[1].title, "Beta Viewer");
 
   const fs::path odd = freshFolder("odd-menu") / "notes.vesperon-nothing";
-  writeText(odd, std::string("\x01\x02\x03\x04 not a known format", 25));
+  writeText(odd, std::string("\x01\x02\x03\x04 not a known format"));
   buildOpenWithMenuForURLs(menu, {odd}, target, "openWith:");
   ASSERT_EQ(menu.numberOfItems(), 1u);
   EXPECT_EQ(menu.items()[0].title, "menu_none_in_brackets");
