@@ -87,3 +87,20 @@ TEST(VesperonInfo, EveryArgumentPrintsWhateverTheOthersAre) {
   EXPECT_TRUE(utf8Ok);
   EXPECT_TRUE(nlohmann::json::parse(utf8Text, nullptr, false).contains(utf8Name.string())) << utf8Text;
 }
+
+// A file without an Exif block of its own tells what its codec plug-in reads: a clip its date,
+// place, size and length.
+TEST(VesperonInfo, AClipTellsWhatTheVideoPlugInReads) {
+  const fs::path clip = fs::path(VESPERON_SAMPLES_DIR) / "beach-clip.mp4";
+  auto [ok, text] = run("'" VESPERON_TOOL "' info '" + clip.string() + "'");
+  ASSERT_TRUE(ok) << text;
+  const nlohmann::json read = nlohmann::json::parse(text, nullptr, false)[clip.string()];
+  ASSERT_TRUE(read.is_object()) << text;
+  EXPECT_EQ(read["PixelWidth"], 320);
+  EXPECT_EQ(read["{Exif}"]["DateTimeOriginal"], "2022:10:02 09:15:00");
+  EXPECT_NEAR(read["{GPS}"]["Latitude"].get<double>(), 46.5552, 1e-6);
+  EXPECT_EQ(read["{GPS}"]["LongitudeRef"], "E");
+  EXPECT_NEAR(read["{GPS}"]["Altitude"].get<double>(), 1850, 1e-6);
+  EXPECT_EQ(read["{Movie}"]["Codec"], "h264");
+  EXPECT_NEAR(read["{Movie}"]["Duration"].get<double>(), 3.0, 0.15);
+}

@@ -1,11 +1,13 @@
 // vesperon info FILE… [--merge-mask N]: the metadata of each file as one JSON object keyed by path.
 // The file's own Exif block (JPEG, or a bare Exif/TIFF block) is parsed into an MCExif record and
-// presented as its nested property dictionary; the XMP sidecar beside the file (same name,
-// extension "xmp"), when there is one, is read and merged into it by the metadata reader's merge.
+// presented as its nested property dictionary; a file without one gives what its codec plug-in
+// reads (a PNG's pixel size, a clip's date, place, duration and codec …). The XMP sidecar beside
+// the file (same name, extension "xmp"), when there is one, is read and merged into it by the
+// metadata reader's merge.
 // Where both have the "{Exif}", "{GPS}" or "{IPTC}" sub-dictionary, the file's wins unless the mask
 // has bit 1, 2 or 4 set, which lets the sidecar's keys win in that sub-dictionary; a sub-dictionary
 // only one side has is always taken. The mask defaults to 0.
-// A file without Exif or sidecar prints an empty object. An argument that cannot be read (missing,
+// A file that no plug-in reads, without Exif or sidecar, prints an empty object. An argument that cannot be read (missing,
 // a folder, anything but a regular file, or one whose reading fails) prints null, a line on stderr,
 // and makes the exit status 1; the other files still print.
 // JSON holds UTF-8 text only. A path that is not valid UTF-8 is printed as its key with each byte
@@ -16,6 +18,7 @@
 #include "CommandFiles.h"
 #include "VesperonCommand.h"
 
+#include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExifReader.h>
 
@@ -94,6 +97,10 @@ std::optional<nlohmann::json> fileInfo(const std::string& path, uint64_t mask) {
     MCDictionary properties;
     if (auto reader = MCExifReader::create(*bytes)) {
       if (auto exif = reader->parseExif()) properties = exif->dictionary();
+    }
+    // Without an Exif block of its own (a PNG, a clip …) the file says what its plug-in reads.
+    if (properties.empty()) {
+      if (auto read = MCImageReader::metadataFromImageAtURL(path, std::nullopt)) properties = std::move(*read);
     }
     if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(path)) {
       properties = MCCGImageMetadataReader::mergeImageMetadata(properties, *sidecar, mask);
