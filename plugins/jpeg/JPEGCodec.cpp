@@ -13,6 +13,10 @@ class JPEGCodec : public MCImageCodec {
                                                     const MCImageSourceOptions& options) override {
     return mc_detail::JPEGImageSource::create(url, options);
   }
+  std::shared_ptr<MCImageSource> imageSourceWithData(std::shared_ptr<const MCData> data,
+                                                     const MCImageSourceOptions& options) override {
+    return mc_detail::JPEGImageSource::create(std::move(data), options);
+  }
   std::shared_ptr<MCImageDestination> imageDestinationAtURL(const std::filesystem::path& url,
                                                             const MCImageDestinationOptions& options) override {
     if (url.empty()) return nullptr;

@@ -45,6 +45,16 @@ std::shared_ptr<JPEGImageSource> JPEGImageSource::create(const std::filesystem::
   return std::shared_ptr<JPEGImageSource>(new JPEGImageSource(url, options, std::move(header)));
 }
 
+std::shared_ptr<JPEGImageSource> JPEGImageSource::create(std::shared_ptr<const MCData> data,
+                                                         const MCImageSourceOptions& options) {
+  if (!data) return nullptr;
+  auto header = JPEGDecoder::openMemory(data->data(), data->size());
+  if (!header) return nullptr;
+  std::shared_ptr<JPEGImageSource> source(new JPEGImageSource("(in memory)", options, std::move(header)));
+  source->data_ = std::move(data);
+  return source;
+}
+
 JPEGImageSource::JPEGImageSource(std::filesystem::path url, MCImageSourceOptions options,
                                  std::unique_ptr<JPEGDecoder> header)
     : url_(std::move(url)),
@@ -59,7 +69,7 @@ JPEGImageSource::JPEGImageSource(std::filesystem::path url, MCImageSourceOptions
 
 std::unique_ptr<JPEGDecoder> JPEGImageSource::imageDecoder() {
   if (header_) return std::move(header_);
-  return JPEGDecoder::openFile(url_);
+  return data_ ? JPEGDecoder::openMemory(data_->data(), data_->size()) : JPEGDecoder::openFile(url_);
 }
 
 MCRasterImageRef JPEGImageSource::newImage() {

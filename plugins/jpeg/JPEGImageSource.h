@@ -34,6 +34,8 @@ class JPEGImageSource : public MCImageSource {
  public:
   /// None when the file cannot be opened or is not a JPEG.
   static std::shared_ptr<JPEGImageSource> create(const std::filesystem::path& url, const MCImageSourceOptions& options);
+  /// The same over bytes in memory, which the source keeps.
+  static std::shared_ptr<JPEGImageSource> create(std::shared_ptr<const MCData> data, const MCImageSourceOptions& options);
 
   MCRasterImageRef newImage() override;
   MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
@@ -54,7 +56,8 @@ class JPEGImageSource : public MCImageSource {
   /// The decoder that read the header, the first time; a fresh one after that.
   std::unique_ptr<JPEGDecoder> imageDecoder();
 
-  std::filesystem::path url_;
+  std::filesystem::path url_;         // the file, or a name for log lines when reading from memory
+  std::shared_ptr<const MCData> data_;  // the bytes, when the source reads from memory
   MCImageSourceOptions options_;
   std::size_t width_, height_;
   JPEGDecoder::ColorModel colorModel_;

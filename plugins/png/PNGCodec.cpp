@@ -12,6 +12,10 @@ class PNGCodec : public MCImageCodec {
                                                     const MCImageSourceOptions& options) override {
     return mc_detail::PNGImageSource::create(url, options);
   }
+  std::shared_ptr<MCImageSource> imageSourceWithData(std::shared_ptr<const MCData> data,
+                                                     const MCImageSourceOptions& options) override {
+    return mc_detail::PNGImageSource::create(std::move(data), options);
+  }
   std::shared_ptr<MCImageDestination> imageDestinationAtURL(const std::filesystem::path&,
                                                             const MCImageDestinationOptions&) override {
     return nullptr;

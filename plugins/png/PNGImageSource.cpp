@@ -51,14 +51,16 @@ std::optional<std::array<png_byte, 5>> overlongChunk(FILE* file) {
   return found;
 }
 
-// A read struct over one open file, destroyed with it.
+// A read struct over one open file (or bytes in memory, read as a file through fmemopen),
+// destroyed with it.
 struct Reader {
   FILE* file = nullptr;
   png_structp png = nullptr;
   png_infop info = nullptr;
 
-  explicit Reader(const std::filesystem::path& path) {
-    file = std::fopen(path.c_str(), "rb");
+  Reader(const std::filesystem::path& path, const MCData* data) {
+    file = data ? (data->empty() ? nullptr : fmemopen(const_cast<uint8_t*>(data->data()), data->size(), "rb"))
+                : std::fopen(path.c_str(), "rb");
     if (!file) return;
     unsigned char signature[8];
     if (std::fread(signature, 1, 8, file) != 8 || png_sig_cmp(signature, 0, 8) != 0) return;
@@ -110,11 +112,23 @@ bool readInfo(Reader& reader, PNGImageSource::Header& header) {
 }  // namespace
 
 std::shared_ptr<PNGImageSource> PNGImageSource::create(const std::filesystem::path& url, const MCImageSourceOptions& options) {
-  Reader reader(url);
+  Reader reader(url, nullptr);
   if (!reader.ready()) return nullptr;
   Header header;
   if (!readInfo(reader, header)) return nullptr;
   return std::shared_ptr<PNGImageSource>(new PNGImageSource(url, options, std::move(header)));
+}
+
+std::shared_ptr<PNGImageSource> PNGImageSource::create(std::shared_ptr<const MCData> data,
+                                                       const MCImageSourceOptions& options) {
+  if (!data) return nullptr;
+  Reader reader({}, data.get());
+  if (!reader.ready()) return nullptr;
+  Header header;
+  if (!readInfo(reader, header)) return nullptr;
+  std::shared_ptr<PNGImageSource> source(new PNGImageSource("(in memory)", options, std::move(header)));
+  source->data_ = std::move(data);
+  return source;
 }
 
 PNGImageSource::PNGImageSource(std::filesystem::path url, MCImageSourceOptions options, Header header)
@@ -133,7 +147,7 @@ PNGImageSource::PNGImageSource(std::filesystem::path url, MCImageSourceOptions o
 }
 
 bool PNGImageSource::decode(RGBAPixels& out) const {
-  Reader reader(url_);
+  Reader reader(url_, data_.get());
   if (!reader.ready()) return false;
   Header header;
   if (!readInfo(reader, header)) return false;

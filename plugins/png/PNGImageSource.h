@@ -25,6 +25,8 @@ class PNGImageSource : public MCImageSource {
  public:
   /// None when the file cannot be opened or is not a PNG.
   static std::shared_ptr<PNGImageSource> create(const std::filesystem::path& url, const MCImageSourceOptions& options);
+  /// The same over bytes in memory, which the source keeps.
+  static std::shared_ptr<PNGImageSource> create(std::shared_ptr<const MCData> data, const MCImageSourceOptions& options);
 
   MCRasterImageRef newImage() override;
   MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
@@ -45,7 +47,8 @@ class PNGImageSource : public MCImageSource {
   /// Whether the image fits the decode budget; logs the refusal when it does not.
   bool withinBudget(const Header& header) const;
 
-  std::filesystem::path url_;
+  std::filesystem::path url_;           // the file, or a name for log lines when reading from memory
+  std::shared_ptr<const MCData> data_;  // the bytes, when the source reads from memory
   MCImageSourceOptions options_;
   Header header_;
   std::unique_ptr<EmbeddedExif> exif_;

@@ -11,6 +11,10 @@ target_compile_definitions(vesperon_plugin_test_writer PRIVATE TEST_CODEC_ID="te
 vesperon_add_plugin(test_no_entry SOURCES ${dir}/plugins/NoEntry.cpp OUTPUT_DIRECTORY ${codec_fixture_dir})
 vesperon_add_plugin(test_old_abi SOURCES ${dir}/plugins/TestCodec.cpp OUTPUT_DIRECTORY ${codec_fixture_dir})
 target_compile_definitions(vesperon_plugin_test_old_abi PRIVATE TEST_CODEC_ID="test.old" TEST_CODEC_PRIORITY=99 TEST_CODEC_ABI_OFFSET=1)
+# A probe registered for camera raw types, in a folder of its own.
+set(raw_probe_dir ${CMAKE_CURRENT_BINARY_DIR}/codecs/raw-probe-plugin)
+vesperon_add_plugin(test_raw_probe SOURCES ${dir}/plugins/RawProbeCodec.cpp OUTPUT_DIRECTORY ${raw_probe_dir})
 list(APPEND fixture_dependencies vesperon_plugin_test_low vesperon_plugin_test_high vesperon_plugin_test_writer
-  vesperon_plugin_test_no_entry vesperon_plugin_test_old_abi)
+  vesperon_plugin_test_no_entry vesperon_plugin_test_old_abi vesperon_plugin_test_raw_probe)
+list(APPEND fixture_definitions RAW_PROBE_DIR="${raw_probe_dir}")
 list(APPEND fixture_definitions CODEC_FIXTURE_DIR="${codec_fixture_dir}")

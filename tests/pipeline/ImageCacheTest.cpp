@@ -154,7 +154,7 @@ TEST_F(ImageCacheFiles, BrokenFilesAndUnwritableFolders) {
   LogCapture log;
   ASSERT_TRUE(log.available()) << "no log file";
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));
-  EXPECT_TRUE(log.contains("CGImageSource: bad status -2 at URL: " + file.string() + "\n")) << log.text();
+  EXPECT_TRUE(log.contains("CGImageSource: bad status -4 at URL: " + file.string() + "\n")) << log.text();
   // Cut short: a JPEG header with no scan.
   std::ofstream(file, std::ios::binary | std::ios::trunc) << std::string("\xFF\xD8\xFF\xE0\x00\x10JFIF", 10);
   EXPECT_FALSE(cache.imageWithIdentifier(1, 128));

@@ -77,10 +77,12 @@ TEST_F(ImageFiles, BadInputGivesNoneAndAReport) {
   ASSERT_TRUE(log.available()) << "no log file";
   std::filesystem::create_directories(scratch(""));
   std::ofstream(scratch("text.jpg")) << "plain text, not an image";
+  std::ofstream(scratch("notes.vesperon-unknown")) << "plain text, not an image";
   std::ofstream(scratch("nothing.jpg")).close();
   const MCData empty, garbage(64, 0x42);
   EXPECT_FALSE(MCCreateImageWithURL(""));
   EXPECT_FALSE(MCCreateImageWithURL(scratch("text.jpg")));
+  EXPECT_FALSE(MCCreateImageWithURL(scratch("notes.vesperon-unknown")));
   EXPECT_FALSE(MCCreateImageWithURL(scratch("nothing.jpg")));
   EXPECT_FALSE(MCCreateImageWithURL(scratch("missing.jpg")));
   EXPECT_FALSE(MCCreateImageWithData(nullptr));
@@ -89,12 +91,61 @@ TEST_F(ImageFiles, BadInputGivesNoneAndAReport) {
   const std::string text = log.text();
   const std::string prefix = "[com.quillary.vesperon, Graphics] : CGImageSource: ";
   EXPECT_NE(text.find(prefix + "URL cannot be nil\n"), std::string::npos) << text;
-  EXPECT_NE(text.find(prefix + "bad status -2 at URL: " + scratch("text.jpg").string() + "\n"), std::string::npos);
+  // Named a JPEG, and the JPEG source cannot open it: invalid data. Nothing reads its type at all:
+  // unknown type. The platform's numbers.
+  EXPECT_NE(text.find(prefix + "bad status -4 at URL: " + scratch("text.jpg").string() + "\n"), std::string::npos);
+  EXPECT_NE(text.find(prefix + "bad status -3 at URL: " + scratch("notes.vesperon-unknown").string() + "\n"),
+            std::string::npos)
+      << text;
   EXPECT_NE(text.find(prefix + "zero count at URL: " + scratch("nothing.jpg").string() + "\n"), std::string::npos);
   EXPECT_EQ(text.find("missing.jpg"), std::string::npos) << "an unreadable file is not reported";
   EXPECT_NE(text.find(prefix + "data cannot be nil\n"), std::string::npos);
   EXPECT_NE(text.find(prefix + "zero count.\n"), std::string::npos);
-  EXPECT_NE(text.find(prefix + "bad status -2.\n"), std::string::npos);
+  EXPECT_NE(text.find(prefix + "bad status -3.\n"), std::string::npos);
+  // Bytes that show a JPEG but are not one: invalid data.
+  MCData fakeJPEG = {0xFF, 0xD8, 0xFF, 0xE0, 0x00, 0x02, 0x42, 0x42};
+  EXPECT_FALSE(MCCreateImageWithData(&fakeJPEG));
+  EXPECT_NE(log.text().find(prefix + "bad status -4.\n"), std::string::npos) << log.text();
+}
+
+TEST_F(ImageFiles, TheNameGivesTheTypeAndTheContentComesSecond) {
+  ASSERT_TRUE(MCSaveImageToURL(halves(), scratch("halves.jpg")));
+  const MCData jpeg = bytesOf(scratch("halves.jpg"));
+  // A JPEG saved under a PNG name opens: the PNG source refuses it, and the content's type comes next.
+  std::ofstream(scratch("really-a-jpeg.png"), std::ios::binary)
+      .write(reinterpret_cast<const char*>(jpeg.data()), std::streamsize(jpeg.size()));
+  auto misnamed = MCCreateImageWithURL(scratch("really-a-jpeg.png"));
+  ASSERT_TRUE(misnamed);
+  EXPECT_EQ(misnamed->width(), 16u);
+  // First bytes of raw formats that have a signature of their own, and of the ISO brands.
+  auto typeOf = [](const std::string& bytes) {
+    return MCImageTypeOfBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+  };
+  EXPECT_EQ(typeOf(std::string("II*\0\x10\0\0\0CR\x02\0", 12)), "com.canon.cr2-raw-image");
+  EXPECT_EQ(typeOf(std::string("II*\0\x08\0\0\0\0\0\0\0", 12)), "public.tiff");
+  EXPECT_EQ(typeOf("FUJIFILMCCD-RAW 0201"), "com.fuji.raw-image");
+  EXPECT_EQ(typeOf("IIRO\x08\0\0\0"), "com.olympus.raw-image");
+  EXPECT_EQ(typeOf(std::string("IIU\0\x08\0\0\0", 8)), "com.panasonic.rw2-raw-image");
+  EXPECT_EQ(typeOf(std::string("\0\0\0\x18" "ftypcrx \0\0\0\x01", 16)), "com.canon.cr3-raw-image");
+  EXPECT_EQ(typeOf(std::string("\0\0\0\x20" "ftypisom\0\0\x02\0", 16)), "public.mpeg-4");
+  EXPECT_EQ(typeOf(std::string("\0\0\0\x14" "ftypqt  \0\0\0\0", 16)), "com.apple.quicktime-movie");
+  EXPECT_EQ(typeOf(std::string("\0\0\0\x1c" "ftypavif\0\0\0\0", 16)), "public.avif");
+  EXPECT_EQ(typeOf("IIxx"), "");
+}
+
+TEST_F(ImageFiles, BytesInMemoryAreReadWhereTheyAre) {
+  ASSERT_TRUE(MCSaveImageToURL(halves(), scratch("memory.jpg")));
+  const MCData jpeg = bytesOf(scratch("memory.jpg"));
+  // With the temporary folder gone, nothing could be written on the way: the image still comes.
+  const char* saved = std::getenv("TMPDIR");
+  const std::string savedValue = saved ? saved : "";
+  setenv("TMPDIR", scratch("no-such-folder").c_str(), 1);
+  auto image = MCCreateImageWithData(&jpeg);
+  if (saved) setenv("TMPDIR", savedValue.c_str(), 1);
+  else unsetenv("TMPDIR");
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->width(), 16u);
+  EXPECT_FALSE(std::filesystem::exists(scratch("no-such-folder")));
 }
 
 TEST_F(ImageFiles, CutFilesAndUnwritablePlaces) {

@@ -3,90 +3,66 @@
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pixels/MCImageCreation.h>
 #include <vesperon/pixels/MCImageFiles.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <vector>
 
 namespace {
 
 constexpr const char* kJPEGType = "public.jpeg";
-constexpr int kStatusUnknownType = -2;
+// The platform's image source statuses.
+constexpr int kStatusUnknownType = -3;
 constexpr int kStatusInvalidData = -4;
 
 enum class Outcome { Image, NoImage, Unreadable, Empty, UnknownType, InvalidData };
 
-MCRasterImageRef decode(const std::filesystem::path& path, const MCDictionary& options, Outcome& outcome) {
-  uint8_t head[32] = {};
-  std::size_t length = 0;
-  {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-      outcome = Outcome::Unreadable;
-      return nullptr;
+// Where the bytes are: a file, or memory.
+struct Input {
+  const std::filesystem::path* url = nullptr;
+  std::shared_ptr<const MCData> data;
+};
+
+MCRasterImageRef decode(const Input& input, const std::vector<std::string>& types, const MCDictionary& options,
+                        Outcome& outcome) {
+  bool anyExtension = false;
+  for (const std::string& type : types) {
+    auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(type);
+    if (!extensions || extensions->empty()) continue;
+    anyExtension = true;
+    auto sourceOptions = MCImageSourceOptions::create(type);
+    auto factor = options.find(kCGImageSourceSubsampleFactor);
+    if (factor != options.end()) {
+      const auto value = factor->second.integerValue();
+      if (value && (*value == 1 || *value == 2 || *value == 4 || *value == 8)) sourceOptions->subsampleFactor = uint64_t(*value);
     }
-    file.read(reinterpret_cast<char*>(head), sizeof head);
-    length = std::size_t(file.gcount());
+    for (const auto& extension : *extensions) {
+      auto source = input.url ? extension->imageSourceWithURL(*input.url, *sourceOptions)
+                              : extension->imageSourceWithData(input.data, *sourceOptions);
+      if (!source) continue;
+      auto image = source->newImage();
+      outcome = image ? Outcome::Image : Outcome::NoImage;
+      return image;
+    }
   }
-  if (length == 0) {
-    outcome = Outcome::Empty;
-    return nullptr;
-  }
-  const std::string type = MCImageTypeOfBytes(head, length);
-  auto extensions = type.empty() ? std::nullopt : MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(type);
-  if (!extensions || extensions->empty()) {
-    outcome = Outcome::UnknownType;
-    return nullptr;
-  }
-  auto sourceOptions = MCImageSourceOptions::create(type);
-  auto factor = options.find(kCGImageSourceSubsampleFactor);
-  if (factor != options.end()) {
-    const auto value = factor->second.integerValue();
-    if (value && (*value == 1 || *value == 2 || *value == 4 || *value == 8)) sourceOptions->subsampleFactor = uint64_t(*value);
-  }
-  for (const auto& extension : *extensions) {
-    auto source = extension->imageSourceWithURL(path, *sourceOptions);
-    if (!source) continue;
-    auto image = source->newImage();
-    outcome = image ? Outcome::Image : Outcome::NoImage;
-    return image;
-  }
-  outcome = Outcome::InvalidData;
+  outcome = anyExtension ? Outcome::InvalidData : Outcome::UnknownType;
   return nullptr;
 }
 
-// A private temporary file holding bytes, removed at destruction.
-class TemporaryFile {
- public:
-  explicit TemporaryFile(const MCData& data) {
-    std::string pattern = (std::filesystem::temp_directory_path() / "vesperon-image-XXXXXX").string();
-    const int fd = mkstemp(pattern.data());
-    if (fd < 0) return;
-    path_ = pattern;
-    std::size_t written = 0;
-    while (written < data.size()) {
-      const ssize_t n = ::write(fd, data.data() + written, data.size() - written);
-      if (n <= 0) break;
-      written += std::size_t(n);
-    }
-    ::close(fd);
-    if (written != data.size()) {
-      std::filesystem::remove(path_);
-      path_.clear();
-    }
-  }
-  ~TemporaryFile() {
-    std::error_code ignored;
-    if (!path_.empty()) std::filesystem::remove(path_, ignored);
-  }
-  const std::filesystem::path& path() const { return path_; }
-
- private:
-  std::filesystem::path path_;
-};
+// The types to try for a file: the type its name gives through the type vocabulary, then, when
+// its first bytes show another, that one — a PNG saved under a ".jpg" name still opens.
+std::vector<std::string> typesOfFile(const std::filesystem::path& url, const uint8_t* head, std::size_t length) {
+  std::vector<std::string> types;
+  if (auto byName = MCTypeIdentifierForURL(url)) types.push_back(*byName);
+  const std::string byContent = MCImageTypeOfBytes(head, length);
+  if (!byContent.empty() && (types.empty() || !MCTypeEqual(types.front(), byContent))) types.push_back(byContent);
+  return types;
+}
 
 }  // namespace
 
@@ -98,6 +74,12 @@ std::string MCImageTypeOfBytes(const uint8_t* b, std::size_t n) {
   };
   if (n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF) return "public.jpeg";
   if (starts("\x89PNG\r\n\x1a\n")) return "public.png";
+  // Camera raw formats whose first bytes say so; NEF, ARW, DNG and the like are plain TIFF at the
+  // start, and only their names tell them apart.
+  if (starts("FUJIFILMCCD-RAW")) return "com.fuji.raw-image";
+  if (starts("IIRO") || starts("IIRS") || starts("MMOR")) return "com.olympus.raw-image";
+  if (starts("IIU") && n >= 4 && b[3] == 0) return "com.panasonic.rw2-raw-image";
+  if (starts("II*") && n >= 4 && b[3] == 0 && starts("CR\x02", 8)) return "com.canon.cr2-raw-image";
   if (starts("II*") || starts("MM")) {
     if (n >= 4 && ((b[0] == 'I' && b[2] == 42 && b[3] == 0) || (b[0] == 'M' && b[2] == 0 && b[3] == 42)))
       return "public.tiff";
@@ -107,7 +89,13 @@ std::string MCImageTypeOfBytes(const uint8_t* b, std::size_t n) {
   if (starts("RIFF") && starts("WEBP", 8)) return "org.webmproject.webp";
   if (starts("ftyp", 4)) {
     if (starts("heic", 8) || starts("heix", 8) || starts("hevc", 8) || starts("heim", 8)) return "public.heic";
+    if (starts("avif", 8) || starts("avis", 8)) return "public.avif";
     if (starts("mif1", 8) || starts("msf1", 8)) return "public.heif";
+    if (starts("crx ", 8)) return "com.canon.cr3-raw-image";
+    if (starts("qt  ", 8)) return "com.apple.quicktime-movie";
+    if (starts("M4V ", 8)) return "com.apple.m4v-video";
+    if (starts("isom", 8) || starts("iso2", 8) || starts("mp41", 8) || starts("mp42", 8) || starts("avc1", 8))
+      return "public.mpeg-4";
   }
   return {};
 }
@@ -118,18 +106,24 @@ MCRasterImageRef MCCreateImageWithURL(const std::filesystem::path& url, const MC
     log->logError("CGImageSource: URL cannot be nil");
     return nullptr;
   }
-  Outcome outcome;
-  auto image = decode(url, options, outcome);
-  switch (outcome) {
-    case Outcome::Empty: log->logError(fmt::format("CGImageSource: zero count at URL: {}", url.string())); break;
-    case Outcome::UnknownType:
-      log->logError(fmt::format("CGImageSource: bad status {} at URL: {}", kStatusUnknownType, url.string()));
-      break;
-    case Outcome::InvalidData:
-      log->logError(fmt::format("CGImageSource: bad status {} at URL: {}", kStatusInvalidData, url.string()));
-      break;
-    default: break;
+  uint8_t head[32] = {};
+  std::size_t length = 0;
+  {
+    std::ifstream file(url, std::ios::binary);
+    if (!file) return nullptr;  // no source at all: none, without a report
+    file.read(reinterpret_cast<char*>(head), sizeof head);
+    length = std::size_t(file.gcount());
   }
+  if (length == 0) {
+    log->logError(fmt::format("CGImageSource: zero count at URL: {}", url.string()));
+    return nullptr;
+  }
+  Outcome outcome;
+  auto image = decode(Input{&url, nullptr}, typesOfFile(url, head, length), options, outcome);
+  if (outcome == Outcome::UnknownType)
+    log->logError(fmt::format("CGImageSource: bad status {} at URL: {}", kStatusUnknownType, url.string()));
+  if (outcome == Outcome::InvalidData)
+    log->logError(fmt::format("CGImageSource: bad status {} at URL: {}", kStatusInvalidData, url.string()));
   return image;
 }
 
@@ -143,10 +137,13 @@ MCRasterImageRef MCCreateImageWithData(const MCData* data, const MCDictionary& o
     log->logError("CGImageSource: zero count.");
     return nullptr;
   }
-  TemporaryFile file(*data);
-  if (file.path().empty()) return nullptr;
+  // Bytes have no name: their type is what their first bytes show. They are read where they are.
+  const std::string type = MCImageTypeOfBytes(data->data(), data->size());
+  std::vector<std::string> types;
+  if (!type.empty()) types.push_back(type);
+  std::shared_ptr<const MCData> shared(data, [](const MCData*) {});  // borrowed for the call only
   Outcome outcome;
-  auto image = decode(file.path(), options, outcome);
+  auto image = decode(Input{nullptr, shared}, types, options, outcome);
   if (outcome == Outcome::UnknownType) log->logError(fmt::format("CGImageSource: bad status {}.", kStatusUnknownType));
   if (outcome == Outcome::InvalidData) log->logError(fmt::format("CGImageSource: bad status {}.", kStatusInvalidData));
   return image;

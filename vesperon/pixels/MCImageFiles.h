@@ -2,18 +2,24 @@
 // Reading images from files and data, and saving them as JPEG, through the codec registry
 // (MCImageCodecManager) — the library's image sources and destinations.
 //
-// The file type is found from the first bytes, as the platform's image source does, not from the
-// name: JPEG, PNG, TIFF, GIF, BMP, WebP, HEIC/HEIF. The source extensions registered for that
-// type are tried in order; the first that opens the file gives the image.
+// A file's type is the one its name gives through the type vocabulary (MCTypeIdentifierForURL), as
+// the platform's image source takes it: "x.CR2" is a Canon raw file even though it starts as a
+// TIFF, and reaches the source extension registered for Canon raw. When the first bytes show
+// another type (a PNG saved as ".jpg"), that type's extensions are tried after the name's. Bytes
+// in memory have no name: their type is what their first bytes show (MCImageTypeOfBytes), and they
+// are read where they are, through the extensions' sources over memory — nothing is written.
 //
 // Reports, on the log sdkGraphics at error level (or to the log file while writesToFile is on),
 // follow the platform's image source statuses:
 //   absent URL or data      "CGImageSource: URL cannot be nil" / "CGImageSource: data cannot be nil"
 //   no bytes at all         "CGImageSource: zero count at URL: <path>" / "CGImageSource: zero count."
-//   unknown type (−2), or no extension can open it (−4, invalid data)
+//   unknown type (−3): no source extension for the type; invalid data (−4): there are extensions
+//   but none opens the bytes
 //                           "CGImageSource: bad status <n> at URL: <path>" / "CGImageSource: bad status <n>."
-// A file that cannot be read gives none without a report, and so does a source that opens but
-// cannot decode its image.
+// The other statuses of the platform (−2 reading the header, −5 unexpected end of file) belong to
+// incremental reading, which this library does not do: a cut file gives what its codec can make
+// of it (see the plug-ins) or −4. A file that cannot be opened gives none without a report, and so
+// does a source that opens but cannot decode its image.
 
 #include <vesperon/core/MCValue.h>
 #include <vesperon/platform/MCRasterImage.h>
@@ -23,7 +29,9 @@
 #include <string>
 #include <system_error>
 
-/// The type identifier ("public.jpeg" …) that the first bytes of a file show, or an empty string.
+/// The type identifier that the first bytes of a file show, or an empty string: JPEG, PNG, TIFF,
+/// GIF, BMP, WebP, HEIC/HEIF/AVIF, the ISO movie brands (MP4, QuickTime, M4V), and the raw formats
+/// with a signature of their own (CR2, CR3, RAF, ORF, RW2).
 std::string MCImageTypeOfBytes(const uint8_t* bytes, std::size_t length);
 
 /// The first image of the file; `url` empty means absent. Options: kCGImageSourceSubsampleFactor
