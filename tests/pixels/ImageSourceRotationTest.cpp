@@ -1,3 +1,4 @@
+#include <vesperon/pixels/MCImageFiles.h>
 #include <vesperon/pixels/MCImageSourceRotation.h>
 
 #include <gtest/gtest.h>
@@ -5,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -39,12 +41,12 @@ MCData exifWithoutOrientation() {
 
 // Orientation, Make and Software of each file as exiftool, an independent reader, finds them:
 // one tab-separated line per file, "-" for a missing tag. One run for all, since it is slow to start.
-std::vector<std::string> exiftool(const std::vector<MCData>& files) {
+std::vector<std::string> exiftool(const std::vector<MCData>& files, const std::string& extension = ".jpg") {
   const auto folder = std::filesystem::temp_directory_path() / ("vesperon-rotation-" + std::to_string(::getpid()));
   std::filesystem::create_directories(folder);
   std::string command = "exiftool -n -T -Orientation -Make -Software";
   for (std::size_t i = 0; i < files.size(); ++i) {
-    const auto path = folder / (std::to_string(i) + ".jpg");
+    const auto path = folder / (std::to_string(i) + extension);
     std::ofstream(path, std::ios::binary)
         .write(reinterpret_cast<const char*>(files[i].data()), std::streamsize(files[i].size()));
     command += " '" + path.string() + "'";
@@ -70,7 +72,8 @@ TEST(ImageSourceRotation, RefusesBadOrientationsAndBadFiles) {
   const MCData jpeg = skeleton();
   EXPECT_FALSE(MCCopyImageSourceWithRotation(jpeg, 0));
   EXPECT_FALSE(MCCopyImageSourceWithRotation(jpeg, 9));
-  EXPECT_FALSE(MCCopyImageSourceWithRotation({0x89, 'P', 'N', 'G', 0, 0}, 3));
+  EXPECT_FALSE(MCCopyImageSourceWithRotation({0x89, 'P', 'N', 'G', 0, 0}, 3)) << "a PNG cut inside its signature";
+  EXPECT_FALSE(MCCopyImageSourceWithRotation({'G', 'I', 'F', '8', '9', 'a', 0, 0}, 3)) << "no writer for GIF";
   MCData truncated(jpeg.begin(), jpeg.begin() + 12);
   EXPECT_FALSE(MCCopyImageSourceWithRotation(truncated, 3)) << "APP0 runs past the end";
   MCData badTiff = skeleton(MCData{0xFF, 0xE1, 0, 16, 'E', 'x', 'i', 'f', 0, 0, 'X', 'X', 42, 0, 8, 0, 0, 0});
@@ -122,4 +125,35 @@ TEST(ImageSourceRotation, SurvivesCorruptedSegments) {
       }
     }
   EXPECT_GT(answered, 0u) << "changes to tag values leave a usable file";
+}
+
+// A PNG turns through its eXIf chunk: added before the image data, then rewritten; the pixels stay
+// as they were, and exiftool and the PNG plug-in both read the new orientation.
+TEST(ImageSourceRotation, PNGsTurnThroughTheirExifChunk) {
+  std::ifstream file(std::filesystem::path(VESPERON_SAMPLES_DIR) / "diagram.png", std::ios::binary);
+  const MCData png((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  ASSERT_GT(png.size(), 100u);
+  auto turned = MCCopyImageSourceWithRotation(png, 6);
+  ASSERT_TRUE(turned);
+  EXPECT_EQ(turned->size(), png.size() + 12 + 26) << "one eXIf chunk of a 26-byte TIFF block";
+  auto again = MCCopyImageSourceWithRotation(*turned, 8);
+  ASSERT_TRUE(again);
+  EXPECT_EQ(again->size(), turned->size()) << "the chunk is rewritten, not added twice";
+  const auto found = exiftool({png, *turned, *again}, ".png");
+  ASSERT_EQ(found.size(), 3u);
+  EXPECT_EQ(found[0], "-\t-\t-");
+  EXPECT_EQ(found[1], "6\t-\t-");
+  EXPECT_EQ(found[2], "8\t-\t-");
+
+  auto before = MCCreateImageWithData(&png);
+  auto after = MCCreateImageWithData(&*again);
+  ASSERT_TRUE(before && after);
+  EXPECT_EQ(after->pixels(), before->pixels()) << "the image data is not touched";
+
+  // A damaged chunk length is refused, never read past.
+  MCData broken = png;
+  broken[8 + 3] = 0x7F;  // IHDR's length
+  EXPECT_FALSE(MCCopyImageSourceWithRotation(broken, 3));
+  MCData cut(png.begin(), png.end() - 6);  // inside IEND
+  EXPECT_FALSE(MCCopyImageSourceWithRotation(cut, 3));
 }

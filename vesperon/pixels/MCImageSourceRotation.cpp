@@ -1,6 +1,8 @@
 #include <vesperon/pixels/MCImageSourceRotation.h>
 
 #include <algorithm>
+#include <array>
+#include <string>
 #include <cstring>
 #include <vector>
 
@@ -91,10 +93,97 @@ std::optional<std::vector<uint8_t>> rotatedTiff(std::vector<uint8_t> block, int 
   return block;
 }
 
+// A big-endian TIFF block holding only IFD0 with the orientation.
+std::vector<uint8_t> minimalTiff(int orientation) {
+  std::vector<uint8_t> tiff = {'M', 'M', 0, 42, 0, 0, 0, 8};
+  put16(tiff, true, 1);
+  const auto entry = orientationEntry(true, orientation);
+  tiff.insert(tiff.end(), entry.begin(), entry.end());
+  put32(tiff, true, 0);
+  return tiff;
+}
+
+uint32_t crc32Of(const uint8_t* data, std::size_t length, uint32_t crc = 0) {
+  static const auto table = [] {
+    std::array<uint32_t, 256> t{};
+    for (uint32_t n = 0; n < 256; ++n) {
+      uint32_t c = n;
+      for (int k = 0; k < 8; ++k) c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
+      t[n] = c;
+    }
+    return t;
+  }();
+  crc = ~crc;
+  for (std::size_t i = 0; i < length; ++i) crc = table[(crc ^ data[i]) & 0xFF] ^ (crc >> 8);
+  return ~crc;
+}
+
+void appendChunk(MCData& out, const char type[4], const std::vector<uint8_t>& data) {
+  put32(out, true, uint32_t(data.size()));
+  const std::size_t typeAt = out.size();
+  out.insert(out.end(), type, type + 4);
+  out.insert(out.end(), data.begin(), data.end());
+  put32(out, true, crc32Of(out.data() + typeAt, 4 + data.size()));
+}
+
+// A PNG's orientation lives in its eXIf chunk (a TIFF block, as in JPEG's APP1 without the
+// "Exif" header): rewritten when there is one, otherwise a new chunk goes before the image data.
+// Every other chunk is copied as it is.
+std::optional<MCData> rotatedPNG(const MCData& source, int orientation) {
+  static const uint8_t kSignature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  if (source.size() < 8 || std::memcmp(source.data(), kSignature, 8) != 0) return std::nullopt;
+  struct Chunk {
+    std::size_t at, length;
+    std::string type;
+  };
+  std::vector<Chunk> chunks;
+  std::size_t at = 8;
+  bool ended = false;
+  while (!ended) {
+    if (source.size() - at < 12) return std::nullopt;
+    const std::size_t length = std::size_t(source[at]) << 24 | std::size_t(source[at + 1]) << 16 |
+                               std::size_t(source[at + 2]) << 8 | source[at + 3];
+    if (length > source.size() - at - 12) return std::nullopt;
+    chunks.push_back({at, length, std::string(reinterpret_cast<const char*>(&source[at + 4]), 4)});
+    ended = chunks.back().type == "IEND";
+    at += 12 + length;
+  }
+  if (chunks.front().type != "IHDR") return std::nullopt;
+  auto exif = std::find_if(chunks.begin(), chunks.end(), [](const Chunk& c) { return c.type == "eXIf"; });
+  std::vector<uint8_t> tiff;
+  if (exif != chunks.end()) {
+    auto rotated = rotatedTiff(std::vector<uint8_t>(source.begin() + std::ptrdiff_t(exif->at + 8),
+                                                    source.begin() + std::ptrdiff_t(exif->at + 8 + exif->length)),
+                               orientation);
+    if (!rotated) return std::nullopt;
+    tiff = std::move(*rotated);
+  } else {
+    tiff = minimalTiff(orientation);
+  }
+  MCData result(source.begin(), source.begin() + 8);
+  result.reserve(source.size() + tiff.size() + 12);
+  bool written = false;
+  for (const Chunk& chunk : chunks) {
+    if (chunk.type == "eXIf") {
+      appendChunk(result, "eXIf", tiff);
+      written = true;
+      continue;
+    }
+    if (!written && (chunk.type == "IDAT" || chunk.type == "IEND")) {
+      appendChunk(result, "eXIf", tiff);
+      written = true;
+    }
+    result.insert(result.end(), source.begin() + std::ptrdiff_t(chunk.at),
+                  source.begin() + std::ptrdiff_t(chunk.at + 12 + chunk.length));
+  }
+  return result;
+}
+
 }  // namespace
 
 std::optional<MCData> MCCopyImageSourceWithRotation(const MCData& source, int orientation) {
   if (orientation < 1 || orientation > 8) return std::nullopt;
+  if (source.size() >= 8 && source[0] == 0x89 && source[1] == 'P') return rotatedPNG(source, orientation);
   if (source.size() < 4 || source[0] != 0xFF || source[1] != 0xD8) return std::nullopt;
   static const uint8_t kExifHeader[6] = {'E', 'x', 'i', 'f', 0, 0};
 
@@ -124,11 +213,7 @@ std::optional<MCData> MCCopyImageSourceWithRotation(const MCData& source, int or
     replaceFrom = exif->first;
     replaceLength = 2 + exif->second;
   } else {
-    tiff = {'M', 'M', 0, 42, 0, 0, 0, 8};
-    put16(tiff, true, 1);
-    const auto entry = orientationEntry(true, orientation);
-    tiff.insert(tiff.end(), entry.begin(), entry.end());
-    put32(tiff, true, 0);
+    tiff = minimalTiff(orientation);
   }
   const std::size_t segmentLength = 2 + 6 + tiff.size();
   if (segmentLength > 0xFFFF) return std::nullopt;
