@@ -295,3 +295,32 @@ TEST(MetadataReader, SidecarFailures) {
     EXPECT_EQ(get(sub(*read, kCGImagePropertyTIFFDictionary), kCGImagePropertyTIFFModel), MCValue("M9")) << name;
   }
 }
+
+// Integer rules scan "%lld" and nothing else: "True" is no metering mode. The flash structure alone
+// reads its members as booleans.
+TEST(MetadataReader, IntegerRulesTakeNoBooleans) {
+  const MCDictionary exif = exifOf("<exif:MeteringMode>True</exif:MeteringMode><exif:LightSource>False</exif:LightSource>"
+                                   "<exif:ExposureProgram>2</exif:ExposureProgram>");
+  EXPECT_FALSE(exif.count(kCGImagePropertyExifMeteringMode));
+  EXPECT_FALSE(exif.count(kCGImagePropertyExifLightSource));
+  EXPECT_EQ(get(exif, kCGImagePropertyExifExposureProgram), MCValue(2));
+}
+
+// A reference given as a number — the shape MCExif's own dictionaries have — is read as that
+// number: AltitudeRef 1 keeps the altitude below sea level.
+TEST(MetadataReader, NumericGPSReferencesKeepTheirSign) {
+  MCDictionary below{{kCGImagePropertyGPSAltitude, 12.5}, {kCGImagePropertyGPSAltitudeRef, int64_t(1)}};
+  MCCGImageMetadataReader::normalizeGPSDictionary(below);
+  EXPECT_EQ(get(below, kCGImagePropertyGPSAltitude), MCValue(12.5));
+  EXPECT_EQ(get(below, kCGImagePropertyGPSAltitudeRef), MCValue(1));
+  MCDictionary above{{kCGImagePropertyGPSAltitude, 12.5}, {kCGImagePropertyGPSAltitudeRef, int64_t(0)}};
+  MCCGImageMetadataReader::normalizeGPSDictionary(above);
+  EXPECT_EQ(get(above, kCGImagePropertyGPSAltitudeRef), MCValue(0));
+  MCDictionary text{{kCGImagePropertyGPSAltitude, 3.0}, {kCGImagePropertyGPSAltitudeRef, "1"}};
+  MCCGImageMetadataReader::normalizeGPSDictionary(text);
+  EXPECT_EQ(get(text, kCGImagePropertyGPSAltitudeRef), MCValue(1));
+  // A normalised dictionary normalises to itself: nothing flips a sign on a second pass.
+  MCDictionary twice = below;
+  MCCGImageMetadataReader::normalizeGPSDictionary(twice);
+  EXPECT_EQ(twice, below);
+}

@@ -29,10 +29,8 @@ MCValue readString(const std::string& text, int64_t elementType) {
     case MCCGImageMetadataPropertyReader::kElementTypeString:
       return text;
     case MCCGImageMetadataPropertyReader::kElementTypeInteger: {
-      // XMP writes booleans as "True" and "False"; as integers they are 1 and 0, so that the
-      // members of the flash structure count.
-      if (text == "True") return int64_t(1);
-      if (text == "False") return int64_t(0);
+      // "%lld" alone: "True" is no integer here (exif:MeteringMode = "True" gives none); the
+      // flash structure reads its boolean members itself (see readValueFromMetadata).
       long long value = 0;
       if (std::sscanf(text.c_str(), "%lld", &value) != 1) return {};
       return int64_t(value);
@@ -108,6 +106,22 @@ MCValue MCCGImageMetadataPropertyReader::readValueFromMetadata(const MCImageMeta
     const char* path = secondPath(propertyName_);
     if (path) tag = metadata.copyTagWithPath(path);
     if (!tag) return {};
+  }
+  if (propertyName_ == kCGImagePropertyExifFlash && tag->type() == kMCImageMetadataTypeStructure) {
+    // The flash structure's members are booleans ("True", "False") and integers: read as text,
+    // each by its own kind.
+    MCDictionary members;
+    const MCValue texts = readValueFromTag(*tag, kElementTypeString);
+    if (const MCDictionary* fields = texts.dictionary()) {
+      for (const auto& [name, field] : *fields) {
+        const std::string* text = field.string();
+        if (!text) continue;
+        long long number = 0;
+        if (*text == "True" || *text == "False") members.emplace(name, MCValue(*text == "True"));
+        else if (std::sscanf(text->c_str(), "%lld", &number) == 1) members.emplace(name, MCValue(int64_t(number)));
+      }
+    }
+    return exifFlashValueFromXMPFlashStruct(MCValue(std::move(members)));
   }
   MCValue value = readValueFromTag(*tag, type_);
 

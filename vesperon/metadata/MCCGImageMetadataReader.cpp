@@ -157,9 +157,13 @@ void MCCGImageMetadataReader::normalizeGPSDictionary(MCDictionary& gps) {
   using Parse = std::optional<double> (GPSStringParser::*)(const MCValue&, const std::optional<std::string>&) const;
   auto normalize = [&](const char* key, const char* referenceKey, Parse parse, MCValue negative, MCValue positive) {
     const MCValue* value = MCDictionaryGet(gps, key);
-    const std::string* reference = safeStringForKey(gps, referenceKey);
-    std::optional<double> number = (parser.*parse)(value ? *value : MCValue(),
-                                                   reference ? std::optional<std::string>(*reference) : std::nullopt);
+    // A reference may come as text ("1", "S") or, as MCExif's own dictionaries give AltitudeRef,
+    // as a number: the number is read as its integer text, so 1 still means below sea level.
+    std::optional<std::string> reference;
+    if (const std::string* text = safeStringForKey(gps, referenceKey)) reference = *text;
+    else if (const MCValue* number = MCDictionaryGet(gps, referenceKey); number && number->isNumber())
+      if (auto integer = number->integerValue()) reference = std::to_string(*integer);
+    std::optional<double> number = (parser.*parse)(value ? *value : MCValue(), reference);
     if (!number) {
       gps.erase(key);
       gps.erase(referenceKey);
