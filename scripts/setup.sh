@@ -18,8 +18,8 @@ PACKAGES=(
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
   # file types and the desktop's applications (GIO), and the session bus the portal test starts
   shared-mime-info desktop-file-utils dbus-daemon
-  # tests and benchmarks
-  googletest libgtest-dev libgmock-dev libbenchmark-dev
+  # tests and benchmarks (a comma-decimal locale for the number-reading tests)
+  locales googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing
   libimage-exiftool-perl libexiv2-dev libvips-tools imagemagick libjpeg-turbo-progs
   clang libclang-rt-14-dev hyperfine time
@@ -29,11 +29,18 @@ missing=()
 for p in "${PACKAGES[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'ok installed' || missing+=("$p")
 done
-[ ${#missing[@]} -eq 0 ] && exit 0
-
-echo "setup: installing ${missing[*]}"
 SUDO=""
 [ "$(id -u)" -ne 0 ] && SUDO="sudo"
-export DEBIAN_FRONTEND=noninteractive
-$SUDO apt-get update -qq
-$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+if [ ${#missing[@]} -gt 0 ]; then
+  echo "setup: installing ${missing[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  $SUDO apt-get update -qq
+  $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+fi
+
+# A comma-decimal locale, for the tests that make sure numbers are read the same in every locale.
+if ! locale -a 2>/dev/null | grep -qi '^de_DE\.utf-\?8$'; then
+  $SUDO sed -i 's/^# *de_DE.UTF-8 UTF-8/de_DE.UTF-8 UTF-8/' /etc/locale.gen
+  grep -q '^de_DE.UTF-8 UTF-8' /etc/locale.gen || echo 'de_DE.UTF-8 UTF-8' | $SUDO tee -a /etc/locale.gen >/dev/null
+  $SUDO locale-gen >/dev/null
+fi

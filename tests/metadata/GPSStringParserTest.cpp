@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+
 namespace {
 const std::optional<std::string> kNone;
 }
@@ -62,4 +64,22 @@ TEST(GPSStringParser, StrictDecimalReadsTheWholeTextInTheCLocale) {
   EXPECT_EQ(GPSStringParser::strictDecimal("\t2"), std::nullopt);
   EXPECT_EQ(GPSStringParser::strictDecimal(""), std::nullopt);
   EXPECT_EQ(GPSStringParser::strictDecimal("."), std::nullopt);
+}
+
+// The same texts under a comma-decimal locale: a reader that followed the process's locale would
+// take "2,75" for 2.75 and stop at the point of "2.75".
+TEST(GPSStringParser, StrictDecimalIgnoresACommaDecimalLocale) {
+  const std::string saved = std::setlocale(LC_ALL, nullptr);
+  if (!std::setlocale(LC_ALL, "de_DE.UTF-8")) GTEST_SKIP() << "the de_DE.UTF-8 locale is not installed (scripts/setup.sh makes it)";
+  const auto point = GPSStringParser::strictDecimal("2.75");
+  const auto comma = GPSStringParser::strictDecimal("2,75");
+  GPSStringParser parser;
+  const auto altitude = parser.parseAltitude("1234.5", "0");
+  const auto latitude = parser.parseLatitude("48,30.5N", std::nullopt);
+  std::setlocale(LC_ALL, saved.c_str());
+  EXPECT_EQ(point, 2.75);
+  EXPECT_EQ(comma, std::nullopt);
+  EXPECT_EQ(altitude, 1234.5);
+  ASSERT_TRUE(latitude);
+  EXPECT_NEAR(*latitude, 48.508333333, 1e-9);
 }
