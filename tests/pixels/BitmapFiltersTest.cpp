@@ -9,21 +9,21 @@
 namespace {
 
 // The tent blur written out directly: every tap of the 2-D kernel, integer division.
-std::vector<uint8_t> referenceBlur(const std::vector<uint8_t>& in, int w, int h, int channels, int kernel) {
-  const int r = (kernel - 1) / 2;
+std::vector<uint8_t> referenceBlur(const std::vector<uint8_t>& in, int w, int h, int channels, int64_t kernel) {
+  const int64_t r = (kernel - 1) / 2;
   std::vector<uint8_t> out(in.size());
-  for (int y = 0; y < h; ++y)
-    for (int x = 0; x < w; ++x)
+  for (int64_t y = 0; y < h; ++y)
+    for (int64_t x = 0; x < w; ++x)
       for (int c = 0; c < channels; ++c) {
-        uint64_t sum = 0, weights = 0;
-        for (int j = -r; j <= r; ++j)
-          for (int i = -r; i <= r; ++i) {
-            if (x + i < 0 || x + i >= w || y + j < 0 || y + j >= h) continue;
-            const uint64_t wt = uint64_t(r + 1 - std::abs(i)) * uint64_t(r + 1 - std::abs(j));
-            sum += wt * in[(std::size_t(y + j) * w + (x + i)) * channels + c];
+        unsigned __int128 sum = 0, weights = 0;
+        // The taps outside the image are dropped, so only those inside are visited.
+        for (int64_t j = std::max(-r, -y); j <= std::min(r, h - 1 - y); ++j)
+          for (int64_t i = std::max(-r, -x); i <= std::min(r, w - 1 - x); ++i) {
+            const unsigned __int128 wt = uint64_t(r + 1 - std::abs(i)) * (unsigned __int128)(r + 1 - std::abs(j));
+            sum += wt * in[(std::size_t(y + j) * w + std::size_t(x + i)) * channels + c];
             weights += wt;
           }
-        out[(std::size_t(y) * w + x) * channels + c] = uint8_t((sum + weights / 2) / weights);
+        out[(std::size_t(y) * w + std::size_t(x)) * channels + c] = uint8_t((sum + weights / 2) / weights);
       }
   return out;
 }
@@ -79,6 +79,24 @@ TEST(BitmapBlur, ConstantImagesStayConstantWithLargeKernels) {
     ASSERT_TRUE(MCBitmapBlur_4C_8(in.data(), out.data(), kernel, MCMakeSize(64, 48)));
     EXPECT_EQ(out, in) << "kernel " << kernel;
   }
+}
+
+// No largest kernel: a kernel far wider than the image drops its outer taps like any edge, with
+// sums as wide as they need (64 bits, then 128 for the widest kernel a uint32_t can name).
+TEST(BitmapBlur, KernelsWiderThanTheImageMatchTheDefinition) {
+  for (uint32_t kernel : {4097u, 65537u, 4294967295u}) {
+    const int w = 23, h = 17;
+    auto in1 = randomBytes(std::size_t(w) * h, kernel % 1000);
+    std::vector<uint8_t> out1(in1.size());
+    ASSERT_TRUE(MCBitmapBlur_1C_8(in1.data(), out1.data(), kernel, MCMakeSize(w, h))) << kernel;
+    EXPECT_EQ(out1, referenceBlur(in1, w, h, 1, kernel)) << "1C kernel " << kernel;
+    auto in4 = randomBytes(std::size_t(w) * h * 4, kernel % 997);
+    std::vector<uint8_t> out4(in4.size());
+    ASSERT_TRUE(MCBitmapBlur_4C_8(in4.data(), out4.data(), kernel, MCMakeSize(w, h))) << kernel;
+    EXPECT_EQ(out4, referenceBlur(in4, w, h, 4, kernel)) << "4C kernel " << kernel;
+  }
+  uint8_t pixel = 7, out = 0;
+  EXPECT_FALSE(MCBitmapBlur_1C_8(&pixel, &out, 4294967294u, MCMakeSize(1, 1))) << "even kernels stay refused";
 }
 
 TEST(BitmapContrastAndEqualize, StretchAndFlattenPerChannel) {

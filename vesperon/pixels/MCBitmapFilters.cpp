@@ -10,7 +10,7 @@ using mc_detail::truncatedDimension;
 
 namespace {
 
-constexpr uint32_t kLargestKernel = 4095;  // keeps the 2-D weight sums within 64 bits
+using Wide = unsigned __int128;  // for the weight sums of kernels far wider than the image
 
 // floor((v + floor(d / 2)) / d) for a row of sums sharing one divisor, through a reciprocal: the
 // half-divisor bias keeps exact multiples from falling below their quotient, and the
@@ -24,28 +24,35 @@ void divideRow(const Acc* sums, uint8_t* out, std::size_t count, uint64_t diviso
 }
 
 template <typename Acc>
-void divideRowBy(const Acc* sums, uint8_t* out, std::size_t count, uint64_t divisor) {
-  if (divisor <= 4096) divideRow<float>(sums, out, count, divisor);
-  else divideRow<double>(sums, out, count, divisor);
+void divideRowBy(const Acc* sums, uint8_t* out, std::size_t count, Wide divisor) {
+  if constexpr (sizeof(Acc) > sizeof(uint64_t)) {
+    for (std::size_t s = 0; s < count; ++s) out[s] = uint8_t((Wide(sums[s]) + divisor / 2) / divisor);
+  } else if (divisor <= 4096) {
+    divideRow<float>(sums, out, count, uint64_t(divisor));
+  } else {
+    divideRow<double>(sums, out, count, uint64_t(divisor));
+  }
+}
+
+// The sum of the tent's weights r + 1 − |i| over the offsets that stay inside 0…length − 1 from
+// `at`, in closed form: a kernel may be far wider than the image.
+uint64_t keptWeight(std::size_t at, std::size_t length, std::size_t r) {
+  const auto side = [r](uint64_t k) {  // offsets 0…k on one side
+    return (k + 1) * (uint64_t(r) + 1) - k * (k + 1) / 2;
+  };
+  const uint64_t left = std::min<uint64_t>(r, at), right = std::min<uint64_t>(r, length - 1 - at);
+  return side(left) + side(right) - (uint64_t(r) + 1);
 }
 
 template <int C, typename Acc>
 void tentConvolve(const uint8_t* src, uint8_t* dst, std::size_t w, std::size_t h, std::size_t r) {
   const std::size_t n = w * C;
   const auto weight = [r](std::ptrdiff_t i) { return Acc(r + 1 - std::size_t(std::abs(i))); };
-  const auto kept = [r, weight](std::size_t at, std::size_t length) {
-    uint64_t sum = 0;
-    for (std::ptrdiff_t i = -std::ptrdiff_t(r); i <= std::ptrdiff_t(r); ++i) {
-      const std::ptrdiff_t p = std::ptrdiff_t(at) + i;
-      if (p >= 0 && p < std::ptrdiff_t(length)) sum += uint64_t(weight(i));
-    }
-    return sum;
-  };
   // Columns [x0, x1) see the whole kernel across; the others are edge columns.
   const std::size_t x0 = std::min(r, w), x1 = std::max(x0, w > r ? w - r : 0);
-  const uint64_t fullWeight = uint64_t(r + 1) * (r + 1);
   std::vector<uint64_t> columnWeight(w);
-  for (std::size_t x = 0; x < w; ++x) columnWeight[x] = x >= x0 && x < x1 ? fullWeight : kept(x, w);
+  for (std::size_t x = 0; x < w; ++x) columnWeight[x] = keptWeight(x, w, r);
+  const uint64_t fullWeight = x0 < x1 ? uint64_t(r + 1) * (r + 1) : 0;
 
   const std::size_t ringRows = std::min(2 * r + 1, h);
   std::vector<Acc> ring(ringRows * n);
@@ -56,18 +63,16 @@ void tentConvolve(const uint8_t* src, uint8_t* dst, std::size_t w, std::size_t h
     const std::size_t s0 = x0 * C, s1 = x1 * C;
     const Acc centre = Acc(r + 1);
     for (std::size_t s = s0; s < s1; ++s) out[s] = centre * row[s];
-    for (std::size_t i = 1; i <= r; ++i) {
+    for (std::size_t i = 1; i <= r && s0 < s1; ++i) {
       const Acc wi = Acc(r + 1 - i);
       const std::size_t d = i * C;
       for (std::size_t s = s0; s < s1; ++s) out[s] += wi * Acc(row[s - d] + row[s + d]);
     }
     const auto edge = [&](std::size_t x) {
+      const std::size_t first = x > r ? x - r : 0, last = std::min(w - 1, x + r);
       for (int c = 0; c < C; ++c) {
         Acc sum = 0;
-        for (std::ptrdiff_t i = -std::ptrdiff_t(r); i <= std::ptrdiff_t(r); ++i) {
-          const std::ptrdiff_t p = std::ptrdiff_t(x) + i;
-          if (p >= 0 && p < std::ptrdiff_t(w)) sum += weight(i) * row[std::size_t(p) * C + c];
-        }
+        for (std::size_t p = first; p <= last; ++p) sum += weight(std::ptrdiff_t(p) - std::ptrdiff_t(x)) * row[p * C + c];
         out[x * C + c] = sum;
       }
     };
@@ -81,7 +86,8 @@ void tentConvolve(const uint8_t* src, uint8_t* dst, std::size_t w, std::size_t h
     const Acc* centre = &ring[(y % ringRows) * n];
     const Acc wc = Acc(r + 1);
     for (std::size_t s = 0; s < n; ++s) sums[s] = wc * centre[s];
-    for (std::size_t j = 1; j <= r; ++j) {
+    const std::size_t reach = std::min(r, std::max(y, h - 1 - y));  // rows past it lie outside
+    for (std::size_t j = 1; j <= reach; ++j) {
       const Acc wj = Acc(r + 1 - j);
       const Acc* up = y >= j ? &ring[((y - j) % ringRows) * n] : nullptr;
       const Acc* down = y + j < h ? &ring[((y + j) % ringRows) * n] : nullptr;
@@ -92,12 +98,12 @@ void tentConvolve(const uint8_t* src, uint8_t* dst, std::size_t w, std::size_t h
         for (std::size_t s = 0; s < n; ++s) sums[s] += wj * only[s];
       }
     }
-    const uint64_t rowWeight = kept(y, h);
+    const uint64_t rowWeight = keptWeight(y, h, r);
     uint8_t* out = dst + y * n;
-    if (x0 < x1) divideRowBy(&sums[x0 * C], out + x0 * C, (x1 - x0) * C, fullWeight * rowWeight);
+    if (x0 < x1) divideRowBy(&sums[x0 * C], out + x0 * C, (x1 - x0) * C, Wide(fullWeight) * rowWeight);
     const auto edge = [&](std::size_t x) {
-      const uint64_t divisor = columnWeight[x] * rowWeight;
-      for (int c = 0; c < C; ++c) out[x * C + c] = uint8_t((uint64_t(sums[x * C + c]) + divisor / 2) / divisor);
+      const Wide divisor = Wide(columnWeight[x]) * rowWeight;
+      for (int c = 0; c < C; ++c) out[x * C + c] = uint8_t((Wide(sums[x * C + c]) + divisor / 2) / divisor);
     };
     for (std::size_t x = 0; x < x0; ++x) edge(x);
     for (std::size_t x = x1; x < w; ++x) edge(x);
@@ -108,12 +114,16 @@ template <int C>
 bool blur(const uint8_t* source, uint8_t* destination, uint32_t kernel, MCSize size) {
   const std::size_t w = truncatedDimension(size.width), h = truncatedDimension(size.height);
   if (!source || !destination || w == 0 || h == 0) return false;
-  if (kernel % 2 == 0 || kernel > kLargestKernel) return false;
+  if (kernel % 2 == 0) return false;
   const std::size_t r = (kernel - 1) / 2;
-  // 32-bit sums while the largest possible one, (r + 1)^4 × 255, fits.
-  const uint64_t largest = uint64_t(r + 1) * (r + 1) * (r + 1) * (r + 1) * 255;
+  // The largest sum any pixel can reach: the weights that fall inside the image, times 255. The
+  // accumulators are as wide as that needs — 32 bits for the usual kernels, 128 for a kernel of
+  // thousands of pixels over a large image.
+  const Wide reachX = std::min<Wide>(2 * Wide(r) + 1, w), reachY = std::min<Wide>(2 * Wide(r) + 1, h);
+  const Wide largest = (Wide(r) + 1) * (Wide(r) + 1) * reachX * reachY * 255;
   if (largest <= UINT32_MAX) tentConvolve<C, uint32_t>(source, destination, w, h, r);
-  else tentConvolve<C, uint64_t>(source, destination, w, h, r);
+  else if (largest <= UINT64_MAX) tentConvolve<C, uint64_t>(source, destination, w, h, r);
+  else tentConvolve<C, Wide>(source, destination, w, h, r);
   return true;
 }
 

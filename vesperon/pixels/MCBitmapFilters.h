@@ -16,7 +16,10 @@
 // truncated: taps outside the image are dropped and the divisor is the sum of the weights that
 // remain, so a constant image stays constant. For each pixel and channel,
 //     out = floor((Σ w(i) w(j) · in(x+i, y+j) + floor(D / 2)) / D),  D = Σ w(i) w(j) over the taps kept,
-// that is the weighted mean rounded half up.
+// that is the weighted mean rounded half up. Any odd kernel is taken, however much wider than the
+// image (the platform publishes no largest size): taps outside are dropped as at any edge, so the
+// work is bounded by the image, not the kernel. The caller passes no working memory; the blur keeps
+// 2r + 1 rows of sums (at most the image's height) of its own for the time of the call.
 //
 // Contrast stretch. For each channel on its own: lo and hi, the smallest and largest value in the
 // image; out = floor(((in − lo) · 255 + floor((hi − lo) / 2)) / (hi − lo)). A channel with
