@@ -6,7 +6,9 @@
 #include <vesperon/metadata/MCExifComment.h>
 #include <vesperon/metadata/MCExifRational.h>
 #include <vesperon/metadata/MCExifUtils.h>
+#include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/metadata/MCExifValueReader.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/metadata/MCFraction.h>
 
 #include <gtest/gtest.h>
@@ -267,4 +269,28 @@ TEST(MCExifUtils, UserCommentForms) {
   // UNICODE is big-endian whatever the block's order; an odd last byte is not read.
   EXPECT_EQ(MCExifUtils::stringWithUserCommentData(bytes({'U', 'N', 'I', 'C', 'O', 'D', 'E', 0, 0, 'o', 0, 'k', 0})), "ok");
   EXPECT_EQ(MCExifUtils::stringWithUserCommentData(bytes({'U', 'N', 'I', 'C', 'O', 'D', 'E', 0, 0, 'o', 0, 0, 0, 'k'})), "o");
+}
+
+// An array tag of a type no number can be read from has no value at all, so the dictionary shows
+// no empty array: a WhitePoint written as ASCII is absent from {TIFF}, and the rest is there.
+TEST(MCExifValueReader, ArraysOfARefusedTypeAreAbsentNotEmpty) {
+  EXPECT_FALSE(readerOf(0x013E, 2, 0x4D4D, 4, text("abc")).arrayValue());
+  EXPECT_FALSE(readerOf(0x013E, 5, 0x4D4D, 0, MCData{}).arrayValue()) << "no components";
+  const MCData zeroDenominators = bytes({0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 2, 0, 0, 0, 0});
+  EXPECT_FALSE(readerOf(0x013E, 5, 0x4D4D, 2, zeroDenominators).arrayValue()) << "no component reads";
+
+  // An Exif block, little-endian, IFD0: Make "Acme" (in the entry), WhitePoint as 4 ASCII bytes.
+  const MCData tiff = bytes({'E', 'x', 'i', 'f', 0, 0, 'I', 'I', 42, 0, 8, 0, 0, 0, 2, 0,
+                             0x0F, 0x01, 2, 0, 4, 0, 0, 0, 'A', 'c', 'm', 'e',
+                             0x3E, 0x01, 2, 0, 4, 0, 0, 0, 'a', 'b', 'c', 0,
+                             0, 0, 0, 0});
+  auto reader = MCExifReader::create(tiff);
+  ASSERT_TRUE(reader);
+  auto exif = reader->parseExif();
+  ASSERT_TRUE(exif);
+  const MCDictionary dictionary = exif->dictionary();
+  const MCDictionary* tiffGroup = MCDictionaryGetDictionary(dictionary, kCGImagePropertyTIFFDictionary);
+  ASSERT_TRUE(tiffGroup);
+  EXPECT_EQ(*MCDictionaryGet(*tiffGroup, kCGImagePropertyTIFFMake), MCValue("Acme"));
+  EXPECT_EQ(MCDictionaryGet(*tiffGroup, kCGImagePropertyTIFFWhitePoint), nullptr);
 }

@@ -139,11 +139,12 @@ std::optional<MCArray> MCExifValueReader::arrayValue() const {
     auto number = numberAtIndex(i);
     if (!number) {
       // A refused type refuses every component: one message is enough.
-      if (type_ == 2 || type_ == 0 || type_ > 12) return out;
+      if (type_ == 2 || type_ == 0 || type_ > 12) break;
       continue;
     }
     out.push_back(std::move(*number));
   }
+  if (out.empty()) return std::nullopt;  // nothing read is no value, not an empty one
   return out;
 }
 

@@ -41,7 +41,10 @@ class MCExifValueReader {
   /// The component at `index` as a number of its type's width (UNDEFINED reads as signed 8-bit,
   /// rationals as doubles). None for ASCII, for an index outside the count, for a zero denominator.
   std::optional<MCValue> numberAtIndex(int32_t index) const;
-  /// The numbers at 0 to count - 1; components that give none are left out.
+  /// The numbers at 0 to count - 1; components that give none are left out. None when no
+  /// component gives a number — a tag of a refused type (a WhitePoint written as ASCII), or one of
+  /// no components. The tag is then absent from the property dictionary rather than shown as an
+  /// empty array, which would tell a reader nothing and a writer to write nothing back.
   std::optional<MCArray> arrayValue() const;
   /// The user comment text over `count` bytes, whatever the type.
   std::optional<std::string> userCommentValue() const { return stringFromUserCommentData(); }
