@@ -5,6 +5,8 @@
 
 #include <vesperon/codecs/MCImageCodecManager.h>
 #include <vesperon/pixels/MCImageFiles.h>
+#include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <gtest/gtest.h>
 
@@ -37,4 +39,32 @@ TEST(RawTyping, RawNamedFilesReachTheExtensionRegisteredForTheirType) {
   auto fromData = MCCreateImageWithData(&bytes);
   EXPECT_TRUE(!fromData || fromData->width() != 3u);
   fs::remove_all(folder);
+}
+
+// The sets of types: images and movies follow the registry at each call; the raw set is taken
+// once, at its first use, and keeps what it saw then.
+TEST(RawTyping, TypeSetsFollowTheRegistryExceptTheRawSetTakenOnce) {
+  const std::set<std::string> rawAtFirstUse = MCRAWImageTypes();  // before any raw plug-in
+  EXPECT_FALSE(rawAtFirstUse.count("com.canon.cr2-raw-image"));
+  EXPECT_TRUE(MCIsMovieType("public.mpeg-4")) << "the video plug-in of the build";
+  EXPECT_FALSE(MCIsMovieType("public.movie")) << "membership, not conformance";
+  EXPECT_FALSE(MCIsMovieType(std::nullopt));
+  EXPECT_FALSE(MCIsImageType("com.canon.cr2-raw-image"));
+
+  MCImageCodecManager::sharedInstance().registerPlugInsAtURL(RAW_PROBE_DIR);
+  EXPECT_TRUE(MCImageTypes().count("com.canon.cr2-raw-image")) << "the image set follows the registry";
+  EXPECT_TRUE(MCIsImageType("com.nikon.raw-image"));
+  EXPECT_EQ(MCRAWImageTypes(), rawAtFirstUse) << "the raw set was taken once";
+  EXPECT_FALSE(MCIsRAWImageType("com.canon.cr2-raw-image"));
+  EXPECT_FALSE(MCIsRAWImageType(std::nullopt));
+}
+
+TEST(RawTyping, ARawSetTakenAfterTheRawPlugInHoldsItsTypes) {
+  MCImageCodecManager::sharedInstance().registerPlugInsAtURL(RAW_PROBE_DIR);
+  for (const char* type : {"com.adobe.raw-image", "com.canon.cr2-raw-image", "com.nikon.raw-image"})
+    EXPECT_TRUE(MCRAWImageTypes().count(type)) << type;
+  for (const std::string& type : MCRAWImageTypes()) EXPECT_TRUE(MCTypeConformsTo(type, "public.camera-raw-image")) << type;
+  EXPECT_TRUE(MCIsRAWImageType("com.adobe.raw-image"));
+  EXPECT_FALSE(MCIsRAWImageType("public.camera-raw-image")) << "membership, not conformance";
+  EXPECT_FALSE(MCIsRAWImageType("public.jpeg"));
 }

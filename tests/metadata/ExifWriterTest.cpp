@@ -4,7 +4,11 @@
 
 #include "ExifTestSupport.h"
 
+#include "../support/LogCapture.h"
+
+#include <vesperon/metadata/MCCGImageMetadataWriter.h>
 #include <vesperon/metadata/MCExifData.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/metadata/MCExifEncoder.h>
 #include <vesperon/metadata/MCExifEntry.h>
 #include <vesperon/metadata/MCExifReader.h>
@@ -200,4 +204,58 @@ TEST(MCExifData, EmptyBlockAndAnEntryWithoutBytes) {
   EXPECT_EQ(make->components, 0u);
   EXPECT_EQ(make->size, 0u);
   EXPECT_TRUE(data.exifData());
+}
+
+// The tags with a conversion take only the kinds of value their row names: FileSource a number or
+// an array of bytes, SceneType a number, SourceExposureTimesOfCompositeImage a string.
+TEST(MCExifWriter, ConvertedTagsTakeOnlyTheirKindsOfValue) {
+  MCExifWriter writer;
+  writer.writeEXIFValue(MCArray{3}, 0xA300);          // FileSource as an array of bytes
+  writer.writeEXIFValue(MCArray{1}, 0xA301);          // SceneType as an array: ignored
+  writer.writeEXIFValue(MCArray{1, 2}, 0xA462);       // composite exposure times as an array: ignored
+  writer.writeEXIFValue(MCValue("1/100 1/50"), 0xA462);
+  auto block = writer.exifData();
+  ASSERT_TRUE(block);
+  auto fileSource = find(*block, 0xA300);
+  ASSERT_TRUE(fileSource);
+  EXPECT_EQ(fileSource->format, EXIF_FORMAT_UNDEFINED);
+  EXPECT_EQ(fileSource->data, bytes({3}));
+  EXPECT_FALSE(find(*block, 0xA301)) << "an array is no SceneType";
+
+  MCExifWriter numbers;
+  numbers.writeEXIFValue(MCValue(1), 0xA301);
+  numbers.writeEXIFValue(MCValue(3), 0xA300);
+  auto second = numbers.exifData();
+  ASSERT_TRUE(second);
+  EXPECT_EQ(find(*second, 0xA301)->data, bytes({1}));
+  EXPECT_EQ(find(*second, 0xA300)->data, bytes({3}));
+}
+
+// From a property dictionary: nothing at all gives libexif's block of an empty ExifData, and a GPS
+// time stamp that is not a time is left out with the parse message.
+TEST(MCExifWriter, EmptyDictionariesAndTimesThatAreNot) {
+  MCCGImageMetadataWriter writer;
+  auto empty = writer.exifDataFromCGImageProperties({});
+  ASSERT_TRUE(empty);
+  ExifData* none = exif_data_new();
+  exif_data_set_byte_order(none, EXIF_BYTE_ORDER_MOTOROLA);
+  unsigned char* saved = nullptr;
+  unsigned int size = 0;
+  exif_data_save_data(none, &saved, &size);
+  ASSERT_TRUE(saved);
+  EXPECT_EQ(*empty, MCData(saved, saved + size));
+  free(saved);
+  exif_data_unref(none);
+
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  auto block = writer.exifDataFromCGImageProperties(
+      {{kCGImagePropertyGPSDictionary, MCDictionary{{kCGImagePropertyGPSTimeStamp, "not a time"},
+                                                    {kCGImagePropertyGPSLatitude, 12.25}}}});
+  ASSERT_TRUE(block);
+  EXPECT_FALSE(find(*block, 7, EXIF_IFD_GPS));
+  auto latitude = find(*block, 2, EXIF_IFD_GPS);
+  ASSERT_TRUE(latitude);
+  EXPECT_EQ(latitude->data, bytes({0, 0, 0, 12, 0, 0, 0, 1, 0, 0, 0, 15, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0, 0, 1}));
+  EXPECT_TRUE(log.contains("Failed to parse GPS Time Stamp from string: not a time")) << log.text();
 }
