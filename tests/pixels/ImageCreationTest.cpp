@@ -31,6 +31,17 @@ TEST(ImageCreation, MaxPixelSizeScales) {
   EXPECT_EQ(MCCreateImageWithMaxPixelSize_C4_8(large, 0), large);
   EXPECT_EQ(MCCreateImageWithMaxPixelSize_C4_8(large, 400), large);
   EXPECT_FALSE(MCCreateImageWithMaxPixelSize_C4_8(nullptr, 100));
+  // A smaller image is enlarged: the scale is not held to 1.
+  auto small = solid(50, 40, {10, 20, 30, 255});
+  auto enlarged = MCCreateImageWithMaxPixelSize_C4_8(small, 100);
+  ASSERT_TRUE(enlarged);
+  EXPECT_EQ(enlarged->width(), 100u);
+  EXPECT_EQ(enlarged->height(), 80u);
+  // Sides are rounded up: 3 × 1 at most 2 is 2 × 1 (ceil of 0.67).
+  auto strip = MCCreateImageWithMaxPixelSize_C4_8(solid(3, 1, {1, 2, 3, 255}), 2);
+  ASSERT_TRUE(strip);
+  EXPECT_EQ(strip->width(), 2u);
+  EXPECT_EQ(strip->height(), 1u);
 }
 
 TEST(ImageCreation, ScalingResamplesAndKeepsTheLayout) {
