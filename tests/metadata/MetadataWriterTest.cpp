@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <cstdlib>
 
 namespace fs = std::filesystem;
 
@@ -116,4 +118,58 @@ TEST(MetadataWriter, ExiftoolReadsTheSameValues) {
   const nlohmann::json contact = tags.value("XMP-iptcCore:CreatorContactInfo", nlohmann::json());
   EXPECT_EQ(contact.value("CiAdrCity", nlohmann::json()), "Bergen") << contact.dump();
   EXPECT_EQ(contact.value("CiEmailWork", nlohmann::json()), "ann@example.org") << contact.dump();
+}
+
+// The IIM times live in the XMP dates of their days, both ways, as exiftool writes and reads them;
+// the fields without a standard XMP home are read from no sidecar and written to none.
+TEST(MetadataWriter, IIMTimesShareTheirDaysDatesWithExiftool) {
+  const fs::path dir = fs::path(VESPERON_TEST_BINARY_DIR) / "iptc-times";
+  fs::create_directories(dir);
+  const fs::path sidecar = dir / "by-exiftool.xmp";
+  fs::remove(sidecar);
+  const std::string command = "exiftool -q -o '" + sidecar.string() +
+                              "' '-XMP-photoshop:DateCreated=2021:06:01 12:34:56+02:00'"
+                              " '-XMP-xmp:CreateDate=2021:06:02 08:09:10Z' -XMP-photoshop:Urgency=3"
+                              " '-XMP-iptcCore:Location=Old Town' -XMP-photoshop:TransmissionReference=TR-1"
+                              " -XMP-photoshop:Instructions=Embargo -XMP-iptcCore:IntellectualGenre=Feature 2>/dev/null";
+  if (std::system(command.c_str()) != 0 || !fs::exists(sidecar)) GTEST_SKIP() << "exiftool is not available";
+  std::ifstream in(sidecar, std::ios::binary);
+  const std::string written((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  const MCDictionary read = MCCGImageMetadataReader::extractMetadataFromXMPData(MCData(written.begin(), written.end()));
+  const MCDictionary& iptc = *MCDictionaryGetDictionary(read, kCGImagePropertyIPTCDictionary);
+  auto at = [&](const char* key) {
+    const MCValue* value = MCDictionaryGet(iptc, key);
+    return value ? *value : MCValue();
+  };
+  EXPECT_EQ(at(kCGImagePropertyIPTCDateCreated), MCValue("2021-06-01T12:34:56+02:00"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCTimeCreated), MCValue("123456+0200"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCDigitalCreationTime), MCValue("080910+0000"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCUrgency), MCValue("3"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCSubLocation), MCValue("Old Town"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCOriginalTransmissionReference), MCValue("TR-1"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCSpecialInstructions), MCValue("Embargo"));
+  EXPECT_EQ(at(kCGImagePropertyIPTCObjectAttributeReference), MCValue("Feature"));
+  for (const char* homeless : {kCGImagePropertyIPTCEditStatus, kCGImagePropertyIPTCReleaseDate,
+                               kCGImagePropertyIPTCContact, kCGImagePropertyIPTCImageType})
+    EXPECT_FALSE(iptc.count(homeless)) << homeless;
+
+  // Written back: the time joins its day; a time without a day, and homeless fields, write nothing.
+  const MCDictionary properties{
+      {kCGImagePropertyIPTCDictionary,
+       MCDictionary{{kCGImagePropertyIPTCDateCreated, "20210601"},
+                    {kCGImagePropertyIPTCTimeCreated, "123456+0200"},
+                    {kCGImagePropertyIPTCDigitalCreationTime, "101112"},
+                    {kCGImagePropertyIPTCEditStatus, "final"},
+                    {kCGImagePropertyIPTCReleaseDate, "20210701"}}}};
+  auto packet = MCCGImageMetadataWriter().xmpDataFromCGImageProperties(properties);
+  ASSERT_TRUE(packet);
+  const fs::path ours = dir / "ours.xmp";
+  std::ofstream(ours, std::ios::binary) << text(*packet);
+  const nlohmann::json tags = exiftoolRead(ours);
+  ASSERT_FALSE(tags.is_null());
+  EXPECT_EQ(tags.value("XMP-photoshop:DateCreated", nlohmann::json()), "2021:06:01 12:34:56+02:00") << tags.dump();
+  EXPECT_FALSE(tags.contains("XMP-xmp:CreateDate")) << "no digital creation day to put the time in";
+  EXPECT_EQ(text(*packet).find("final"), std::string::npos);
+  EXPECT_EQ(text(*packet).find("20210701"), std::string::npos);
+  EXPECT_EQ(text(*packet).find("2021-07-01"), std::string::npos);
 }

@@ -3,7 +3,9 @@
 #include <vesperon/metadata/MCDateExtensions.h>
 #include <vesperon/metadata/MCExifUtils.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
+#include <vesperon/metadata/MCXMPPropertyMap.h>
 
+#include <cctype>
 #include <cstdio>
 
 MCCGImageMetadataPropertyReader MCCGImageMetadataPropertyReader::exifWithName(std::string name, int64_t type) {
@@ -49,6 +51,33 @@ MCValue readString(const std::string& text, int64_t elementType) {
     default:
       return {};
   }
+}
+
+// The time of an XMP date ("2021-06-01T12:34:56+02:00") as IIM writes a time, "123456+0200"; none
+// for a date without a time.
+MCValue iimTimeOfXMPDate(const std::string& date) {
+  const auto t = date.find('T');
+  if (t == std::string::npos) return {};
+  std::string digits, zone;
+  std::size_t at = t + 1;
+  for (; at < date.size() && (std::isdigit(static_cast<unsigned char>(date[at])) || date[at] == ':'); ++at)
+    if (date[at] != ':') digits += date[at];
+  if (at < date.size() && date[at] == '.')  // fractions of a second have no place in IIM
+    while (++at < date.size() && std::isdigit(static_cast<unsigned char>(date[at]))) {}
+  if (digits.size() == 4) digits += "00";  // XMP allows a time without seconds
+  if (digits.size() != 6) return {};
+  if (at < date.size()) {
+    if (date[at] == 'Z') zone = "+0000";
+    else if (date[at] == '+' || date[at] == '-') {
+      zone = date[at];
+      for (std::size_t i = at + 1; i < date.size(); ++i)
+        if (date[i] != ':') zone += date[i];
+      if (zone.size() != 5) return {};
+    } else {
+      return {};
+    }
+  }
+  return digits + zone;
 }
 
 // The tags whose key the table maps to a property a writer may have spelled otherwise.
@@ -125,6 +154,11 @@ MCValue MCCGImageMetadataPropertyReader::readValueFromMetadata(const MCImageMeta
   }
   MCValue value = readValueFromTag(*tag, type_);
 
+  if (const MCXMPProperty* entry = MCXMPPropertyMap::find(dictionaryName_, propertyName_);
+      entry && entry->form == MCXMPForm::TimeOfDate) {
+    const std::string* date = value.string();
+    return date ? iimTimeOfXMPDate(*date) : MCValue();
+  }
   if (propertyName_ == kCGImagePropertyExifFlash) {
     if (value.isDictionary()) return exifFlashValueFromXMPFlashStruct(value);
   } else if (propertyName_ == kCGImagePropertyExifVersion || propertyName_ == kCGImagePropertyExifFlashPixVersion) {

@@ -7,6 +7,7 @@
 #include <exempi/xmp.h>
 #include <fmt/format.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstring>
 #include <mutex>
@@ -233,6 +234,28 @@ std::optional<std::string> dateText(const MCValue& value) {
   return *text;
 }
 
+// IIM "HHMMSS±HHMM" (or "HH:MM:SS" with a zone or none) as the time part of an XMP date,
+// "HH:MM:SS±HH:MM"; none for anything else.
+std::optional<std::string> xmpTimeOfIIMTime(const std::string& text) {
+  std::string digits;
+  std::size_t at = 0;
+  for (; at < text.size() && digits.size() < 6; ++at) {
+    if (std::isdigit(static_cast<unsigned char>(text[at]))) digits += text[at];
+    else if (text[at] != ':') return std::nullopt;
+  }
+  if (digits.size() != 6) return std::nullopt;
+  std::string out = digits.substr(0, 2) + ":" + digits.substr(2, 2) + ":" + digits.substr(4, 2);
+  const std::string zone = text.substr(at);
+  if (zone.empty()) return out;
+  if (zone == "Z") return out + "Z";
+  std::string zoneDigits;
+  for (std::size_t i = 1; i < zone.size(); ++i)
+    if (std::isdigit(static_cast<unsigned char>(zone[i]))) zoneDigits += zone[i];
+    else if (zone[i] != ':') return std::nullopt;
+  if ((zone[0] != '+' && zone[0] != '-') || zoneDigits.size() != 4) return std::nullopt;
+  return out + zone[0] + zoneDigits.substr(0, 2) + ":" + zoneDigits.substr(2, 2);
+}
+
 std::optional<std::string> versionText(const MCValue& value) {
   if (const MCArray* parts = value.array()) {
     // Three parts are an Exif version ("0231"), two a FlashPix one ("0100").
@@ -331,6 +354,16 @@ bool MCImageMetadata::setValueMatchingImageProperty(const std::string& dictionar
       return setSimple(dateText(value));
     case MCXMPForm::Version:
       return setSimple(versionText(value));
+    case MCXMPForm::TimeOfDate: {
+      // The day comes from the date key, written before (its key sorts first); without a day there
+      // is no XMP date to hold the time.
+      XmpString current;
+      if (!xmp_get_property(xmp, uri, name, current, nullptr)) return false;
+      const std::string date = current.str();
+      const auto time = value.string() ? xmpTimeOfIIMTime(*value.string()) : std::nullopt;
+      if (date.size() < 10 || !time) return false;
+      return setSimple(date.substr(0, 10) + "T" + *time);
+    }
     case MCXMPForm::GPSCoordinate:
       return setSimple(coordinateText(value, *property));
     case MCXMPForm::OrderedArray:

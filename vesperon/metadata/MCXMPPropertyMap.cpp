@@ -194,6 +194,9 @@ std::vector<MCXMPProperty> makeTable() {
       iptc(kCGImagePropertyIPTCCreatorContactInfo, kIptcCore, "Iptc4xmpCore", "CreatorContactInfo", F::Structure),
       iptc(kCGImagePropertyIPTCRightsUsageTerms, kXMPRights, "xmpRights", "UsageTerms", F::AlternateText),
       iptc(kCGImagePropertyIPTCScene, kIptcCore, "Iptc4xmpCore", "Scene", F::UnorderedArray),
+      // After the date keys, so that a path finds the date first.
+      iptc(kCGImagePropertyIPTCTimeCreated, kPhotoshop, "photoshop", "DateCreated", F::TimeOfDate),
+      iptc(kCGImagePropertyIPTCDigitalCreationTime, kXMP, "xmp", "CreateDate", F::TimeOfDate),
   };
 }
 

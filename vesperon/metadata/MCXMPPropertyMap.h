@@ -5,8 +5,17 @@
 // Exif, TIFF and auxiliary keys follow Adobe's XMP standard for its additional properties (namespaces exif, exifEX, tiff,
 // aux, and the TIFF fields that XMP keeps in dc and xmp). IPTC keys follow the IPTC Photo Metadata
 // Standard's mapping of IIM fields to XMP (dc, photoshop, Iptc4xmpCore, xmpRights, xmp:Rating).
-// Keys without an XMP counterpart (GPS references, which XMP folds into the coordinate text; IIM
-// fields such as EditStatus that the standard does not map) are not in the table.
+// The IIM's separate times live in the XMP date of their day: TimeCreated in photoshop:DateCreated
+// beside DateCreated, DigitalCreationTime in xmp:CreateDate beside DigitalCreationDate (the form
+// TimeOfDate). GPS references are not in the table either: XMP folds them into the coordinate text.
+//
+// IIM fields with no standard XMP home, which the IPTC's mapping leaves out and so does this table:
+// ObjectTypeReference, EditStatus, EditorialUpdate, FixtureIdentifier, ContentLocationCode,
+// ContentLocationName, ReleaseDate, ReleaseTime, ExpirationDate, ExpirationTime, ActionAdvised,
+// ReferenceService, ReferenceDate, ReferenceNumber, OriginatingProgram, ProgramVersion, ObjectCycle,
+// Contact, ImageType, ImageOrientation. The metadata reader never finds them in a sidecar (nothing
+// there can hold them), and writing XMP passes them over: setValueMatchingImageProperty answers
+// false for them and nothing is written, as for any key the table lacks.
 
 #include <string>
 #include <string_view>
@@ -23,6 +32,7 @@ enum class MCXMPForm {
   FlashStructure,  ///< exif:Flash, the fields Fired, Return, Mode, Function, RedEyeMode
   GPSCoordinate,   ///< "DDD,MM.mmk"
   Version,         ///< four digits, "0231"; arrays of version numbers are written this way
+  TimeOfDate,      ///< the time of an XMP date whose day another key holds; IIM "HHMMSS±HHMM"
 };
 
 struct MCXMPProperty {
