@@ -60,6 +60,16 @@ convert -seed 41 -size 160x160 plasma:fractal \( -size 160x160 radial-gradient:w
   -compose CopyOpacity -composite -depth 8 -strip badge.png
 convert -seed 42 -size 200x150 plasma:fractal -colorspace Gray -depth 8 -strip scan.png
 
+# The other formats of a photo collection, each made by its own encoder from a photo above:
+# a TIFF from an editor (libtiff's tiffcp), a WebP from the web (cwebp), a HEIC from a phone
+# (heif-enc) and an AVIF (ImageMagick over libheif).
+convert lighthouse.jpg -resize 200x -type TrueColor "$tmp/lighthouse.tif"
+tiffcp -c zip "$tmp/lighthouse.tif" lighthouse-edit.tif
+cwebp -quiet -q 80 -metadata exif harbour-noon.jpg -o harbour-noon-web.webp
+convert market.jpg -resize 640x -type TrueColor "PNG24:$tmp/market.png"
+heif-enc -q 60 --thumb 160 "$tmp/market.png" -o market-phone.heic >/dev/null
+convert fern.jpg -resize 400x -quality 60 fern.avif
+
 # A short clip, as a phone films one: three seconds panning over the beach, faded in from black,
 # with its creation time and place in the container (H.264 in MP4, by ffmpeg).
 ffmpeg -v error -y -loop 1 -framerate 10 -i beach.jpg -t 3 \

@@ -1,0 +1,99 @@
+#include "PlugInTestSupport.h"
+
+#include "../support/LogCapture.h"
+
+#include <vesperon/codecs/MCImageSourceProperties.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+MCDictionary metadataOf(const std::string& name) {
+  auto source = openSource("public.tiff", fixture(name));
+  if (!source) return {};
+  return source->metadataWithOptions(std::nullopt).value_or(MCDictionary{});
+}
+
+}  // namespace
+
+TEST(TIFFCodec, EveryLayoutDecodesToTheQuadrants) {
+  for (const char* name : {"quadrants.tif", "quadrants-16-tiled.tif", "camera.tif"}) {
+    SCOPED_TRACE(name);
+    auto source = openSource("public.tiff", fixture(name));
+    ASSERT_TRUE(source);
+    auto image = source->newImage();
+    expectQuadrants(image);
+    EXPECT_EQ(image->width(), 64u);
+  }
+  // CMYK through libtiff's own ink formula; the colours stay recognisable.
+  expectQuadrants(openSource("public.tiff", fixture("cmyk.tif"))->newImage(), 40);
+  auto gray = openSource("public.tiff", fixture("gray.tif"))->newImage();
+  ASSERT_TRUE(gray);
+  EXPECT_TRUE(colourNear(gray, 0.25, 0.5, {60, 60, 60}, 2));
+  EXPECT_TRUE(colourNear(gray, 0.75, 0.5, {200, 200, 200}, 2));
+  EXPECT_EQ(*MCDictionaryGet(metadataOf("gray.tif"), kCGImagePropertyColorModel), MCValue(std::string("Gray")));
+  EXPECT_EQ(*MCDictionaryGet(metadataOf("quadrants-16-tiled.tif"), kCGImagePropertyDepth), MCValue(16));
+}
+
+TEST(TIFFCodec, OrientationPagesAndTheFilesOwnReducedImage) {
+  // Stored turned, shown upright when the thumbnail is turned by the tag.
+  auto turned = openSource("public.tiff", fixture("orient-6.tif"));
+  ASSERT_TRUE(turned);
+  EXPECT_EQ(*MCDictionaryGet(*turned->metadataWithOptions(std::nullopt), kCGImagePropertyOrientation), MCValue(6));
+  EXPECT_EQ(turned->newImage()->width(), 48u) << "the image is as stored";
+  auto upright = turned->newThumbnailWithOptions(thumbnailOptions(true, false, true, 0, 0));
+  expectQuadrants(upright);
+
+  EXPECT_EQ(*MCDictionaryGet(metadataOf("pages.tif"), kMCImagePropertyImageCount), MCValue(3));
+  expectQuadrants(openSource("public.tiff", fixture("pages.tif"))->newImage());
+  EXPECT_EQ(*MCDictionaryGet(metadataOf("reduced.tif"), kMCImagePropertyImageCount), MCValue(1))
+      << "a reduced image is no page";
+
+  // The reduced page is the embedded thumbnail: blue, where the page itself is a gray gradient.
+  auto reduced = openSource("public.tiff", fixture("reduced.tif"));
+  auto embedded = reduced->newThumbnailWithOptions(thumbnailOptions(false, true, false, 0, 0));
+  ASSERT_TRUE(embedded);
+  EXPECT_EQ(embedded->width(), 32u);
+  EXPECT_TRUE(colourNear(embedded, 0.5, 0.5, kBlue));
+  // Too small for what is asked, or refused by "always": made from the page.
+  auto fromPage = reduced->newThumbnailWithOptions(thumbnailOptions(false, true, false, 64, 64));
+  ASSERT_TRUE(fromPage);
+  EXPECT_EQ(fromPage->width(), 64u);
+  EXPECT_FALSE(colourNear(fromPage, 0.5, 0.5, kBlue));
+  EXPECT_EQ(reduced->newThumbnailWithOptions(thumbnailOptions(false, false, false, 64, 64)), nullptr);
+  EXPECT_FALSE(colourNear(reduced->newThumbnailWithOptions(thumbnailOptions(true, false, false, 0, 32)), 0.5, 0.5, kBlue));
+}
+
+TEST(TIFFCodec, TagsComeThroughTheExifRoad) {
+  const MCDictionary properties = metadataOf("camera.tif");
+  const MCDictionary* tiff = MCDictionaryGetDictionary(properties, kCGImagePropertyTIFFDictionary);
+  const MCDictionary* exif = MCDictionaryGetDictionary(properties, kCGImagePropertyExifDictionary);
+  const MCDictionary* gps = MCDictionaryGetDictionary(properties, kCGImagePropertyGPSDictionary);
+  ASSERT_TRUE(tiff && exif && gps);
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFMake), MCValue("Acme"));
+  EXPECT_EQ(*MCDictionaryGet(*exif, kCGImagePropertyExifDateTimeOriginal), MCValue("2024:05:01 10:00:00"));
+  EXPECT_NEAR(MCDictionaryGet(*gps, kCGImagePropertyGPSLatitude)->doubleValue().value_or(0), 48.8584, 1e-4);
+  EXPECT_EQ(*MCDictionaryGet(properties, kCGImagePropertyPixelWidth), MCValue(64));
+}
+
+TEST(TIFFCodec, BadFilesGiveNothingAndHugeClaimsAreRefusedBeforeDecoding) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  auto huge = openSource("public.tiff", fixture("huge-claim.tif"));
+  ASSERT_TRUE(huge) << "the header reads";
+  EXPECT_EQ(huge->newImage(), nullptr);
+  EXPECT_TRUE(log.contains("100000 x 100000 pixels is beyond the limit")) << log.text();
+  // Cut before its directory: not a TIFF that can be read at all.
+  auto truncated = openSource("public.tiff", fixture("truncated.tif"));
+  EXPECT_TRUE(!truncated || !truncated->newImage());
+  EXPECT_EQ(openSource("public.tiff", fixture("quadrants.webp")), nullptr) << "not a TIFF";
+  EXPECT_EQ(openSource("public.tiff", fixture("missing.tif")), nullptr);
+  // From bytes in memory, the same image.
+  std::ifstream file(fixture("camera.tif"), std::ios::binary);
+  auto bytes = std::make_shared<const MCData>(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+  auto inMemory = codecFor("public.tiff")->imageSourceWithData(bytes, *MCImageSourceOptions::create("public.tiff"));
+  ASSERT_TRUE(inMemory);
+  expectQuadrants(inMemory->newImage());
+}
