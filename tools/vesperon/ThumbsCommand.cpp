@@ -14,6 +14,7 @@
 #include <vesperon/codecs/MCImageCodecManager.h>
 #include <vesperon/pipeline/MCThumbnailCache.h>
 #include <vesperon/pixels/MCImageFiles.h>
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCMainQueue.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
@@ -38,6 +39,7 @@ struct Settings {
   int64_t jobs = 0;  // 0: the operation queue's default (one per core)
   bool cache = false;  // through the persistent image cache
   fs::path cacheDirectory;  // empty: the application's folder under the user's cache folder
+  bool share = false;  // also into the desktop's shared thumbnail cache
 };
 
 // Every file under `folder` whose type some source extension reads (images and clips), in name
@@ -94,8 +96,13 @@ class Run : public MCThumbnailCacheDelegate {
   void didFetchThumbnail(MCThumbnailCache&, const std::shared_ptr<const MCThumbnail>& thumbnail,
                          const MCIndexPath& indexPath) override {
     const fs::path& file = files_[indexPath.item];
-    if (!thumbnail || !thumbnail->image() || !write(thumbnail->image(), outputPath(file))) failures_.push_back(file);
-    else if (persistent_) persistent_->store(file, thumbnail->image());
+    const MCRasterImageRef image = thumbnail ? thumbnail->image() : nullptr;
+    if (!image || !write(image, outputPath(file))) failures_.push_back(file);
+    else if (persistent_) persistent_->store(file, image);
+    if (settings_.share) {
+      if (image) shared_.writeThumbnailForFile(file, image);
+      else shared_.writeFailureForFile(file);
+    }
     ++done_;
     --inFlight_;
     progress();
@@ -166,6 +173,7 @@ class Run : public MCThumbnailCacheDelegate {
   }
 
   const Settings& settings_;
+  MCFreedesktopThumbnailCache shared_;
   std::vector<fs::path> files_;
   std::vector<std::shared_ptr<Item>> items_;
   bool canWrite_ = false;
@@ -236,6 +244,9 @@ std::function<int()> defineThumbs(CLI::App& command) {
       ->check(vesperon_options::kPositiveInteger);
   command.add_flag("--cache", settings->cache,
                    "answer from the persistent image cache and store new thumbnails there");
+  command.add_flag("--share", settings->share,
+                   "also write each thumbnail into the desktop's shared thumbnail cache ($XDG_CACHE_HOME/thumbnails), "
+                   "which file managers show at once");
   command.add_option("--cache-dir", settings->cacheDirectory,
                      "the persistent image cache's folder (implies --cache; default under $XDG_CACHE_HOME/vesperon)");
   return [settings] { return runThumbs(*settings); };

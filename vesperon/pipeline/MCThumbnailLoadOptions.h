@@ -27,10 +27,16 @@ class MCThumbnailLoadOptions : public MCResourceLoadOptions {
   /// `maxDecodePixelCount`); 0, the default, leaves the sources' default of 128 million pixels.
   uint64_t maxDecodePixelCount() const { return maxDecodePixelCount_.load(); }
   void setMaxDecodePixelCount(uint64_t value) { maxDecodePixelCount_.store(value); }
+  /// Take a valid entry of the desktop's shared thumbnail cache (MCFreedesktopThumbnailCache)
+  /// before reading the file, and make nothing for a file this library failed on before. Default
+  /// true; the entries are never used when thumbnails are to be made from the image always.
+  bool readsSharedThumbnails() const { return readsSharedThumbnails_.load(); }
+  void setReadsSharedThumbnails(bool value) { readsSharedThumbnails_.store(value); }
 
  private:
   std::shared_ptr<MCThumbnailLoadStrategy> strategy_;
   std::atomic<bool> createThumbnailFromImageAlways_{false};
   std::atomic<uint64_t> thumbnailMaxPixelSize_{0};
   std::atomic<uint64_t> maxDecodePixelCount_{0};
+  std::atomic<bool> readsSharedThumbnails_{true};
 };

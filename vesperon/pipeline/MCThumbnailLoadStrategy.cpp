@@ -1,6 +1,7 @@
 #include <vesperon/pipeline/MCThumbnailLoadStrategy.h>
 
 #include <vesperon/codecs/MCImageReader.h>
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pipeline/MCThumbnailResource.h>
 
@@ -46,6 +47,12 @@ MCRasterImageRef MCThumbnailLoadStrategy::newThumbnailForImageDescriptor(const M
   uint64_t wanted = descriptor.estimatedPixelSize;
   if (const uint64_t max = options.thumbnailMaxPixelSize(); max != 0)
     wanted = descriptor.estimatedPixelSize != 0 ? std::min(max, descriptor.estimatedPixelSize) : max;
+  // The desktop's shared cache: what another program (or an earlier run) made of this very file.
+  if (options.readsSharedThumbnails() && !options.createThumbnailFromImageAlways() && !descriptor.fileURL.empty()) {
+    const MCFreedesktopThumbnailCache shared;
+    if (auto cached = shared.thumbnailForFile(descriptor.fileURL, wanted); cached && reaches(cached, wanted)) return cached;
+    if (shared.hasFailedForFile(descriptor.fileURL)) return nullptr;
+  }
   const std::vector<MCThumbnailDescriptor> none;
   const std::vector<MCThumbnailDescriptor>& candidates = descriptor.thumbnailDescriptors ? *descriptor.thumbnailDescriptors : none;
 

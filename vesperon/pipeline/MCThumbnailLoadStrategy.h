@@ -3,7 +3,9 @@
 // when a thumbnail is made from the full image.
 //
 // "Wanted" is a larger side in pixels; an image reaches it when its width or its height is at
-// least that. The search has three stages:
+// least that. First, when the options read the desktop's shared thumbnail cache, a valid entry
+// there that reaches wanted is the answer, and a valid failure entry of this library answers none.
+// Then the search has three stages:
 //   1. the thumbnail descriptors whose estimate is 0 or at least wanted, smallest first, until one
 //      reaches wanted (with wanted 0, this stage always ends the search);
 //   2. the image file itself, asked with `createThumbnailFromImageIfAbsent` — only here can a full

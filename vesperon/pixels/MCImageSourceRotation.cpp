@@ -1,5 +1,7 @@
 #include <vesperon/pixels/MCImageSourceRotation.h>
 
+#include <vesperon/pixels/MCPNGChunks.h>
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -103,58 +105,16 @@ std::vector<uint8_t> minimalTiff(int orientation) {
   return tiff;
 }
 
-uint32_t crc32Of(const uint8_t* data, std::size_t length, uint32_t crc = 0) {
-  static const auto table = [] {
-    std::array<uint32_t, 256> t{};
-    for (uint32_t n = 0; n < 256; ++n) {
-      uint32_t c = n;
-      for (int k = 0; k < 8; ++k) c = (c & 1) ? 0xEDB88320u ^ (c >> 1) : c >> 1;
-      t[n] = c;
-    }
-    return t;
-  }();
-  crc = ~crc;
-  for (std::size_t i = 0; i < length; ++i) crc = table[(crc ^ data[i]) & 0xFF] ^ (crc >> 8);
-  return ~crc;
-}
-
-void appendChunk(MCData& out, const char type[4], const std::vector<uint8_t>& data) {
-  put32(out, true, uint32_t(data.size()));
-  const std::size_t typeAt = out.size();
-  out.insert(out.end(), type, type + 4);
-  out.insert(out.end(), data.begin(), data.end());
-  put32(out, true, crc32Of(out.data() + typeAt, 4 + data.size()));
-}
-
 // A PNG's orientation lives in its eXIf chunk (a TIFF block, as in JPEG's APP1 without the
 // "Exif" header): rewritten when there is one, otherwise a new chunk goes before the image data.
 // Every other chunk is copied as it is.
 std::optional<MCData> rotatedPNG(const MCData& source, int orientation) {
-  static const uint8_t kSignature[8] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
-  if (source.size() < 8 || std::memcmp(source.data(), kSignature, 8) != 0) return std::nullopt;
-  struct Chunk {
-    std::size_t at, length;
-    std::string type;
-  };
-  std::vector<Chunk> chunks;
-  std::size_t at = 8;
-  bool ended = false;
-  while (!ended) {
-    if (source.size() - at < 12) return std::nullopt;
-    const std::size_t length = std::size_t(source[at]) << 24 | std::size_t(source[at + 1]) << 16 |
-                               std::size_t(source[at + 2]) << 8 | source[at + 3];
-    if (length > source.size() - at - 12) return std::nullopt;
-    chunks.push_back({at, length, std::string(reinterpret_cast<const char*>(&source[at + 4]), 4)});
-    ended = chunks.back().type == "IEND";
-    at += 12 + length;
-  }
-  if (chunks.front().type != "IHDR") return std::nullopt;
-  auto exif = std::find_if(chunks.begin(), chunks.end(), [](const Chunk& c) { return c.type == "eXIf"; });
+  auto chunks = mc_detail::MCPNGChunks(source.data(), source.size());
+  if (!chunks || chunks->front().type != "IHDR") return std::nullopt;
+  auto exif = std::find_if(chunks->begin(), chunks->end(), [](const auto& c) { return c.type == "eXIf"; });
   std::vector<uint8_t> tiff;
-  if (exif != chunks.end()) {
-    auto rotated = rotatedTiff(std::vector<uint8_t>(source.begin() + std::ptrdiff_t(exif->at + 8),
-                                                    source.begin() + std::ptrdiff_t(exif->at + 8 + exif->length)),
-                               orientation);
+  if (exif != chunks->end()) {
+    auto rotated = rotatedTiff(std::vector<uint8_t>(exif->data, exif->data + exif->length), orientation);
     if (!rotated) return std::nullopt;
     tiff = std::move(*rotated);
   } else {
@@ -163,18 +123,14 @@ std::optional<MCData> rotatedPNG(const MCData& source, int orientation) {
   MCData result(source.begin(), source.begin() + 8);
   result.reserve(source.size() + tiff.size() + 12);
   bool written = false;
-  for (const Chunk& chunk : chunks) {
-    if (chunk.type == "eXIf") {
-      appendChunk(result, "eXIf", tiff);
+  for (const auto& chunk : *chunks) {
+    if (chunk.type == "eXIf" || (!written && (chunk.type == "IDAT" || chunk.type == "IEND"))) {
+      if (!written) mc_detail::MCAppendPNGChunk(result, "eXIf", tiff.data(), tiff.size());
       written = true;
-      continue;
+      if (chunk.type == "eXIf") continue;
     }
-    if (!written && (chunk.type == "IDAT" || chunk.type == "IEND")) {
-      appendChunk(result, "eXIf", tiff);
-      written = true;
-    }
-    result.insert(result.end(), source.begin() + std::ptrdiff_t(chunk.at),
-                  source.begin() + std::ptrdiff_t(chunk.at + 12 + chunk.length));
+    result.insert(result.end(), source.begin() + std::ptrdiff_t(chunk.offset),
+                  source.begin() + std::ptrdiff_t(chunk.offset + chunk.wholeSize()));
   }
   return result;
 }

@@ -1,0 +1,148 @@
+// The desktop's shared thumbnail cache: entries as the freedesktop standard names and checks them,
+// written so that no reader sees half a file, and taken by the thumbnail strategy before a decode.
+
+#include "PipelineTestFiles.h"
+
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
+#include <vesperon/pipeline/MCThumbnailLoadOptions.h>
+#include <vesperon/pixels/MCPNGChunks.h>
+
+#include <glib.h>
+#include <sys/stat.h>
+#include <utime.h>
+
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// This program's own $XDG_CACHE_HOME, set before anything reads it: the strategy uses the default
+// cache, which must never be the user's.
+const fs::path& testCacheHome() {
+  static const fs::path home = [] {
+    fs::path path = fs::path(VESPERON_TEST_BINARY_DIR) / ("xdg-cache-" + std::to_string(::getpid()));
+    setenv("XDG_CACHE_HOME", path.c_str(), 1);
+    return path;
+  }();
+  return home;
+}
+[[maybe_unused]] const fs::path& kTestCacheHome = testCacheHome();
+
+MCRasterImageRef solid(std::size_t width, std::size_t height, std::array<uint8_t, 3> rgb) {
+  std::vector<uint8_t> pixels;
+  for (std::size_t i = 0; i < width * height; ++i) pixels.insert(pixels.end(), {rgb[0], rgb[1], rgb[2], 255});
+  return MCRasterImage::createRGBA8(width, height, std::move(pixels));
+}
+
+std::string md5(const std::string& text) {
+  gchar* sum = g_compute_checksum_for_string(G_CHECKSUM_MD5, text.c_str(), -1);
+  std::string out = sum;
+  g_free(sum);
+  return out;
+}
+
+void setModificationTime(const fs::path& file, time_t seconds) {
+  struct utimbuf times {seconds, seconds};
+  ::utime(file.c_str(), &times);
+}
+
+}  // namespace
+
+TEST(FreedesktopThumbnailCache, EntriesAreNamedAndCheckedAsTheStandardSays) {
+  PipelineTestFolder folder("shared-entries");
+  const fs::path photo = folder.jpeg("my photo.jpg", 64, 48, kRed);
+  setModificationTime(photo, 1700000000);
+  MCFreedesktopThumbnailCache cache(folder.path() / "thumbnails");
+
+  const std::string uri = MCFreedesktopThumbnailCache::uriOfFile(photo);
+  EXPECT_EQ(uri, "file://" + folder.path().string() + "/my%20photo.jpg");
+  EXPECT_STREQ(MCFreedesktopThumbnailCache::folderForPixelSize(128), "normal");
+  EXPECT_STREQ(MCFreedesktopThumbnailCache::folderForPixelSize(129), "large");
+  EXPECT_STREQ(MCFreedesktopThumbnailCache::folderForPixelSize(512), "x-large");
+  EXPECT_STREQ(MCFreedesktopThumbnailCache::folderForPixelSize(5000), "xx-large");
+
+  ASSERT_TRUE(cache.writeThumbnailForFile(photo, solid(200, 150, kBlue)));
+  const fs::path entry = folder.path() / "thumbnails" / "large" / (md5(uri) + ".png");
+  ASSERT_TRUE(fs::exists(entry));
+  struct stat st {};
+  ASSERT_EQ(::stat(entry.c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0600u);
+  ASSERT_EQ(::stat(entry.parent_path().c_str(), &st), 0);
+  EXPECT_EQ(st.st_mode & 0777, 0700u);
+  for (const auto& item : fs::directory_iterator(entry.parent_path())) EXPECT_EQ(item.path().extension(), ".png");
+  std::ifstream in(entry, std::ios::binary);
+  const MCData bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  auto chunks = mc_detail::MCPNGChunks(bytes.data(), bytes.size());
+  ASSERT_TRUE(chunks);
+  const auto texts = mc_detail::MCPNGTextEntries(*chunks);
+  EXPECT_NE(std::find(texts.begin(), texts.end(), std::pair<std::string, std::string>{"Thumb::URI", uri}), texts.end());
+  EXPECT_NE(std::find(texts.begin(), texts.end(), std::pair<std::string, std::string>{"Thumb::MTime", "1700000000"}),
+            texts.end());
+
+  // Read back for any size its folder holds; a larger entry is fitted; a smaller one is not enough.
+  auto back = cache.thumbnailForFile(photo, 256);
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->width(), 200u);
+  EXPECT_TRUE(centreIs(back, kBlue));
+  auto fitted = cache.thumbnailForFile(photo, 100);
+  ASSERT_TRUE(fitted);
+  EXPECT_EQ(fitted->width(), 100u);
+  EXPECT_FALSE(cache.thumbnailForFile(photo, 400)) << "no x-large entry";
+
+  // The file changed since: the entry is stale. Another file never takes it.
+  setModificationTime(photo, 1700000001);
+  EXPECT_FALSE(cache.thumbnailForFile(photo, 256));
+  setModificationTime(photo, 1700000000);
+  const fs::path other = folder.jpeg("other.jpg", 64, 48, kGreen);
+  fs::copy_file(entry, folder.path() / "thumbnails" / "large" / (md5(MCFreedesktopThumbnailCache::uriOfFile(other)) + ".png"));
+  EXPECT_FALSE(cache.thumbnailForFile(other, 256)) << "its URI is the first file's";
+  EXPECT_TRUE(cache.thumbnailForFile(photo, 256));
+
+  // Failures: recorded, and stale as soon as the file changes.
+  EXPECT_FALSE(cache.hasFailedForFile(other));
+  ASSERT_TRUE(cache.writeFailureForFile(other));
+  EXPECT_TRUE(fs::exists(folder.path() / "thumbnails" / "fail" / MCFreedesktopThumbnailCache::kProgramName /
+                         (md5(MCFreedesktopThumbnailCache::uriOfFile(other)) + ".png")));
+  EXPECT_TRUE(cache.hasFailedForFile(other));
+  setModificationTime(other, 1600000000);
+  EXPECT_FALSE(cache.hasFailedForFile(other));
+  // A damaged entry is no entry.
+  std::ofstream(entry, std::ios::binary | std::ios::trunc) << "\x89PNG\r\n\x1a\n broken";
+  EXPECT_FALSE(cache.thumbnailForFile(photo, 256));
+}
+
+TEST(FreedesktopThumbnailCache, TheStrategyTakesASharedEntryBeforeDecoding) {
+  PipelineTestFolder folder("shared-strategy");
+  const fs::path photo = folder.jpeg("photo.jpg", 400, 300, kRed);
+  MCFreedesktopThumbnailCache shared;  // the default cache: this program's own $XDG_CACHE_HOME
+  EXPECT_EQ(shared.root(), testCacheHome() / "thumbnails");
+  ASSERT_TRUE(shared.writeThumbnailForFile(photo, solid(256, 192, kBlue)));
+
+  MCThumbnailLoadStrategy strategy;
+  MCImageDescriptor descriptor(photo);
+  descriptor.typeIdentifier = "public.jpeg";
+  MCThumbnailLoadOptions options;
+  options.setThumbnailMaxPixelSize(200);
+  EXPECT_TRUE(centreIs(strategy.newThumbnailForImageDescriptor(descriptor, options), kBlue)) << "the shared entry";
+  options.setReadsSharedThumbnails(false);
+  EXPECT_TRUE(centreIs(strategy.newThumbnailForImageDescriptor(descriptor, options), kRed)) << "the file itself";
+  options.setReadsSharedThumbnails(true);
+  options.setCreateThumbnailFromImageAlways(true);
+  EXPECT_TRUE(centreIs(strategy.newThumbnailForImageDescriptor(descriptor, options), kRed)) << "from the image, always";
+  options.setCreateThumbnailFromImageAlways(false);
+  options.setThumbnailMaxPixelSize(300);
+  EXPECT_TRUE(centreIs(strategy.newThumbnailForImageDescriptor(descriptor, options), kRed))
+      << "a 256 entry does not reach 300";
+
+  // A file this library failed on, unchanged since: nothing is made, nothing decoded.
+  const fs::path failed = folder.jpeg("failed.jpg", 64, 48, kGreen);
+  ASSERT_TRUE(shared.writeFailureForFile(failed));
+  MCImageDescriptor failedDescriptor(failed);
+  options.setThumbnailMaxPixelSize(64);
+  EXPECT_FALSE(strategy.newThumbnailForImageDescriptor(failedDescriptor, options));
+  options.setReadsSharedThumbnails(false);
+  EXPECT_TRUE(centreIs(strategy.newThumbnailForImageDescriptor(failedDescriptor, options), kGreen));
+  fs::remove_all(testCacheHome());
+}

@@ -1,0 +1,200 @@
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
+
+#include <vesperon/pixels/MCImageCreation.h>
+#include <vesperon/pixels/MCImageFiles.h>
+#include <vesperon/pixels/MCPNGChunks.h>
+
+#include <cairo.h>
+#include <glib.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <fstream>
+#include <iterator>
+
+namespace {
+
+struct Folder {
+  const char* name;
+  uint64_t size;
+};
+constexpr Folder kFolders[] = {{"normal", 128}, {"large", 256}, {"x-large", 512}, {"xx-large", 1024}};
+
+std::optional<int64_t> modificationTime(const std::filesystem::path& file) {
+  struct stat st {};
+  if (::stat(file.c_str(), &st) != 0) return std::nullopt;
+  return int64_t(st.st_mtime);
+}
+
+std::optional<MCData> readFile(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return std::nullopt;
+  return MCData((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+// The image as a PNG through Cairo (which wants native-endian premultiplied ARGB).
+std::optional<MCData> encodePNG(const MCRasterImageRef& image) {
+  auto rgba = MCCopyImageWithRGBColorspace_4C_8(image);
+  if (!rgba) return std::nullopt;
+  const int width = int(rgba->width()), height = int(rgba->height());
+  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
+  if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
+    cairo_surface_destroy(surface);
+    return std::nullopt;
+  }
+  cairo_surface_flush(surface);
+  uint8_t* pixels = cairo_image_surface_get_data(surface);
+  const int stride = cairo_image_surface_get_stride(surface);
+  for (int y = 0; y < height; ++y) {
+    const uint8_t* from = rgba->row(std::size_t(y));
+    auto* to = reinterpret_cast<uint32_t*>(pixels + std::size_t(y) * std::size_t(stride));
+    for (int x = 0; x < width; ++x, from += 4)
+      to[x] = uint32_t(from[3]) << 24 | uint32_t(from[0]) << 16 | uint32_t(from[1]) << 8 | from[2];
+  }
+  cairo_surface_mark_dirty(surface);
+  MCData png;
+  const auto write = [](void* closure, const unsigned char* data, unsigned int length) {
+    auto* out = static_cast<MCData*>(closure);
+    out->insert(out->end(), data, data + length);
+    return CAIRO_STATUS_SUCCESS;
+  };
+  const cairo_status_t status = cairo_surface_write_to_png_stream(surface, write, &png);
+  cairo_surface_destroy(surface);
+  if (status != CAIRO_STATUS_SUCCESS) return std::nullopt;
+  return png;
+}
+
+}  // namespace
+
+MCFreedesktopThumbnailCache::MCFreedesktopThumbnailCache(std::filesystem::path root) : root_(std::move(root)) {}
+
+std::filesystem::path MCFreedesktopThumbnailCache::defaultRoot() {
+  return std::filesystem::path(g_get_user_cache_dir()) / "thumbnails";
+}
+
+std::string MCFreedesktopThumbnailCache::uriOfFile(const std::filesystem::path& file) {
+  std::error_code ec;
+  const std::filesystem::path absolute = std::filesystem::absolute(file, ec).lexically_normal();
+  gchar* uri = g_filename_to_uri(absolute.c_str(), nullptr, nullptr);
+  std::string text = uri ? uri : "";
+  g_free(uri);
+  return text;
+}
+
+const char* MCFreedesktopThumbnailCache::folderForPixelSize(uint64_t pixelSize) {
+  for (const Folder& folder : kFolders)
+    if (pixelSize <= folder.size) return folder.name;
+  return kFolders[3].name;
+}
+
+std::filesystem::path MCFreedesktopThumbnailCache::entryPath(const std::string& folder, const std::string& uri) const {
+  gchar* md5 = g_compute_checksum_for_string(G_CHECKSUM_MD5, uri.c_str(), -1);
+  std::filesystem::path path = root_ / folder / (std::string(md5) + ".png");
+  g_free(md5);
+  return path;
+}
+
+bool MCFreedesktopThumbnailCache::isValidEntry(const std::filesystem::path& entry, const std::string& uri,
+                                               int64_t mtime) const {
+  // The text chunks come before the image data; a few kilobytes hold them.
+  std::ifstream in(entry, std::ios::binary);
+  if (!in) return false;
+  MCData head(64 * 1024);
+  in.read(reinterpret_cast<char*>(head.data()), std::streamsize(head.size()));
+  head.resize(std::size_t(in.gcount()));
+  auto chunks = mc_detail::MCPNGChunks(head.data(), head.size(), "IDAT");
+  if (!chunks) return false;
+  bool uriMatches = false, timeMatches = false;
+  for (const auto& [key, value] : mc_detail::MCPNGTextEntries(*chunks)) {
+    if (key == "Thumb::URI") uriMatches = value == uri;
+    if (key == "Thumb::MTime") timeMatches = value == std::to_string(mtime);
+  }
+  return uriMatches && timeMatches;
+}
+
+MCRasterImageRef MCFreedesktopThumbnailCache::thumbnailForFile(const std::filesystem::path& file, uint64_t pixelSize) const {
+  if (pixelSize == 0 || pixelSize > kFolders[3].size) return nullptr;
+  const auto mtime = modificationTime(file);
+  if (!mtime) return nullptr;
+  const std::string uri = uriOfFile(file);
+  for (const Folder& folder : kFolders) {
+    if (folder.size < pixelSize) continue;
+    const std::filesystem::path entry = entryPath(folder.name, uri);
+    if (!isValidEntry(entry, uri, *mtime)) continue;
+    auto bytes = readFile(entry);
+    if (!bytes) continue;
+    auto image = MCCreateImageWithData(&*bytes);
+    if (!image) continue;
+    // An entry may be larger than asked for: fitted to the size wanted.
+    if (std::max(image->width(), image->height()) > pixelSize) image = MCCreateImageWithMaxPixelSize_C4_8(image, pixelSize);
+    return image;
+  }
+  return nullptr;
+}
+
+bool MCFreedesktopThumbnailCache::hasFailedForFile(const std::filesystem::path& file) const {
+  const auto mtime = modificationTime(file);
+  const std::string uri = uriOfFile(file);
+  return mtime && isValidEntry(entryPath(std::string("fail/") + kProgramName, uri), uri, *mtime);
+}
+
+bool MCFreedesktopThumbnailCache::write(const std::filesystem::path& entry, const std::filesystem::path& file,
+                                        const MCRasterImageRef& image) const {
+  const auto mtime = modificationTime(file);
+  if (!mtime) return false;
+  auto png = encodePNG(image);
+  if (!png) return false;
+  auto chunks = mc_detail::MCPNGChunks(png->data(), png->size());
+  if (!chunks) return false;
+  std::vector<std::pair<std::string, std::string>> texts = {
+      {"Thumb::URI", uriOfFile(file)}, {"Thumb::MTime", std::to_string(*mtime)}, {"Software", "Vesperon"}};
+  std::error_code ec;
+  if (const auto size = std::filesystem::file_size(file, ec); !ec) texts.emplace_back("Thumb::Size", std::to_string(size));
+  // The text chunks go right after the header, where readers look for them first.
+  MCData out(png->begin(), png->begin() + 8);
+  for (const auto& chunk : *chunks) {
+    out.insert(out.end(), png->begin() + std::ptrdiff_t(chunk.offset),
+               png->begin() + std::ptrdiff_t(chunk.offset + chunk.wholeSize()));
+    if (chunk.type != "IHDR") continue;
+    for (const auto& [key, value] : texts) {
+      std::string text = key;
+      text.push_back('\0');
+      text += value;
+      mc_detail::MCAppendPNGChunk(out, "tEXt", reinterpret_cast<const uint8_t*>(text.data()), text.size());
+    }
+  }
+  const std::filesystem::path folder = entry.parent_path();
+  std::filesystem::create_directories(folder, ec);
+  if (ec) return false;
+  std::filesystem::permissions(folder, std::filesystem::perms::owner_all, ec);
+  static std::atomic<unsigned> serial{0};
+  std::filesystem::path temporary = entry;
+  temporary += "." + std::to_string(::getpid()) + "." + std::to_string(serial++) + ".tmp";
+  {
+    std::ofstream stream(temporary, std::ios::binary | std::ios::trunc);
+    stream.write(reinterpret_cast<const char*>(out.data()), std::streamsize(out.size()));
+    if (!stream.flush()) {
+      stream.close();
+      std::filesystem::remove(temporary, ec);
+      return false;
+    }
+  }
+  std::filesystem::permissions(temporary, std::filesystem::perms::owner_read | std::filesystem::perms::owner_write, ec);
+  std::filesystem::rename(temporary, entry, ec);
+  if (ec) std::filesystem::remove(temporary, ec);
+  return !ec;
+}
+
+bool MCFreedesktopThumbnailCache::writeThumbnailForFile(const std::filesystem::path& file,
+                                                        const MCRasterImageRef& thumbnail) const {
+  if (!thumbnail) return false;
+  const uint64_t side = std::max(thumbnail->width(), thumbnail->height());
+  return write(entryPath(folderForPixelSize(side), uriOfFile(file)), file, thumbnail);
+}
+
+bool MCFreedesktopThumbnailCache::writeFailureForFile(const std::filesystem::path& file) const {
+  // A failure is an entry like any other, of one transparent pixel.
+  auto pixel = MCRasterImage::createRGBA8(1, 1, std::vector<uint8_t>{0, 0, 0, 0});
+  return write(entryPath(std::string("fail/") + kProgramName, uriOfFile(file)), file, pixel);
+}
