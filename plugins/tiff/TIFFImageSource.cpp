@@ -10,6 +10,7 @@
 #include <tiffio.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace mc_detail {
@@ -95,6 +96,9 @@ std::shared_ptr<TIFFImageSource> TIFFImageSource::create(std::shared_ptr<SourceB
   TIFFGetFieldDefaulted(tif, TIFFTAG_BITSPERSAMPLE, &bits);
   TIFFGetFieldDefaulted(tif, TIFFTAG_SAMPLESPERPIXEL, &samples);
   TIFFGetField(tif, TIFFTAG_PHOTOMETRIC, &photometric);
+  uint16_t orientation = 1;
+  TIFFGetFieldDefaulted(tif, TIFFTAG_ORIENTATION, &orientation);
+  source->orientation_ = orientation >= 1 && orientation <= 8 ? orientation : 0;
   source->bitsPerSample_ = bits;
   source->samplesPerPixel_ = samples;
   source->photometric_ = photometric;
@@ -128,8 +132,6 @@ std::shared_ptr<TIFFImageSource> TIFFImageSource::create(std::shared_ptr<SourceB
   source->pageCount_ = pages;
   std::sort(source->reduced_.begin(), source->reduced_.end(),
             [](const Page& a, const Page& b) { return a.width * a.height < b.width * b.height; });
-  // The file is itself a TIFF block: its tags come through the Exif road as they are.
-  source->exif_ = EmbeddedExif::create(source->bytes_->data(), source->bytes_->size());
   return source;
 }
 
@@ -153,29 +155,37 @@ bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& 
   image.req_orientation = image.orientation;
   out.width = image.width;
   out.height = image.height;
-  std::vector<uint32_t> raster(std::size_t(image.width) * image.height);
-  const bool ok = TIFFRGBAImageGet(&image, raster.data(), image.width, image.height);
+  const std::size_t count = std::size_t(image.width) * image.height;
+  // libtiff packs R in the low byte and A in the high one: on a little-endian machine its raster
+  // already is RGBA in memory, so it is decoded straight into the image's bytes.
+  out.bytes.resize(count * 4);
+  bool ok = false;
+  if constexpr (std::endian::native == std::endian::little) {
+    ok = TIFFRGBAImageGet(&image, reinterpret_cast<uint32_t*>(out.bytes.data()), image.width, image.height);
+  } else {
+    std::vector<uint32_t> raster(count);
+    ok = TIFFRGBAImageGet(&image, raster.data(), image.width, image.height);
+    for (std::size_t i = 0; ok && i < count; ++i) {
+      const uint32_t p = raster[i];
+      out.bytes[i * 4 + 0] = uint8_t(TIFFGetR(p));
+      out.bytes[i * 4 + 1] = uint8_t(TIFFGetG(p));
+      out.bytes[i * 4 + 2] = uint8_t(TIFFGetB(p));
+      out.bytes[i * 4 + 3] = uint8_t(TIFFGetA(p));
+    }
+  }
   TIFFRGBAImageEnd(&image);
   if (!ok) return false;
-  out.bytes.resize(raster.size() * 4);
-  for (std::size_t i = 0; i < raster.size(); ++i) {
-    const uint32_t p = raster[i];
-    out.bytes[i * 4 + 0] = uint8_t(TIFFGetR(p));
-    out.bytes[i * 4 + 1] = uint8_t(TIFFGetG(p));
-    out.bytes[i * 4 + 2] = uint8_t(TIFFGetB(p));
-    out.bytes[i * 4 + 3] = uint8_t(TIFFGetA(p));
-  }
   // libtiff gives associated alpha as it is and unassociated alpha unmultiplied; the profile
   // applies to colour, so it is converted before the product.
   if (!icc_.empty() && photometric_ != PHOTOMETRIC_SEPARATED)
-    convertProfiledPixelsToSRGB(out.bytes.data(), raster.size(), ProfiledLayout::RGBA, icc_);
+    convertProfiledPixelsToSRGB(out.bytes.data(), count, ProfiledLayout::RGBA, icc_);
   if (hasAlpha_) {
     uint16_t extraCount = 0;
     uint16_t* extra = nullptr;
     const bool associated = TIFFGetField(tif, TIFFTAG_EXTRASAMPLES, &extraCount, &extra) && extraCount &&
                             extra[0] == EXTRASAMPLE_ASSOCALPHA;
     if (!associated) {
-      for (std::size_t i = 0; i < raster.size(); ++i) {
+      for (std::size_t i = 0; i < count; ++i) {
         uint8_t* px = &out.bytes[i * 4];
         const unsigned a = px[3];
         if (a == 255) continue;
@@ -215,13 +225,16 @@ MCRasterImageRef TIFFImageSource::newThumbnailWithOptions(const MCThumbnailReadi
   fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
   if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
   if (options.createThumbnailWithTransform) {
-    const unsigned orientation = options.orientation ? unsigned(options.orientation) : (exif_ ? exif_->orientation() : 0);
+    const unsigned orientation = options.orientation ? unsigned(options.orientation) : orientation_;
     pixels = applyOrientation(std::move(pixels), orientation);
   }
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
 std::optional<MCDictionary> TIFFImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
+  // The file is itself a TIFF block: its tags come through the Exif road as they are. Read when
+  // asked for, since it copies the file.
+  if (!exif_) exif_ = EmbeddedExif::create(bytes_->data(), bytes_->size());
   MCDictionary properties = exif_ ? exif_->properties() : MCDictionary();
   properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(first_.width));
   properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(first_.height));

@@ -51,6 +51,7 @@ class TIFFImageSource : public MCImageSource {
   std::size_t pageCount_ = 0;
   int bitsPerSample_ = 0, samplesPerPixel_ = 0, photometric_ = 0;
   bool hasAlpha_ = false;
+  unsigned orientation_ = 0;  // the orientation tag, for turning thumbnails
   std::vector<uint8_t> icc_;
   std::unique_ptr<EmbeddedExif> exif_;
 };
