@@ -69,6 +69,15 @@ cwebp -quiet -q 80 -metadata exif harbour-noon.jpg -o harbour-noon-web.webp
 convert market.jpg -resize 640x -type TrueColor "PNG24:$tmp/market.png"
 heif-enc -q 60 --thumb 160 "$tmp/market.png" -o market-phone.heic >/dev/null
 convert fern.jpg -resize 400x -quality 60 fern.avif
+# No camera raw file comes with the distribution, and no converter in it writes DNG: a linear DNG
+# of a photo, from ImageMagick's linear 16-bit TIFF with the DNG tags set by tiffset and exiftool
+# (its colour matrix is sRGB's, so that it shows as the photo does).
+convert glacier.jpg -resize 160x -colorspace RGB -depth 16 -type TrueColor -compress none "$tmp/glacier.tif"
+tiffset -s 262 34892 "$tmp/glacier.tif"
+exiftool -q -overwrite_original -DNGVersion=1.4.0.0 -DNGBackwardVersion=1.1.0.0 '-UniqueCameraModel=Vesperon Sample' \
+  -Make=Vesperon -Model=Sample '-ColorMatrix1=3.2406 -1.5372 -0.4986 -0.9689 1.8758 0.0415 0.0557 -0.2040 1.0570' \
+  -CalibrationIlluminant1#=21 '-AsShotNeutral=1 1 1' "$tmp/glacier.tif" 2>/dev/null
+mv "$tmp/glacier.tif" glacier-raw.dng
 
 # A short clip, as a phone films one: three seconds panning over the beach, faded in from black,
 # with its creation time and place in the container (H.264 in MP4, by ffmpeg).

@@ -13,7 +13,7 @@ PACKAGES=(
   libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev
   nlohmann-json3-dev libfmt-dev
   # the TIFF, WebP, HEIF and video plug-ins, and the encoders that made their samples and fixtures
-  libtiff-dev libwebp-dev libheif-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
+  libtiff-dev libwebp-dev libheif-dev libraw-dev libavformat-dev libavcodec-dev libswscale-dev libavutil-dev
   libtiff-tools webp libheif-examples ffmpeg
   # the toolkit's GTK 4 host, and what its on-screen test drives it with
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip

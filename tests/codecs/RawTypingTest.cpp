@@ -44,12 +44,15 @@ TEST(RawTyping, RawNamedFilesReachTheExtensionRegisteredForTheirType) {
 // The sets of types: images and movies follow the registry at each call; the raw set is taken
 // once, at its first use, and keeps what it saw then.
 TEST(RawTyping, TypeSetsFollowTheRegistryExceptTheRawSetTakenOnce) {
-  const std::set<std::string> rawAtFirstUse = MCRAWImageTypes();  // before any raw plug-in
-  EXPECT_FALSE(rawAtFirstUse.count("com.canon.cr2-raw-image"));
   EXPECT_TRUE(MCIsMovieType("public.mpeg-4")) << "the video plug-in of the build";
   EXPECT_FALSE(MCIsMovieType("public.movie")) << "membership, not conformance";
   EXPECT_FALSE(MCIsMovieType(std::nullopt));
+  // With no plug-in at all, the raw set is taken at its first use, and empty.
+  MCImageCodecManager::sharedInstance().unregisterPlugIns();
+  const std::set<std::string> rawAtFirstUse = MCRAWImageTypes();
+  EXPECT_TRUE(rawAtFirstUse.empty());
   EXPECT_FALSE(MCIsImageType("com.canon.cr2-raw-image"));
+  EXPECT_FALSE(MCIsMovieType("public.mpeg-4")) << "the movie set follows the registry";
 
   MCImageCodecManager::sharedInstance().registerPlugInsAtURL(RAW_PROBE_DIR);
   EXPECT_TRUE(MCImageTypes().count("com.canon.cr2-raw-image")) << "the image set follows the registry";
