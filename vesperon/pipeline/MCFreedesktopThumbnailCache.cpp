@@ -70,7 +70,10 @@ std::optional<MCData> encodePNG(const MCRasterImageRef& image) {
 MCFreedesktopThumbnailCache::MCFreedesktopThumbnailCache(std::filesystem::path root) : root_(std::move(root)) {}
 
 std::filesystem::path MCFreedesktopThumbnailCache::defaultRoot() {
-  return std::filesystem::path(g_get_user_cache_dir()) / "thumbnails";
+  // Read once: strategies on several workers ask at the same moment, and GLib makes its own copy
+  // on first use under a lock that ThreadSanitizer cannot see.
+  static const std::filesystem::path root = std::filesystem::path(g_get_user_cache_dir()) / "thumbnails";
+  return root;
 }
 
 std::string MCFreedesktopThumbnailCache::uriOfFile(const std::filesystem::path& file) {
