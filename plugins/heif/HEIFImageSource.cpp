@@ -44,13 +44,6 @@ Handle largestThumbnail(heif_image_handle* image) {
   return best;
 }
 
-void premultiply(std::vector<uint8_t>& bytes) {
-  for (std::size_t i = 0; i + 3 < bytes.size(); i += 4) {
-    const unsigned a = bytes[i + 3];
-    if (a == 255) continue;
-    for (int c = 0; c < 3; ++c) bytes[i + c] = uint8_t((bytes[i + c] * a + 127) / 255);
-  }
-}
 
 }  // namespace
 
@@ -134,7 +127,7 @@ bool HEIFImageSource::decode(bool thumbnail, uint64_t pixelLimit, RGBAPixels& ou
     if (!icc.empty() && heif_image_handle_get_raw_color_profile(image.get(), icc.data()).code == heif_error_Ok)
       convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, ProfiledLayout::RGBA, icc);
   }
-  if (!heif_image_handle_is_premultiplied_alpha(image.get())) premultiply(out.bytes);
+  if (!heif_image_handle_is_premultiplied_alpha(image.get())) premultiplyRGBA(out.bytes);
   heif_image_release(decoded);
   return true;
 }
@@ -142,11 +135,7 @@ bool HEIFImageSource::decode(bool thumbnail, uint64_t pixelLimit, RGBAPixels& ou
 MCRasterImageRef HEIFImageSource::newImage() {
   RGBAPixels pixels;
   if (!decode(false, options_.decodePixelLimit(), pixels)) return nullptr;
-  const uint64_t factor = options_.subsampleFactor;
-  if (factor == 2 || factor == 4 || factor == 8) {
-    pixels = resampleRGBA(pixels, std::max<std::size_t>(1, (pixels.width + factor - 1) / factor),
-                          std::max<std::size_t>(1, (pixels.height + factor - 1) / factor));
-  }
+  pixels = subsampled(std::move(pixels), options_.subsampleFactor);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
@@ -160,11 +149,9 @@ MCRasterImageRef HEIFImageSource::newThumbnailWithOptions(const MCThumbnailReadi
     if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
   }
   if (!made && !decode(false, limit, pixels)) return nullptr;
-  std::size_t w = 0, h = 0;
-  fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
-  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
   // The pixels come turned by the file's own transformations; a caller's orientation still applies.
-  if (options.createThumbnailWithTransform && options.orientation) pixels = applyOrientation(std::move(pixels), unsigned(options.orientation));
+  pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize),
+                           options.createThumbnailWithTransform, unsigned(options.orientation));
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 

@@ -171,16 +171,7 @@ bool PNGImageSource::decode(RGBAPixels& out) const {
   convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, ProfiledLayout::RGBA, header.icc);
 
   // The library's RGBA images are premultiplied.
-  if (header.hasTransparency) {
-    uint8_t* p = out.bytes.data();
-    for (std::size_t i = 0, n = out.width * out.height; i < n; ++i, p += 4) {
-      const unsigned a = p[3];
-      if (a == 255) continue;
-      p[0] = uint8_t((p[0] * a + 127) / 255);
-      p[1] = uint8_t((p[1] * a + 127) / 255);
-      p[2] = uint8_t((p[2] * a + 127) / 255);
-    }
-  }
+  if (header.hasTransparency) premultiplyRGBA(out.bytes);
   return true;
 }
 
@@ -188,12 +179,7 @@ MCRasterImageRef PNGImageSource::newImage() {
   RGBAPixels pixels;
   if (!decode(pixels)) return nullptr;
   // PNG has no DCT scaling; a subsampled read is a resampled full read.
-  const uint64_t factor = options_.subsampleFactor;
-  if (factor == 2 || factor == 4 || factor == 8) {
-    const std::size_t w = std::max<std::size_t>(1, (pixels.width + factor - 1) / factor);
-    const std::size_t h = std::max<std::size_t>(1, (pixels.height + factor - 1) / factor);
-    pixels = resampleRGBA(pixels, w, h);
-  }
+  pixels = subsampled(std::move(pixels), options_.subsampleFactor);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
@@ -202,13 +188,8 @@ MCRasterImageRef PNGImageSource::newThumbnailWithOptions(const MCThumbnailReadin
   if (!options.createThumbnailFromImageAlways && !options.createThumbnailFromImageIfAbsent) return nullptr;
   RGBAPixels pixels;
   if (!decode(pixels)) return nullptr;
-  std::size_t w = 0, h = 0;
-  fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
-  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
-  if (options.createThumbnailWithTransform) {
-    const unsigned orientation = options.orientation != 0 ? unsigned(options.orientation) : (exif_ ? exif_->orientation() : 0);
-    pixels = applyOrientation(std::move(pixels), orientation);
-  }
+  pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize), options.createThumbnailWithTransform,
+                           options.orientation ? unsigned(options.orientation) : (exif_ ? exif_->orientation() : 0));
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 

@@ -190,13 +190,8 @@ MCRasterImageRef RawImageSource::newThumbnailWithOptions(const MCThumbnailReadin
   // A thumbnail made from the sensor data: half size is enough unless a large one is asked for.
   const bool half = options.thumbnailMaxPixelSize && options.thumbnailMaxPixelSize * 2 <= std::max(width_, height_);
   if (!made && !demosaic(half, limit, pixels)) return nullptr;
-  std::size_t w = 0, h = 0;
-  fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
-  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
-  if (options.createThumbnailWithTransform) {
-    const unsigned orientation = options.orientation ? unsigned(options.orientation) : orientation_;
-    pixels = applyOrientation(std::move(pixels), orientation);
-  }
+  pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize), options.createThumbnailWithTransform,
+                           options.orientation ? unsigned(options.orientation) : orientation_);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 

@@ -158,4 +158,27 @@ RGBAPixels applyOrientation(RGBAPixels source, unsigned orientation) {
   return out;
 }
 
+void premultiplyRGBA(std::vector<uint8_t>& bytes) {
+  for (std::size_t i = 0; i + 3 < bytes.size(); i += 4) {
+    const unsigned a = bytes[i + 3];
+    if (a == 255) continue;
+    for (int c = 0; c < 3; ++c) bytes[i + c] = uint8_t((bytes[i + c] * a + 127) / 255);
+  }
+}
+
+RGBAPixels subsampled(RGBAPixels pixels, uint64_t factor) {
+  if (factor != 2 && factor != 4 && factor != 8) return pixels;
+  const std::size_t w = std::max<std::size_t>(1, (pixels.width + factor - 1) / factor);
+  const std::size_t h = std::max<std::size_t>(1, (pixels.height + factor - 1) / factor);
+  return resampleRGBA(pixels, w, h);
+}
+
+RGBAPixels fittedThumbnail(RGBAPixels pixels, std::size_t maxPixelSize, bool transform, unsigned orientation) {
+  std::size_t w = 0, h = 0;
+  fitWithin(pixels.width, pixels.height, maxPixelSize, w, h);
+  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
+  if (transform) pixels = applyOrientation(std::move(pixels), orientation);
+  return pixels;
+}
+
 }  // namespace mc_detail

@@ -27,4 +27,15 @@ void fitWithin(std::size_t width, std::size_t height, std::size_t maxPixelSize, 
 /// The pixels as they are shown for Exif orientation 1 to 8; other values leave them as they are.
 RGBAPixels applyOrientation(RGBAPixels source, unsigned orientation);
 
+/// Straight alpha made premultiplied, in place (the library's RGBA images are premultiplied).
+void premultiplyRGBA(std::vector<uint8_t>& bytes);
+
+/// The pixels at 1/factor of their size (each side rounded up) for a subsample factor of 2, 4 or
+/// 8, resampled; as they are for any other factor.
+RGBAPixels subsampled(RGBAPixels pixels, uint64_t factor);
+
+/// The end of every plug-in's thumbnail made from pixels: fitted within `maxPixelSize` (0: as they
+/// are) and, when `transform` is set, turned by `orientation`.
+RGBAPixels fittedThumbnail(RGBAPixels pixels, std::size_t maxPixelSize, bool transform, unsigned orientation);
+
 }  // namespace mc_detail

@@ -184,14 +184,7 @@ bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& 
     uint16_t* extra = nullptr;
     const bool associated = TIFFGetField(tif, TIFFTAG_EXTRASAMPLES, &extraCount, &extra) && extraCount &&
                             extra[0] == EXTRASAMPLE_ASSOCALPHA;
-    if (!associated) {
-      for (std::size_t i = 0; i < count; ++i) {
-        uint8_t* px = &out.bytes[i * 4];
-        const unsigned a = px[3];
-        if (a == 255) continue;
-        for (int c = 0; c < 3; ++c) px[c] = uint8_t((px[c] * a + 127) / 255);
-      }
-    }
+    if (!associated) premultiplyRGBA(out.bytes);
   }
   return true;
 }
@@ -199,11 +192,7 @@ bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& 
 MCRasterImageRef TIFFImageSource::newImage() {
   RGBAPixels pixels;
   if (!decode(first_, options_.decodePixelLimit(), pixels)) return nullptr;
-  const uint64_t factor = options_.subsampleFactor;
-  if (factor == 2 || factor == 4 || factor == 8) {
-    pixels = resampleRGBA(pixels, std::max<std::size_t>(1, (pixels.width + factor - 1) / factor),
-                          std::max<std::size_t>(1, (pixels.height + factor - 1) / factor));
-  }
+  pixels = subsampled(std::move(pixels), options_.subsampleFactor);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
@@ -221,13 +210,8 @@ MCRasterImageRef TIFFImageSource::newThumbnailWithOptions(const MCThumbnailReadi
     if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
   }
   if (!made && !decode(first_, limit, pixels)) return nullptr;
-  std::size_t w = 0, h = 0;
-  fitWithin(pixels.width, pixels.height, options.thumbnailMaxPixelSize, w, h);
-  if (w != pixels.width || h != pixels.height) pixels = resampleRGBA(pixels, w, h);
-  if (options.createThumbnailWithTransform) {
-    const unsigned orientation = options.orientation ? unsigned(options.orientation) : orientation_;
-    pixels = applyOrientation(std::move(pixels), orientation);
-  }
+  pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize), options.createThumbnailWithTransform,
+                           options.orientation ? unsigned(options.orientation) : orientation_);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 

@@ -27,14 +27,6 @@ std::vector<uint8_t> chunk(WebPDemuxer* demux, const char* fourcc) {
   return bytes;
 }
 
-// Premultiplies straight RGBA in place.
-void premultiply(std::vector<uint8_t>& bytes) {
-  for (std::size_t i = 0; i + 3 < bytes.size(); i += 4) {
-    const unsigned a = bytes[i + 3];
-    if (a == 255) continue;
-    for (int c = 0; c < 3; ++c) bytes[i + c] = uint8_t((bytes[i + c] * a + 127) / 255);
-  }
-}
 
 }  // namespace
 
@@ -90,7 +82,7 @@ bool WebPImageSource::decode(std::size_t width, std::size_t height, uint64_t pix
     WebPAnimDecoderDelete(decoder);
     if (!ok) return false;
     if (!icc_.empty()) convertProfiledPixelsToSRGB(out.bytes.data(), width_ * height_, ProfiledLayout::RGBA, icc_);
-    premultiply(out.bytes);
+    premultiplyRGBA(out.bytes);
     if (width != width_ || height != height_) out = resampleRGBA(out, width, height);
     return true;
   }
@@ -114,7 +106,7 @@ bool WebPImageSource::decode(std::size_t width, std::size_t height, uint64_t pix
   if (!ok) return false;
   if (!icc_.empty()) {
     convertProfiledPixelsToSRGB(out.bytes.data(), width * height, ProfiledLayout::RGBA, icc_);
-    premultiply(out.bytes);
+    premultiplyRGBA(out.bytes);
   }
   return true;
 }
