@@ -87,3 +87,24 @@ TEST(VesperonCommandLine, UsageErrorsSayWhatIsWrongAndExitTwo) {
   EXPECT_EQ(hex.status, 1) << hex.output;
   EXPECT_TRUE(contains(hex.output, "\"/nonexistent/x.jpg\": null")) << hex.output;
 }
+
+// `vesperon find` on the samples: the five files of 2 and 3 October 2022 by their capture dates
+// (four photos from the samples' table, and the clip whose creation time is that day), counted by
+// hand; a predicate that does not parse prints where, nothing else, and ends with status 2.
+TEST(VesperonCommandLine, FindPrintsTheFilesThatSatisfyThePredicate) {
+  const std::string samples = "'" VESPERON_SAMPLES_DIR "'";
+  const Outcome days = vesperon(
+      "find " + samples + " --where '{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:03 23:59:59\"}'");
+  EXPECT_EQ(days.status, 0) << days.output;
+  const std::string dir = VESPERON_SAMPLES_DIR;
+  EXPECT_EQ(days.output, dir + "/beach-clip.mp4\n" + dir + "/boat.jpg\n" + dir + "/lake.jpg\n" + dir +
+                             "/pano-valley.jpg\n" + dir + "/ridge.jpg\n");
+
+  const Outcome formats = vesperon("find " + samples + " --where 'name LIKE[c] \"*.HEIC\" OR type == \"public.avif\"'");
+  EXPECT_EQ(formats.output, dir + "/fern.avif\n" + dir + "/market-phone.heic\n");
+
+  const Outcome bad = vesperon("find " + samples + " --where '{Exif}.FNumber < '");
+  EXPECT_EQ(bad.status, 2);
+  EXPECT_TRUE(contains(bad.output, "does not parse: expected a value or a key path at 17")) << bad.output;
+  EXPECT_FALSE(contains(bad.output, dir + "/")) << "no file is printed";
+}

@@ -1,5 +1,7 @@
 #include "BrowseCollection.h"
 
+#include "MediaFiles.h"
+
 #include <vesperon/metadata/MCExif.h>
 #include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/pixels/MCImageTypes.h>
@@ -62,22 +64,7 @@ std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
 }
 
 BrowseCollection BrowseCollection::scan(const fs::path& folder, std::size_t exifLimit) {
-  auto types = MCImageTypes();
-  types.merge(MCMovieTypes());  // a clip shows as its representative frame
-  std::vector<fs::path> files;
-  std::error_code ec;
-  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
-  for (; !ec && it != end; it.increment(ec)) {
-    std::error_code typeError;
-    if (!it->is_regular_file(typeError)) continue;
-    const std::string name = it->path().filename().string();
-    if (name.empty() || name.front() == '.') continue;
-    const std::string ext = it->path().extension().string();
-    if (ext.size() < 2) continue;
-    auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(ext.substr(1));
-    if (type && types.count(*type)) files.push_back(it->path());
-  }
-  std::sort(files.begin(), files.end());
+  const std::vector<fs::path> files = findMediaFiles(folder);
   const bool readExif = files.size() <= exifLimit;
   std::map<std::string, std::vector<fs::path>, std::greater<>> byDay;
   for (const auto& file : files) byDay[captureDay(file, readExif)].push_back(file);

@@ -16,6 +16,7 @@
 // metadata that are not valid UTF-8 have those bytes replaced by U+FFFD.
 
 #include "CommandFiles.h"
+#include "MediaFiles.h"
 #include "VesperonCommand.h"
 
 #include <vesperon/codecs/MCImageReader.h>
@@ -88,28 +89,12 @@ std::optional<nlohmann::json> fileInfo(const std::string& path, uint64_t mask) {
                  std::filesystem::exists(path, error) ? "not a regular file" : "no such file");
     return std::nullopt;
   }
-  try {
-    auto bytes = readFileBytes(path);
-    if (!bytes) {
-      std::fprintf(stderr, "vesperon info: cannot read %s\n", path.c_str());
-      return std::nullopt;
-    }
-    MCDictionary properties;
-    if (auto reader = MCExifReader::create(*bytes)) {
-      if (auto exif = reader->parseExif()) properties = exif->dictionary();
-    }
-    // Without an Exif block of its own (a PNG, a clip …) the file says what its plug-in reads.
-    if (properties.empty()) {
-      if (auto read = MCImageReader::metadataFromImageAtURL(path, std::nullopt)) properties = std::move(*read);
-    }
-    if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(path)) {
-      properties = MCCGImageMetadataReader::mergeImageMetadata(properties, *sidecar, mask);
-    }
-    return MCValueToJSON(MCValue(std::move(properties)));
-  } catch (const std::exception& e) {
-    std::fprintf(stderr, "vesperon info: cannot read %s: %s\n", path.c_str(), e.what());
+  auto properties = mediaPropertiesOfFile(path, mask);
+  if (!properties) {
+    std::fprintf(stderr, "vesperon info: cannot read %s\n", path.c_str());
     return std::nullopt;
   }
+  return MCValueToJSON(MCValue(std::move(*properties)));
 }
 
 int runInfo(const InfoSettings& settings) {

@@ -8,6 +8,7 @@
 // With --cache (or --cache-dir DIR) the files the persistent image cache holds are answered from it
 // first, and every new thumbnail is stored there (ThumbsPersistentCache).
 
+#include "MediaFiles.h"
 #include "ThumbsPersistentCache.h"
 #include "VesperonCommand.h"
 
@@ -42,26 +43,6 @@ struct Settings {
   bool share = false;  // also into the desktop's shared thumbnail cache
 };
 
-// Every file under `folder` whose type some source extension reads (images and clips), in name
-// order. A folder that cannot be read, or vanishes while it is walked, just ends its part of the walk.
-std::vector<fs::path> findImages(const fs::path& folder) {
-  auto types = MCImageTypes();
-  types.merge(MCMovieTypes());  // a clip shows as its representative frame
-  std::vector<fs::path> files;
-  std::error_code ec;
-  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
-  for (; !ec && it != end; it.increment(ec)) {
-    std::error_code typeError;
-    if (!it->is_regular_file(typeError)) continue;
-    if (it->path().filename().string().front() == '.') continue;
-    std::string ext = it->path().extension().string();
-    if (ext.size() < 2) continue;
-    auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(ext.substr(1));
-    if (type && types.count(*type)) files.push_back(it->path());
-  }
-  std::sort(files.begin(), files.end());
-  return files;
-}
 
 class Item : public MCThumbnailDescriptorProvider {
  public:
@@ -194,7 +175,7 @@ int runThumbs(Settings& settings) {
     return 1;
   }
   const auto started = std::chrono::steady_clock::now();
-  auto run = std::make_shared<Run>(settings, findImages(settings.folder));
+  auto run = std::make_shared<Run>(settings, findMediaFiles(settings.folder));
   if (!run->canWrite()) {
     std::fprintf(stderr, "vesperon thumbs: no JPEG writer among the plug-ins\n");
     return 1;

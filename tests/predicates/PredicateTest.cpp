@@ -1,0 +1,136 @@
+// The predicate model: each operator with and without its options on texts, numbers and dates;
+// key paths that lead nowhere; the text form read back; bad texts with their positions.
+
+#include <vesperon/predicates/MCPredicateParser.h>
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+const MCDictionary kPhoto{
+    {"name", "Été à Lyon.JPG"},
+    {"size", int64_t(2'500'000)},
+    {"{Exif}", MCDictionary{{"FNumber", 2.8}, {"ISOSpeedRatings", MCArray{200, 400}},
+                            {"DateTimeOriginal", "2022:10:02 08:40:13"}}},
+    {"{TIFF}", MCDictionary{{"Model", "NIKON Z 6"}}},
+};
+
+bool holds(const std::string& text) {
+  auto parsed = MCPredicateParser::parse(text);
+  EXPECT_TRUE(parsed) << text << ": " << parsed.error;
+  return parsed && parsed.predicate->evaluateWithObject(kPhoto);
+}
+
+}  // namespace
+
+TEST(Predicates, OperatorsOnTextsNumbersAndDates) {
+  // Numbers, and texts that are not numbers.
+  EXPECT_TRUE(holds("{Exif}.FNumber < 4"));
+  EXPECT_TRUE(holds("{Exif}.FNumber <= 2.8 AND {Exif}.FNumber >= 2.8 AND {Exif}.FNumber == 2.8"));
+  EXPECT_FALSE(holds("{Exif}.FNumber > 2.8"));
+  EXPECT_TRUE(holds("size BETWEEN {1000000, 3000000}"));
+  EXPECT_FALSE(holds("size BETWEEN {1000000}")) << "between takes two bounds";
+  EXPECT_FALSE(holds("{Exif}.FNumber < \"4\"")) << "a number against a text is no comparison";
+  // Texts: case and diacritics only with their options.
+  EXPECT_FALSE(holds("{TIFF}.Model BEGINSWITH \"nikon\""));
+  EXPECT_TRUE(holds("{TIFF}.Model BEGINSWITH[c] \"nikon\""));
+  EXPECT_FALSE(holds("name CONTAINS[c] \"ete\""));
+  EXPECT_TRUE(holds("name CONTAINS[cd] \"ete\""));
+  EXPECT_TRUE(holds("name ENDSWITH[c] \".jpg\""));
+  EXPECT_TRUE(holds("name ==[cd] \"ete a lyon.jpg\""));
+  EXPECT_FALSE(holds("name == \"ete a lyon.jpg\""));
+  EXPECT_TRUE(holds("name LIKE \"Été*.J?G\""));
+  EXPECT_FALSE(holds("name LIKE \"Été*.j?g\""));
+  EXPECT_TRUE(holds("name MATCHES[c] \".*lyon\\\\.jpg\""));
+  EXPECT_FALSE(holds("name MATCHES \"Lyon\"")) << "the whole text must match";
+  EXPECT_FALSE(holds("name MATCHES \"([unclosed\"")) << "a pattern that does not compile matches nothing";
+  EXPECT_TRUE(holds("{TIFF}.Model < \"Nikon Z 7\"")) << "ordered by collation";
+  // Dates in Exif text order as instants.
+  EXPECT_TRUE(holds("{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:02 23:59:59\"}"));
+  EXPECT_TRUE(holds("{Exif}.DateTimeOriginal > \"2022:09:30 23:00:00\""));
+  // Arrays: IN, CONTAINS, ANY and ALL.
+  EXPECT_TRUE(holds("{Exif}.ISOSpeedRatings CONTAINS 400"));
+  EXPECT_TRUE(holds("400 IN {Exif}.ISOSpeedRatings"));
+  EXPECT_TRUE(holds("{TIFF}.Model IN {\"Canon R5\", \"NIKON Z 6\"}"));
+  EXPECT_TRUE(holds("ANY {Exif}.ISOSpeedRatings > 300"));
+  EXPECT_FALSE(holds("ALL {Exif}.ISOSpeedRatings > 300"));
+  EXPECT_TRUE(holds("ALL {Exif}.ISOSpeedRatings >= 200"));
+  // Paths that lead nowhere are false, never errors; NOT of them true.
+  EXPECT_FALSE(holds("{GPS}.Latitude > 10"));
+  EXPECT_FALSE(holds("{Exif}.FNumber.Deeper == 1"));
+  EXPECT_TRUE(holds("NOT {GPS}.Latitude > 10"));
+  EXPECT_TRUE(holds("{GPS}.Latitude > 10 OR (size > 1 AND NOT name == \"x\")"));
+  EXPECT_TRUE(holds("TRUEPREDICATE"));
+  EXPECT_FALSE(holds("FALSEPREDICATE"));
+}
+
+TEST(Predicates, BadTextsSayWhereAndDeepTextsAreRefused) {
+  struct Case {
+    const char* text;
+    std::size_t position;
+  };
+  for (const Case& bad : {Case{"{Exif}.FNumber <", 16}, Case{"name LOOKS \"x\"", 5}, Case{"name == \"open", 8},
+                          Case{"(size > 1", 9}, Case{"size > 1 size", 9}, Case{"name ==[x] \"a\"", 8}, Case{"", 0}}) {
+    auto parsed = MCPredicateParser::parse(bad.text);
+    EXPECT_FALSE(parsed) << bad.text;
+    EXPECT_EQ(parsed.position, bad.position) << bad.text << ": " << parsed.error;
+    EXPECT_NE(parsed.error.find(" at " + std::to_string(bad.position)), std::string::npos) << parsed.error;
+  }
+  const std::string deep = std::string(5000, '(') + "size > 1" + std::string(5000, ')');
+  auto tooDeep = MCPredicateParser::parse(deep);
+  EXPECT_FALSE(tooDeep);
+  EXPECT_NE(tooDeep.error.find("nested too deeply"), std::string::npos);
+  std::string wide = "size == 0";
+  for (int i = 1; i < 3000; ++i) wide += " OR size == " + std::to_string(i);
+  auto many = MCPredicateParser::parse(wide);
+  ASSERT_TRUE(many) << many.error;
+  EXPECT_FALSE(many.predicate->evaluateWithObject(kPhoto));
+}
+
+// Random predicates printed and read back are the same predicates.
+TEST(Predicates, PrintedPredicatesReadBackEqual) {
+  std::mt19937 random(20261124);
+  const std::vector<std::string> paths = {"name", "size", "{Exif}.FNumber", "{TIFF}.Model", "{IPTC}.Keywords", "a.b.c"};
+  const std::vector<MCPredicateOperatorType> operators = {
+      MCPredicateOperatorType::LessThan,   MCPredicateOperatorType::LessThanOrEqualTo,
+      MCPredicateOperatorType::GreaterThan, MCPredicateOperatorType::GreaterThanOrEqualTo,
+      MCPredicateOperatorType::EqualTo,    MCPredicateOperatorType::NotEqualTo,
+      MCPredicateOperatorType::Matches,    MCPredicateOperatorType::Like,
+      MCPredicateOperatorType::BeginsWith, MCPredicateOperatorType::EndsWith,
+      MCPredicateOperatorType::In,         MCPredicateOperatorType::Contains,
+      MCPredicateOperatorType::Between};
+  auto constant = [&]() -> MCValue {
+    switch (random() % 6) {
+      case 0: return MCValue(int64_t(int(random() % 2000) - 1000));
+      case 1: return MCValue(double(int(random() % 20000) - 10000) / 8.0);
+      case 2: return MCValue(std::string("te\"x\\t ") + std::to_string(random() % 100) + " Été");
+      case 3: return MCValue(bool(random() % 2));
+      case 4: return MCValue();
+      default: return MCValue(MCArray{MCValue(int64_t(random() % 10)), MCValue(std::string("a,b")), MCValue(2.5)});
+    }
+  };
+  std::function<MCPredicateRef(int)> make = [&](int depth) -> MCPredicateRef {
+    if (depth < 3 && random() % 3 == 0) {
+      const auto type = MCCompoundPredicate::Type(random() % 3);
+      std::vector<MCPredicateRef> parts;
+      const int count = type == MCCompoundPredicate::Type::Not ? 1 : 2 + int(random() % 3);
+      for (int i = 0; i < count; ++i) parts.push_back(make(depth + 1));
+      return std::make_shared<MCCompoundPredicate>(type, std::move(parts));
+    }
+    auto left = random() % 4 ? MCPredicateExpression::keyPathExpression(paths[random() % paths.size()])
+                             : MCPredicateExpression::constantValue(constant());
+    auto right = random() % 4 ? MCPredicateExpression::constantValue(constant())
+                              : MCPredicateExpression::keyPathExpression(paths[random() % paths.size()]);
+    return std::make_shared<MCComparisonPredicate>(left, right, operators[random() % operators.size()],
+                                                   MCComparisonPredicateModifier(random() % 3), unsigned(random() % 4));
+  };
+  for (int i = 0; i < 500; ++i) {
+    const MCPredicateRef predicate = make(0);
+    const std::string text = predicate->predicateFormat();
+    auto parsed = MCPredicateParser::parse(text);
+    ASSERT_TRUE(parsed) << text << ": " << parsed.error;
+    EXPECT_TRUE(parsed.predicate->isEqual(*predicate)) << text << "\nread back as\n" << parsed.predicate->predicateFormat();
+  }
+}

@@ -1,0 +1,77 @@
+// vesperon find DIR --where TEXT: the photos and clips under DIR whose properties satisfy the
+// predicate TEXT, one path a line, in name order. The properties are those `vesperon info` prints
+// for the file, and beside them the file's own: "name", "path", "size" (bytes), "type" (its type
+// identifier) and "modificationDate" (Exif text, local time), so that
+//     {Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] "nikon"
+//     name LIKE[c] "*.heic" OR size > 1000000
+// both work. A text that does not parse prints the reason with its position, and nothing else.
+
+#include "MediaFiles.h"
+#include "VesperonCommand.h"
+
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
+#include <vesperon/predicates/MCPredicateParser.h>
+
+#include <sys/stat.h>
+#include <cstdio>
+#include <ctime>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct FindSettings {
+  fs::path folder;
+  std::string where;
+};
+
+// The file's own attributes, added to its properties.
+void addFileAttributes(const fs::path& file, MCDictionary& properties) {
+  properties["name"] = MCValue(file.filename().string());
+  properties["path"] = MCValue(file.string());
+  std::error_code ec;
+  if (const auto size = fs::file_size(file, ec); !ec) properties["size"] = MCValue(int64_t(size));
+  if (auto type = MCTypeIdentifierForURL(file)) properties["type"] = MCValue(*type);
+  struct stat st {};
+  if (::stat(file.c_str(), &st) == 0) {
+    const std::time_t when = st.st_mtime;
+    std::tm local{};
+    localtime_r(&when, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &local);
+    properties["modificationDate"] = MCValue(std::string(text));
+  }
+}
+
+int runFind(const FindSettings& settings) {
+  const MCPredicateParseResult parsed = MCPredicateParser::parse(settings.where);
+  if (!parsed) {
+    std::fprintf(stderr, "vesperon find: the predicate does not parse: %s\n  %s\n  %s^\n", parsed.error.c_str(),
+                 settings.where.c_str(), std::string(parsed.position, ' ').c_str());
+    return 2;
+  }
+  std::error_code ec;
+  if (!fs::is_directory(settings.folder, ec)) {
+    std::fprintf(stderr, "vesperon find: %s is not a folder\n", settings.folder.c_str());
+    return 1;
+  }
+  for (const fs::path& file : findMediaFiles(settings.folder)) {
+    MCDictionary properties = mediaPropertiesOfFile(file).value_or(MCDictionary{});
+    addFileAttributes(file, properties);
+    if (parsed.predicate->evaluateWithObject(properties)) std::printf("%s\n", file.c_str());
+  }
+  return 0;
+}
+
+std::function<int()> defineFind(CLI::App& command) {
+  auto settings = std::make_shared<FindSettings>();
+  command.add_option("DIR", settings->folder, "the folder whose photos and clips, at any depth, are searched")->required();
+  command.add_option("--where", settings->where,
+                     "the predicate, e.g. '{Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] \"nikon\"'")
+      ->required();
+  return [settings] { return runFind(*settings); };
+}
+
+}  // namespace
+
+VESPERON_COMMAND("find", "print the photos and clips under DIR whose properties satisfy a predicate", defineFind)

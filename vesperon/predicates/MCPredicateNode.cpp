@@ -1,0 +1,292 @@
+#include <vesperon/predicates/MCPredicateNode.h>
+
+#include <unicode/coll.h>
+#include <unicode/normalizer2.h>
+#include <unicode/regex.h>
+#include <unicode/uchar.h>
+#include <unicode/unistr.h>
+
+#include <cmath>
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+// A key path split into keys: dots separate them, a key in braces is one key, dots and all.
+std::vector<std::string> keysOf(const std::string& path) {
+  std::vector<std::string> keys;
+  std::string key;
+  int depth = 0;
+  for (char c : path) {
+    if (c == '{') ++depth;
+    if (c == '}' && depth > 0) --depth;
+    if (c == '.' && depth == 0) {
+      keys.push_back(std::move(key));
+      key.clear();
+    } else {
+      key += c;
+    }
+  }
+  keys.push_back(std::move(key));
+  return keys;
+}
+
+icu::UnicodeString unicode(const std::string& text) { return icu::UnicodeString::fromUTF8(text); }
+
+// The text as the options compare it: case folded for "c", without combining marks for "d".
+icu::UnicodeString folded(const std::string& text, unsigned options) {
+  icu::UnicodeString out = unicode(text);
+  if (options & MCDiacriticInsensitivePredicateOption) {
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::Normalizer2* nfd = icu::Normalizer2::getNFDInstance(status);
+    if (U_SUCCESS(status)) {
+      icu::UnicodeString decomposed = nfd->normalize(out, status);
+      if (U_SUCCESS(status)) {
+        icu::UnicodeString stripped;
+        for (int32_t i = 0; i < decomposed.length();) {
+          const UChar32 c = decomposed.char32At(i);
+          if (u_charType(c) != U_NON_SPACING_MARK) stripped.append(c);
+          i += U16_LENGTH(c);
+        }
+        out = stripped;
+      }
+    }
+  }
+  if (options & MCCaseInsensitivePredicateOption) out.foldCase();
+  return out;
+}
+
+// -1, 0, 1 by ICU's root collation at the strength the options leave.
+int collate(const std::string& a, const std::string& b, unsigned options) {
+  UErrorCode status = U_ZERO_ERROR;
+  std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale::getRoot(), status));
+  if (U_FAILURE(status)) return a < b ? -1 : a > b ? 1 : 0;
+  const bool caseless = options & MCCaseInsensitivePredicateOption, markless = options & MCDiacriticInsensitivePredicateOption;
+  collator->setStrength(markless ? icu::Collator::PRIMARY : caseless ? icu::Collator::SECONDARY : icu::Collator::IDENTICAL);
+  const UCollationResult result = collator->compare(unicode(a), unicode(b), status);
+  if (U_FAILURE(status)) return a < b ? -1 : a > b ? 1 : 0;
+  return result == UCOL_LESS ? -1 : result == UCOL_GREATER ? 1 : 0;
+}
+
+// Wildcard match: * any run, ? any one character.
+bool like(const icu::UnicodeString& text, int32_t t, const icu::UnicodeString& pattern, int32_t p) {
+  while (p < pattern.length()) {
+    const UChar c = pattern.charAt(p);
+    if (c == '*') {
+      for (int32_t k = t; k <= text.length(); ++k)
+        if (like(text, k, pattern, p + 1)) return true;
+      return false;
+    }
+    if (t >= text.length() || (c != '?' && c != text.charAt(t))) return false;
+    ++p;
+    ++t;
+  }
+  return t == text.length();
+}
+
+std::optional<double> numberOf(const MCValue& value) {
+  if (value.isString() || value.isNone() || value.isArray() || value.isDictionary() || value.isData()) return std::nullopt;
+  return value.doubleValue();
+}
+
+std::string formatNumber(double value) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%.17g", value);
+  return text;
+}
+
+std::string quoted(const std::string& text) {
+  std::string out = "\"";
+  for (char c : text) {
+    if (c == '"' || c == '\\') out += '\\';
+    out += c;
+  }
+  return out + "\"";
+}
+
+std::string constantFormat(const MCValue& value) {
+  if (value.isNone()) return "NIL";
+  if (value.isBool()) return *value.integerValue() ? "TRUE" : "FALSE";
+  if (const std::string* text = value.string()) return quoted(*text);
+  if (const MCArray* array = value.array()) {
+    std::string out = "{";
+    for (std::size_t i = 0; i < array->size(); ++i) out += (i ? ", " : "") + constantFormat((*array)[i]);
+    return out + "}";
+  }
+  if (value.isInteger()) return std::to_string(*value.integerValue());
+  if (auto number = numberOf(value)) {
+    // A real number keeps a point, so that it reads back as a real number, not an integer.
+    std::string text = formatNumber(*number);
+    if (text.find_first_of(".eEn") == std::string::npos) text += ".0";
+    return text;
+  }
+  return "NIL";
+}
+
+const char* operatorFormat(MCPredicateOperatorType type) {
+  switch (type) {
+    case MCPredicateOperatorType::LessThan: return "<";
+    case MCPredicateOperatorType::LessThanOrEqualTo: return "<=";
+    case MCPredicateOperatorType::GreaterThan: return ">";
+    case MCPredicateOperatorType::GreaterThanOrEqualTo: return ">=";
+    case MCPredicateOperatorType::EqualTo: return "==";
+    case MCPredicateOperatorType::NotEqualTo: return "!=";
+    case MCPredicateOperatorType::Matches: return "MATCHES";
+    case MCPredicateOperatorType::Like: return "LIKE";
+    case MCPredicateOperatorType::BeginsWith: return "BEGINSWITH";
+    case MCPredicateOperatorType::EndsWith: return "ENDSWITH";
+    case MCPredicateOperatorType::In: return "IN";
+    case MCPredicateOperatorType::Contains: return "CONTAINS";
+    case MCPredicateOperatorType::Between: return "BETWEEN";
+    case MCPredicateOperatorType::CustomSelector: return "FUNCTION";
+  }
+  return "==";
+}
+
+}  // namespace
+
+std::optional<MCValue> MCPredicateExpression::valueWithObject(const MCDictionary& object) const {
+  if (kind == Kind::Constant) return constant;
+  const MCDictionary* at = &object;
+  const std::vector<std::string> keys = keysOf(keyPath);
+  for (std::size_t i = 0; i < keys.size(); ++i) {
+    const MCValue* value = at ? MCDictionaryGet(*at, keys[i]) : nullptr;
+    if (!value) return std::nullopt;
+    if (i + 1 == keys.size()) return *value;
+    at = value->dictionary();
+  }
+  return std::nullopt;
+}
+
+std::string MCPredicateExpression::predicateFormat() const {
+  return kind == Kind::KeyPath ? keyPath : constantFormat(constant);
+}
+
+bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, MCPredicateOperatorType type,
+                                    unsigned options) {
+  using T = MCPredicateOperatorType;
+  const std::string* leftText = left.string();
+  const std::string* rightText = right.string();
+  auto ordered = [&](auto test) -> bool {
+    if (leftText && rightText) return test(collate(*leftText, *rightText, options));
+    const auto a = numberOf(left), b = numberOf(right);
+    if (!a || !b) return false;
+    return test(*a < *b ? -1 : *a > *b ? 1 : 0);
+  };
+  switch (type) {
+    case T::LessThan: return ordered([](int c) { return c < 0; });
+    case T::LessThanOrEqualTo: return ordered([](int c) { return c <= 0; });
+    case T::GreaterThan: return ordered([](int c) { return c > 0; });
+    case T::GreaterThanOrEqualTo: return ordered([](int c) { return c >= 0; });
+    case T::EqualTo:
+      if (left.isNone() || right.isNone()) return left.isNone() && right.isNone();
+      return ordered([](int c) { return c == 0; }) || (!leftText && !rightText && left == right);
+    case T::NotEqualTo: return !compare(left, right, T::EqualTo, options);
+    case T::BeginsWith:
+    case T::EndsWith:
+    case T::Like:
+    case T::Matches: {
+      if (!leftText || !rightText) return false;
+      if (type == T::Matches) {
+        UErrorCode status = U_ZERO_ERROR;
+        const uint32_t flags = (options & MCCaseInsensitivePredicateOption) ? UREGEX_CASE_INSENSITIVE : 0;
+        icu::RegexMatcher matcher(unicode(*rightText), unicode(*leftText), flags, status);
+        if (U_FAILURE(status)) return false;  // a pattern that does not compile matches nothing
+        const bool whole = matcher.matches(status);
+        return U_SUCCESS(status) && whole;
+      }
+      const icu::UnicodeString text = folded(*leftText, options), pattern = folded(*rightText, options);
+      if (type == T::BeginsWith) return text.startsWith(pattern);
+      if (type == T::EndsWith) return text.endsWith(pattern);
+      return like(text, 0, pattern, 0);
+    }
+    case T::Contains:
+      if (const MCArray* items = left.array()) {
+        for (const MCValue& item : *items)
+          if (compare(item, right, T::EqualTo, options)) return true;
+        return false;
+      }
+      if (!leftText || !rightText) return false;
+      return folded(*leftText, options).indexOf(folded(*rightText, options)) >= 0;
+    case T::In: return compare(right, left, T::Contains, options);
+    case T::Between: {
+      const MCArray* bounds = right.array();
+      if (!bounds || bounds->size() != 2) return false;
+      return compare(left, (*bounds)[0], T::GreaterThanOrEqualTo, options) &&
+             compare(left, (*bounds)[1], T::LessThanOrEqualTo, options);
+    }
+    case T::CustomSelector: return false;
+  }
+  return false;
+}
+
+bool MCComparisonPredicate::evaluateWithObject(const MCDictionary& object) const {
+  const auto left = left_.valueWithObject(object);
+  const auto right = right_.valueWithObject(object);
+  if (!left || !right) return false;  // a path that leads nowhere: false, not an error
+  if (modifier_ == MCComparisonPredicateModifier::Direct) return compare(*left, *right, type_, options_);
+  const MCArray* items = left->array();
+  if (!items) return false;
+  for (const MCValue& item : *items) {
+    const bool holds = compare(item, *right, type_, options_);
+    if (modifier_ == MCComparisonPredicateModifier::Any && holds) return true;
+    if (modifier_ == MCComparisonPredicateModifier::All && !holds) return false;
+  }
+  return modifier_ == MCComparisonPredicateModifier::All;
+}
+
+std::string MCComparisonPredicate::predicateFormat() const {
+  std::string out;
+  if (modifier_ == MCComparisonPredicateModifier::Any) out = "ANY ";
+  if (modifier_ == MCComparisonPredicateModifier::All) out = "ALL ";
+  out += left_.predicateFormat() + " " + operatorFormat(type_);
+  if (options_) {
+    out += "[";
+    if (options_ & MCCaseInsensitivePredicateOption) out += "c";
+    if (options_ & MCDiacriticInsensitivePredicateOption) out += "d";
+    out += "]";
+  }
+  return out + " " + right_.predicateFormat();
+}
+
+bool MCComparisonPredicate::isEqual(const MCPredicateNode& other) const {
+  const auto* that = dynamic_cast<const MCComparisonPredicate*>(&other);
+  return that && left_ == that->left_ && right_ == that->right_ && type_ == that->type_ &&
+         modifier_ == that->modifier_ && options_ == that->options_;
+}
+
+bool MCCompoundPredicate::evaluateWithObject(const MCDictionary& object) const {
+  switch (type_) {
+    case Type::Not: return subpredicates_.empty() || !subpredicates_.front()->evaluateWithObject(object);
+    case Type::And:
+      for (const auto& p : subpredicates_)
+        if (!p->evaluateWithObject(object)) return false;
+      return true;
+    case Type::Or:
+      for (const auto& p : subpredicates_)
+        if (p->evaluateWithObject(object)) return true;
+      return false;
+  }
+  return false;
+}
+
+std::string MCCompoundPredicate::predicateFormat() const {
+  auto part = [](const MCPredicateRef& p) {
+    const bool compound = dynamic_cast<const MCCompoundPredicate*>(p.get()) != nullptr;
+    return compound ? "(" + p->predicateFormat() + ")" : p->predicateFormat();
+  };
+  if (type_ == Type::Not) return subpredicates_.empty() ? "NOT TRUEPREDICATE" : "NOT " + part(subpredicates_.front());
+  if (subpredicates_.empty()) return type_ == Type::And ? "TRUEPREDICATE" : "FALSEPREDICATE";
+  std::string out;
+  for (std::size_t i = 0; i < subpredicates_.size(); ++i)
+    out += (i ? (type_ == Type::And ? " AND " : " OR ") : "") + part(subpredicates_[i]);
+  return out;
+}
+
+bool MCCompoundPredicate::isEqual(const MCPredicateNode& other) const {
+  const auto* that = dynamic_cast<const MCCompoundPredicate*>(&other);
+  if (!that || type_ != that->type_ || subpredicates_.size() != that->subpredicates_.size()) return false;
+  for (std::size_t i = 0; i < subpredicates_.size(); ++i)
+    if (!subpredicates_[i]->isEqual(*that->subpredicates_[i])) return false;
+  return true;
+}

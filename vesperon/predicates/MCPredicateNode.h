@@ -1,0 +1,129 @@
+#pragma once
+// The predicate model the predicate vocabulary and the editor stand on: comparisons of two
+// expressions (a constant or a key path) under an operator, with a modifier and options, and
+// compounds of predicates (and, or, not). A predicate evaluates itself against a property
+// dictionary, prints itself in a text form, and MCPredicateParser reads that same form back.
+//
+// Key paths walk nested dictionaries by keys separated by dots; a key in braces is one key, dots
+// and all: "{Exif}.FNumber", "{TIFF}.Model", "name". A path that leads nowhere gives no value, and
+// a comparison with no value is false (never an error).
+//
+// Text: the operators compare under ICU's root collation; the option "c" makes a comparison
+// case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ?; "matches"
+// a whole-text ICU regular expression (one that does not compile matches nothing). Numbers
+// compare as numbers, dates (MCValue text in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both
+// sides) as the texts they are, which order as instants. "between" takes a two-element array,
+// "in" an array (or a text, for a substring), "contains" a text or an array member.
+//
+// The text form: `{Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] "nikon"`, with the operators
+// <, <=, >, >=, ==, !=, MATCHES, LIKE, BEGINSWITH, ENDSWITH, IN, CONTAINS, BETWEEN, the modifiers
+// ANY and ALL before the left expression, the options [c], [d], [cd] after the operator, AND, OR,
+// NOT and parentheses; constants are double-quoted texts (with \" and \\), numbers, TRUE, FALSE,
+// NIL and arrays in braces {1, 2}.
+
+#include <vesperon/core/MCValue.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+/// The platform's comparison operators, by their numbers.
+enum class MCPredicateOperatorType : int {
+  LessThan = 0,
+  LessThanOrEqualTo = 1,
+  GreaterThan = 2,
+  GreaterThanOrEqualTo = 3,
+  EqualTo = 4,
+  NotEqualTo = 5,
+  Matches = 6,
+  Like = 7,
+  BeginsWith = 8,
+  EndsWith = 9,
+  In = 10,
+  CustomSelector = 11,
+  Contains = 99,
+  Between = 100,
+};
+
+/// How the left side's values are taken: as one value, or any / all of the elements of an array.
+enum class MCComparisonPredicateModifier : int { Direct = 0, All = 1, Any = 2 };
+
+/// Comparison options, a bit set.
+enum MCComparisonPredicateOptions : unsigned { MCCaseInsensitivePredicateOption = 1, MCDiacriticInsensitivePredicateOption = 2 };
+
+/// One side of a comparison: a constant value or a key path.
+struct MCPredicateExpression {
+  enum class Kind { Constant, KeyPath };
+  Kind kind = Kind::Constant;
+  MCValue constant;
+  std::string keyPath;
+
+  static MCPredicateExpression constantValue(MCValue value) { return {Kind::Constant, std::move(value), {}}; }
+  static MCPredicateExpression keyPathExpression(std::string path) { return {Kind::KeyPath, {}, std::move(path)}; }
+
+  /// The value against an object: the constant, or what the key path leads to (none when nothing).
+  std::optional<MCValue> valueWithObject(const MCDictionary& object) const;
+  /// The text form.
+  std::string predicateFormat() const;
+  friend bool operator==(const MCPredicateExpression&, const MCPredicateExpression&) = default;
+};
+
+class MCPredicateNode;
+using MCPredicateRef = std::shared_ptr<const MCPredicateNode>;
+
+class MCPredicateNode {
+ public:
+  virtual ~MCPredicateNode() = default;
+  virtual bool evaluateWithObject(const MCDictionary& object) const = 0;
+  /// The text form, which MCPredicateParser reads back into an equal predicate.
+  virtual std::string predicateFormat() const = 0;
+  virtual bool isEqual(const MCPredicateNode& other) const = 0;
+};
+
+class MCComparisonPredicate : public MCPredicateNode {
+ public:
+  MCComparisonPredicate(MCPredicateExpression left, MCPredicateExpression right, MCPredicateOperatorType type,
+                        MCComparisonPredicateModifier modifier = MCComparisonPredicateModifier::Direct,
+                        unsigned options = 0)
+      : left_(std::move(left)), right_(std::move(right)), type_(type), modifier_(modifier), options_(options) {}
+
+  const MCPredicateExpression& leftExpression() const { return left_; }
+  const MCPredicateExpression& rightExpression() const { return right_; }
+  MCPredicateOperatorType predicateOperatorType() const { return type_; }
+  MCComparisonPredicateModifier comparisonPredicateModifier() const { return modifier_; }
+  unsigned options() const { return options_; }
+
+  bool evaluateWithObject(const MCDictionary& object) const override;
+  std::string predicateFormat() const override;
+  bool isEqual(const MCPredicateNode& other) const override;
+
+  /// The comparison of two values alone.
+  static bool compare(const MCValue& left, const MCValue& right, MCPredicateOperatorType type, unsigned options);
+
+ private:
+  MCPredicateExpression left_, right_;
+  MCPredicateOperatorType type_;
+  MCComparisonPredicateModifier modifier_;
+  unsigned options_;
+};
+
+class MCCompoundPredicate : public MCPredicateNode {
+ public:
+  enum class Type { Not = 0, And = 1, Or = 2 };
+  MCCompoundPredicate(Type type, std::vector<MCPredicateRef> subpredicates)
+      : type_(type), subpredicates_(std::move(subpredicates)) {}
+
+  Type compoundPredicateType() const { return type_; }
+  const std::vector<MCPredicateRef>& subpredicates() const { return subpredicates_; }
+
+  /// And of none is true, or of none false, not of its first (of none, true).
+  bool evaluateWithObject(const MCDictionary& object) const override;
+  std::string predicateFormat() const override;
+  bool isEqual(const MCPredicateNode& other) const override;
+
+ private:
+  Type type_;
+  std::vector<MCPredicateRef> subpredicates_;
+};

@@ -1,0 +1,24 @@
+#pragma once
+// MCPredicateParser: reads the text form that MCPredicateNode::predicateFormat prints (see
+// MCPredicateNode.h) back into a predicate. A text that does not parse gives no predicate and the
+// reason with its byte position ("expected an operator at 17"). Nesting is bounded, so a very deep
+// text is refused rather than exhausting the stack.
+
+#include <vesperon/predicates/MCPredicateNode.h>
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+struct MCPredicateParseResult {
+  MCPredicateRef predicate;  ///< none when the text does not parse
+  std::string error;         ///< why, when it does not
+  std::size_t position = 0;  ///< where, in bytes from the start
+  explicit operator bool() const { return predicate != nullptr; }
+};
+
+class MCPredicateParser {
+ public:
+  static constexpr int kMaximumDepth = 200;
+  static MCPredicateParseResult parse(std::string_view text);
+};
