@@ -1,6 +1,7 @@
 // The predicate model: each operator with and without its options on texts, numbers and dates;
 // key paths that lead nowhere; the text form read back; bad texts with their positions.
 
+#include <vesperon/predicates/MCPredicate.h>
 #include <vesperon/predicates/MCPredicateParser.h>
 
 #include <gtest/gtest.h>
@@ -133,4 +134,29 @@ TEST(Predicates, PrintedPredicatesReadBackEqual) {
     ASSERT_TRUE(parsed) << text << ": " << parsed.error;
     EXPECT_TRUE(parsed.predicate->isEqual(*predicate)) << text << "\nread back as\n" << parsed.predicate->predicateFormat();
   }
+}
+
+// The vocabulary's texts: names first; operators by their keys (the one with a blank included),
+// and the two plain texts.
+TEST(PredicateVocabulary, TextsOfConstantsKeyPathsOperatorsAndAttributeTypes) {
+  using namespace MCPredicate;
+  EXPECT_EQ((Operator{int(MCPredicateOperatorType::GreaterThan), "bigger than"}).localizedString(), "bigger than");
+  EXPECT_EQ((Operator{50, "named anyway"}).localizedString(), "named anyway");
+  EXPECT_EQ(Operator::localizationKey(2), "predicate_operator_is greater_than");
+  EXPECT_EQ(Operator::localizationKey(4), "predicate_operator_is");
+  EXPECT_EQ(Operator::localizationKey(100), "predicate_operator_between");
+  // With no translation installed a key shows itself.
+  EXPECT_EQ((Operator{2, std::nullopt}).localizedString(), "predicate_operator_is greater_than");
+  EXPECT_EQ((Operator{11, std::nullopt}).localizedString(), "<custom selector>");
+  EXPECT_EQ((Operator{50, std::nullopt}).localizedString(), "<unknown>");
+  EXPECT_EQ((ExpressionAttributeType{AttributeType::String, std::nullopt}).localizedString(), "");
+  EXPECT_EQ((ExpressionAttributeType{AttributeType::Date, "a day"}).localizedString(), "a day");
+  EXPECT_EQ((ExpressionConstant{MCValue(2.5), std::nullopt}).localizedString(), "2.5");
+  EXPECT_EQ((ExpressionConstant{MCValue(int64_t(3)), "three"}).localizedString(), "three");
+  EXPECT_EQ((ExpressionConstant{MCValue(MCArray{1, 2}), std::nullopt}).localizedString(), "(1, 2)");
+  EXPECT_EQ((ExpressionKeyPath{"{Exif}.FNumber", std::nullopt}).localizedString(), "{Exif}.FNumber");
+  EXPECT_EQ((ExpressionKeyPath{"{Exif}.FNumber", "Aperture"}).localizedString(), "Aperture");
+  // Their expressions are the model's.
+  EXPECT_EQ((ExpressionKeyPath{"name", std::nullopt}).predicateExpression(), MCPredicateExpression::keyPathExpression("name"));
+  EXPECT_EQ((ExpressionConstant{MCValue("x"), std::nullopt}).predicateExpression(), MCPredicateExpression::constantValue(MCValue("x")));
 }
