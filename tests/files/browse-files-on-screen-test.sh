@@ -61,6 +61,15 @@ wait_for() {
   done
   fail "the program never reported '$1'"
 }
+# The line seen at least N times: a selection made again after a reload is a new line.
+wait_for_count() {
+  for _ in $(seq 200); do
+    [ "$(grep -c "$1" "$work/out")" -ge "$2" ] && return 0
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.05
+  done
+  fail "the program never reported '$1' $2 times"
+}
 stop() { kill "$pid"; wait "$pid" 2>/dev/null || true; pid=""; }
 
 # Named once, remembered; not named, it comes back.
@@ -97,7 +106,7 @@ wait_for "^folder $work/first 1 photos$"
 [ -f "$work/data/Trash/files/badge.png" ] && [ ! -e "$work/first/badge.png" ] || fail "badge.png is not in the trash"
 cmp -s "$work/data/Trash/files/badge.png" "$samples/badge.png" || fail "the trash holds another badge.png"
 xdotool mousemove --window "$window" $((ox + x0)) $((oy + y0)) click 1
-wait_for '^selection 1 0$'
+wait_for_count '^selection 1 0$' 2
 xdotool key Delete
 wait_for "^trashed $work/first/diagram.png$"
 wait_for "^folder $work/first 0 photos$"
