@@ -1,3 +1,4 @@
+#include "DecodeBudget.h"
 #include "HEIFImageSource.h"
 
 #include "ProfileConversion.h"
@@ -5,7 +6,6 @@
 #include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
-#include <fmt/format.h>
 #include <libheif/heif.h>
 
 #include <algorithm>
@@ -90,11 +90,7 @@ HEIFImageSource::~HEIFImageSource() {
 
 bool HEIFImageSource::decode(bool thumbnail, uint64_t pixelLimit, RGBAPixels& out) const {
   const std::size_t width = thumbnail ? thumbnailWidth_ : width_, height = thumbnail ? thumbnailHeight_ : height_;
-  if (uint64_t(width) * height > pixelLimit) {
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the image of {}: {} x {} pixels is beyond the limit of {}",
-                                               bytes_->name(), width, height, pixelLimit));
-    return false;
-  }
+  if (!withinDecodeBudget(bytes_->name(), width, height, pixelLimit)) return false;
   Handle image = primary(context_);
   if (!image) return false;
   if (thumbnail) {

@@ -1,10 +1,10 @@
+#include "DecodeBudget.h"
 #include "RawImageSource.h"
 
 #include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pixels/MCImageFiles.h>
 
-#include <fmt/format.h>
 #include <libraw/libraw.h>
 
 #include <algorithm>
@@ -111,11 +111,7 @@ std::shared_ptr<RawImageSource> RawImageSource::create(std::shared_ptr<SourceByt
 }
 
 bool RawImageSource::demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (uint64_t(width_) * height_ > pixelLimit) {
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the image of {}: {} x {} pixels is beyond the limit of {}",
-                                               bytes_->name(), width_, height_, pixelLimit));
-    return false;
-  }
+  if (!withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit)) return false;
   auto raw = openRaw(*bytes_);
   if (!raw) return false;
   libraw_output_params_t& params = raw->imgdata.params;

@@ -1,3 +1,4 @@
+#include "DecodeBudget.h"
 #include "TIFFImageSource.h"
 
 #include "ProfileConversion.h"
@@ -6,7 +7,6 @@
 #include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
-#include <fmt/format.h>
 #include <tiffio.h>
 
 #include <algorithm>
@@ -139,11 +139,7 @@ TIFFImageSource::TIFFImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSour
     : bytes_(std::move(bytes)), options_(std::move(options)) {}
 
 bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (uint64_t(page.width) * page.height > pixelLimit) {
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the image of {}: {} x {} pixels is beyond the limit of {}",
-                                               bytes_->name(), page.width, page.height, pixelLimit));
-    return false;
-  }
+  if (!withinDecodeBudget(bytes_->name(), page.width, page.height, pixelLimit)) return false;
   Handle handle(*bytes_);
   TIFF* tif = handle.tif;
   if (!tif || !TIFFSetSubDirectory(tif, page.directoryOffset)) return false;

@@ -1,3 +1,4 @@
+#include "DecodeBudget.h"
 #include "VideoImageSource.h"
 
 #include <vesperon/codecs/MCMovieProperties.h>
@@ -206,12 +207,7 @@ VideoImageSource::~VideoImageSource() = default;
 bool VideoImageSource::frame(std::size_t maxPixelSize, RGBAPixels& out) {
   Clip& clip = *clip_;
   std::lock_guard lock(clip.mutex);
-  const uint64_t limit = options_.decodePixelLimit();
-  if (uint64_t(clip.width) * clip.height > limit) {
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the video {}: {} x {} pixels is beyond the limit of {}",
-                                               clip.name, clip.width, clip.height, limit));
-    return false;
-  }
+  if (!withinDecodeBudget(clip.name, clip.width, clip.height, options_.decodePixelLimit(), "the video")) return false;
   AVStream* stream = clip.format->streams[clip.stream];
   const AVCodec* decoder = avcodec_find_decoder(stream->codecpar->codec_id);
   if (!decoder) {

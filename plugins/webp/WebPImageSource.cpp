@@ -1,3 +1,4 @@
+#include "DecodeBudget.h"
 #include "WebPImageSource.h"
 
 #include "ProfileConversion.h"
@@ -6,7 +7,6 @@
 #include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
-#include <fmt/format.h>
 #include <webp/decode.h>
 #include <webp/demux.h>
 
@@ -53,11 +53,7 @@ std::shared_ptr<WebPImageSource> WebPImageSource::create(std::shared_ptr<SourceB
 }
 
 bool WebPImageSource::decode(std::size_t width, std::size_t height, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (uint64_t(width_) * height_ > pixelLimit) {
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode the image of {}: {} x {} pixels is beyond the limit of {}",
-                                               bytes_->name(), width_, height_, pixelLimit));
-    return false;
-  }
+  if (!withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit)) return false;
   if (!width || !height) {
     width = width_;
     height = height_;

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <map>
 #include <set>
-#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -233,22 +232,20 @@ bool trashItemAtURL(const std::filesystem::path& url, std::optional<std::filesys
                     std::string* error) {
   std::error_code ec;
   const std::filesystem::path absolute = std::filesystem::absolute(url, ec).lexically_normal();
+  // GIO's trash is a blocking call that needs no main loop, so a caller on the main thread may
+  // wait for it too.
   std::string failure;
   std::optional<std::filesystem::path> resulting;
-  // The work needs no main loop, so a caller on the main thread may wait for it.
-  std::thread worker([&] {
-    GFile* file = g_file_new_for_path(absolute.c_str());
-    GError* problem = nullptr;
-    const auto before = trashedItemsFrom(absolute);
-    if (g_file_trash(file, nullptr, &problem)) {
-      resulting = newlyTrashed(before, trashedItemsFrom(absolute));
-    } else {
-      failure = problem ? problem->message : "the item could not be moved to the trash";
-      if (problem) g_error_free(problem);
-    }
-    g_object_unref(file);
-  });
-  worker.join();
+  GFile* file = g_file_new_for_path(absolute.c_str());
+  GError* problem = nullptr;
+  const auto before = trashedItemsFrom(absolute);
+  if (g_file_trash(file, nullptr, &problem)) {
+    resulting = newlyTrashed(before, trashedItemsFrom(absolute));
+  } else {
+    failure = problem ? problem->message : "the item could not be moved to the trash";
+    if (problem) g_error_free(problem);
+  }
+  g_object_unref(file);
   if (!failure.empty()) {
     MCLog::sdkFileSystem()->logError("Couldn't move " + url.string() + " to the trash: " + failure);
     if (error) *error = failure;

@@ -37,8 +37,7 @@ std::optional<std::string> iconNameOfApplication(const std::string& bundleIdenti
 bool openURLsWithApplication(const std::vector<std::filesystem::path>& urls, const std::string& bundleIdentifier,
                              std::string* error = nullptr);
 
-/// Moves the item to the user's trash (GIO's g_file_trash, run on a background thread while the
-/// caller waits). True on success, with where the item now lies in the trash's files/ folder in
+/// Moves the item to the user's trash (GIO's g_file_trash; the call blocks until it is done). True on success, with where the item now lies in the trash's files/ folder in
 /// `resultingItemURL` when it is given and found; false with the reason logged and in `error`.
 bool trashItemAtURL(const std::filesystem::path& url, std::optional<std::filesystem::path>* resultingItemURL,
                     std::string* error);
