@@ -136,7 +136,7 @@ TEST(ColorLabels, MapperControlAndTheFileLabel) {
   auto control = std::make_shared<MCColorLabelControl>();
   window->contentView()->addSubview(control);
   ASSERT_EQ(control->labelItemControls().size(), 8u);
-  EXPECT_EQ(control->labelText(), "color_label_color_label");
+  EXPECT_EQ(control->labelText(), "Color label");
   // Hover: the window's y is up; the control is flipped at the window's top-left... at origin 0.
   const auto& blue = control->labelItemControls()[4];
   const MCRect frame = blue->frame();
@@ -145,15 +145,15 @@ TEST(ColorLabels, MapperControlAndTheFileLabel) {
   host.run();
   EXPECT_EQ(control->activeColorLabelTag(), 5);
   EXPECT_TRUE(blue->isHighlighted());
-  EXPECT_EQ(control->labelText(), "color_label_set_to_format");
+  EXPECT_EQ(control->labelText(), "Set color label to Blue");
   const auto& clear = control->labelItemControls().back();
   host.mouseMoved(control->convertPointToView({MCMidX(clear->frame()), MCMidY(clear->frame())}, nullptr));
   host.run();
-  EXPECT_EQ(control->labelText(), "color_label_clear_all");
+  EXPECT_EQ(control->labelText(), "Clear all color labels");
   host.mouseMoved({290, 95});
   host.run();
   EXPECT_FALSE(control->activeColorLabelTag().has_value());
-  EXPECT_EQ(control->labelText(), "color_label_color_label");
+  EXPECT_EQ(control->labelText(), "Color label");
   // Choosing: tag and command, then the action.
   long chosen = -1;
   control->action = [&](MCColorLabelControl& c) { chosen = c.tag() * 10 + c.command(); };
@@ -166,7 +166,7 @@ TEST(ColorLabels, MapperControlAndTheFileLabel) {
   EXPECT_TRUE(blue->isSelected());
   EXPECT_FALSE(control->labelItemControls()[0]->isSelected());
   control->setEnabled(false);
-  EXPECT_EQ(control->labelText(), "color_label_color_label");
+  EXPECT_EQ(control->labelText(), "Color label");
 
   // The label of a file lives in its XMP sidecar, beside what else the sidecar holds.
   const auto folder = std::filesystem::temp_directory_path() / ("vesperon-labels-" + std::to_string(getpid()));

@@ -53,19 +53,19 @@ TEST(ValueTransformers, NumbersBothWays) {
 
 TEST(ValueTransformers, Texts) {
   const auto& interval = MCRequiredTimeIntervalStringTransformer::sharedInstance();
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(-1))), "transformer_unlimited");
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(0))), "transformer_zero_seconds");
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(1))), "transformer_one_second_and_less");
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(90))), "transformer_minutes_and_less_format");
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(80))), "transformer_one_minute_and_less");
-  EXPECT_EQ(textOf(interval.transformedValue(MCValue(3600))), "transformer_one_hour_and_less_format");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(-1))), "Unlimited");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(0))), "0 seconds");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(1))), "1 second and less");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(90))), "2 minutes and less");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(80))), "1 minute and less");
+  EXPECT_EQ(textOf(interval.transformedValue(MCValue(3600))), "1 hour and less");
   const auto& names = MCMatchNameLengthStringTransformer::sharedInstance();
-  EXPECT_EQ(textOf(names.transformedValue(std::nullopt)), "transformer_dont_match");
-  EXPECT_EQ(textOf(names.transformedValue(MCValue(-1))), "transformer_full_match");
-  EXPECT_EQ(textOf(names.transformedValue(MCValue(4))), "transformer_match_first_characters_format");
-  EXPECT_EQ(textOf(MCMinImageSizeToStringTransformer::sharedInstance().transformedValue(MCValue(0))), "transformer_any_size");
+  EXPECT_EQ(textOf(names.transformedValue(std::nullopt)), "Don't match");
+  EXPECT_EQ(textOf(names.transformedValue(MCValue(-1))), "Full match");
+  EXPECT_EQ(textOf(names.transformedValue(MCValue(4))), "Match the first 4 characters");
+  EXPECT_EQ(textOf(MCMinImageSizeToStringTransformer::sharedInstance().transformedValue(MCValue(0))), "Any size");
   EXPECT_EQ(textOf(MCMinImageSizeToStringTransformer::sharedInstance().transformedValue(MCValue(0.1))),
-            "transformer_pixel_format");
+            "112 pixels");
   // Formats fill their places in order; with no translation the key is the format.
   EXPECT_EQ(MCLocalizedStringWithFormat("%ld by %ld pixels, %@%%", {"5", "6", "x"}), "5 by 6 pixels, x%");
   EXPECT_EQ(MCLocalizedStringWithFormat("%d and %d", {"1"}), "1 and %d");

@@ -135,10 +135,10 @@ TEST(SandboxHelper, AsksOncePerVolumeAcceptsAHigherFolderAndAlertsOnAWrongOne) {
   EXPECT_EQ(panel.directoryURL, root / "lib");
   EXPECT_TRUE(panel.canChooseDirectories);
   EXPECT_FALSE(panel.canChooseFiles);
-  EXPECT_EQ(panel.prompt, "action_allow");
+  EXPECT_EQ(panel.prompt, "Allow");
   auto accessory = std::dynamic_pointer_cast<MCSandboxAccessoryView>(panel.accessoryView);
   ASSERT_TRUE(accessory);
-  EXPECT_EQ(accessory->descriptionLabel(), "open_panel_description_access_needed");
+  EXPECT_EQ(accessory->descriptionLabel(), "To read the photos in this folder, this application needs your permission. Choose the folder and click Allow.");
   EXPECT_EQ(grantedPaths(helper), (std::vector<fs::path>{root}));
   EXPECT_TRUE(log.contains("Grant Access: Checking...\nGranted URL: " + root.string() + "\nExpected: " +
                            (root / "lib").string()))
@@ -157,7 +157,7 @@ TEST(SandboxHelper, AsksOncePerVolumeAcceptsAHigherFolderAndAlertsOnAWrongOne) {
   EXPECT_EQ(fresh.grantAccessToFolderAtURL(root / "lib"), nullptr);
   ASSERT_EQ(presenter->alertsShown.size(), 2u);
   EXPECT_EQ(presenter->alertsShown[0].alertStyle, MCAlert::Critical);
-  EXPECT_EQ(presenter->alertsShown[0].buttons, (std::vector<std::string>{"action_choose_again", "action_cancel"}));
+  EXPECT_EQ(presenter->alertsShown[0].buttons, (std::vector<std::string>{"Choose Again", "Cancel"}));
   EXPECT_TRUE(log.contains("Grant Access: Failure"));
   // The right folder on the next try is granted as chosen; a cancelled panel gives none.
   presenter->folderChoices = {root / "lib/b", root / "lib"};

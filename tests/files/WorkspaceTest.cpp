@@ -89,7 +89,7 @@ TEST(Workspace, OpenWithMenusListTheDefaultThenTheOthersByName) {
   writeText(odd, std::string("\x01\x02\x03\x04 not a known format"));
   buildOpenWithMenuForURLs(menu, {odd}, target, "openWith:");
   ASSERT_EQ(menu.numberOfItems(), 1u);
-  EXPECT_EQ(menu.items()[0].title, "menu_none_in_brackets");
+  EXPECT_EQ(menu.items()[0].title, "<None>");
   EXPECT_FALSE(menu.items()[0].enabled);
 
   // Tags: the first one, or all of them.

@@ -1,6 +1,7 @@
 // The predicate model: each operator with and without its options on texts, numbers and dates;
 // key paths that lead nowhere; the text form read back; bad texts with their positions.
 
+#include <vesperon/core/MCLocalizedString.h>
 #include <vesperon/predicates/MCPredicate.h>
 #include <vesperon/predicates/MCPredicateParser.h>
 
@@ -145,8 +146,10 @@ TEST(PredicateVocabulary, TextsOfConstantsKeyPathsOperatorsAndAttributeTypes) {
   EXPECT_EQ(Operator::localizationKey(2), "predicate_operator_is greater_than");
   EXPECT_EQ(Operator::localizationKey(4), "predicate_operator_is");
   EXPECT_EQ(Operator::localizationKey(100), "predicate_operator_between");
-  // With no translation installed a key shows itself.
-  EXPECT_EQ((Operator{2, std::nullopt}).localizedString(), "predicate_operator_is greater_than");
+  // The English catalogue has the key with the blank; a key that no catalogue has shows itself.
+  EXPECT_EQ((Operator{2, std::nullopt}).localizedString(), "is greater than");
+  EXPECT_EQ((Operator{99, std::nullopt}).localizedString(), "contains");
+  EXPECT_EQ(MCLocalizedString("predicate_operator_is_greater_than"), "predicate_operator_is_greater_than");
   EXPECT_EQ((Operator{11, std::nullopt}).localizedString(), "<custom selector>");
   EXPECT_EQ((Operator{50, std::nullopt}).localizedString(), "<unknown>");
   EXPECT_EQ((ExpressionAttributeType{AttributeType::String, std::nullopt}).localizedString(), "");

@@ -13,8 +13,11 @@ MCAttributedString lineOf(const std::string& text) {
   attributes.foregroundColor = MCColor::secondaryLabelColor();
   return MCAttributedString(text, attributes);
 }
-const char* const kNameKeys[] = {"color_label_red",  "color_label_orange", "color_label_yellow", "color_label_green",
-                                 "color_label_blue", "color_label_purple", "color_label_gray"};
+constexpr MCLocalizableKey kNameKeys[] = {
+    MCLocalizableKey{"color_label_red", "Red"},       MCLocalizableKey{"color_label_orange", "Orange"},
+    MCLocalizableKey{"color_label_yellow", "Yellow"}, MCLocalizableKey{"color_label_green", "Green"},
+    MCLocalizableKey{"color_label_blue", "Blue"},     MCLocalizableKey{"color_label_purple", "Purple"},
+    MCLocalizableKey{"color_label_gray", "Gray"}};
 }  // namespace
 
 const std::vector<long>& MCColorLabelControl::colorLabelIds() {
@@ -67,10 +70,10 @@ void MCColorLabelControl::setEnabled(bool enabled) {
 
 std::string MCColorLabelControl::labelText() const {
   if (enabled_ && activeTag_) {
-    if (*activeTag_ == 0) return MCLocalizedString("color_label_clear_all");
-    return MCLocalizedStringWithFormat("color_label_set_to_format", {labelName(*activeTag_)});
+    if (*activeTag_ == 0) return MCLocalizedString("color_label_clear_all", "Clear all color labels");
+    return MCLocalizedStringWithFormat("color_label_set_to_format", "Set color label to %@", {labelName(*activeTag_)});
   }
-  return MCLocalizedString("color_label_color_label");
+  return MCLocalizedString("color_label_color_label", "Color label");
 }
 
 MCColorLabelItemControl* MCColorLabelControl::itemAtPoint(MCPoint point) const {

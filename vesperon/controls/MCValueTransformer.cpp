@@ -60,8 +60,8 @@ MC_SHARED_INSTANCE(MCNullAvoidNumberTransformer)
 std::optional<MCValue> MCMinImageSizeToStringTransformer::transformedValue(const std::optional<MCValue>& value) const {
   const double v = MCValueTransformerNumber(value).value_or(0);
   const double count = v > 0 ? std::ceil(v * v * 10000 * 0.0625) * 16 : 0;
-  if (count > 0) return MCValue(MCLocalizedStringWithFormat("transformer_pixel_format", {text(int64_t(count))}));
-  return MCValue(MCLocalizedString("transformer_any_size"));
+  if (count > 0) return MCValue(MCLocalizedStringWithFormat("transformer_pixel_format", "%ld pixels", {text(int64_t(count))}));
+  return MCValue(MCLocalizedString("transformer_any_size", "Any size"));
 }
 
 std::optional<MCValue> MCRequiredQualitySliderTransformer::transformedValue(const std::optional<MCValue>& value) const {
@@ -77,11 +77,11 @@ std::optional<MCValue> MCRequiredQualitySliderTransformer::reverseTransformedVal
 
 std::optional<MCValue> MCRequiredQualityStringTransformer::transformedValue(const std::optional<MCValue>& value) const {
   const int64_t v = integerOf(value);
-  return MCValue(MCLocalizedStringWithFormat("transformer_pixels_format_two_params", {text(v), text(v)}));
+  return MCValue(MCLocalizedStringWithFormat("transformer_pixels_format_two_params", "%ld × %ld pixels", {text(v), text(v)}));
 }
 
 std::optional<MCValue> MCRequiredBlurStringTransformer::transformedValue(const std::optional<MCValue>& value) const {
-  return MCValue(MCLocalizedStringWithFormat("transformer_pixels_format", {text(integerOf(value))}));
+  return MCValue(MCLocalizedStringWithFormat("transformer_pixels_format", "%ld pixels", {text(integerOf(value))}));
 }
 
 const std::vector<double>& MCRequiredTimeIntervalSliderTransformer::possibleValues() {
@@ -111,22 +111,22 @@ std::optional<MCValue> MCRequiredTimeIntervalSliderTransformer::reverseTransform
 std::optional<MCValue> MCRequiredTimeIntervalStringTransformer::transformedValue(
     const std::optional<MCValue>& value) const {
   const auto number = MCValueTransformerNumber(value);
-  if (!number || *number == 0) return MCValue(MCLocalizedString("transformer_zero_seconds"));
+  if (!number || *number == 0) return MCValue(MCLocalizedString("transformer_zero_seconds", "0 seconds"));
   const double seconds = *number;
-  if (seconds < 0) return MCValue(MCLocalizedString("transformer_unlimited"));
+  if (seconds < 0) return MCValue(MCLocalizedString("transformer_unlimited", "Unlimited"));
   if (seconds < 60) {
     const int64_t s = int64_t(seconds);
-    if (s <= 1) return MCValue(MCLocalizedString("transformer_one_second_and_less"));
-    return MCValue(MCLocalizedStringWithFormat("transformer_seconds_and_less_format", {text(s)}));
+    if (s <= 1) return MCValue(MCLocalizedString("transformer_one_second_and_less", "1 second and less"));
+    return MCValue(MCLocalizedStringWithFormat("transformer_seconds_and_less_format", "%ld seconds and less", {text(s)}));
   }
   if (seconds < 3600) {
     const int64_t minutes = int64_t(std::lround(seconds / 60));
-    if (minutes == 1) return MCValue(MCLocalizedString("transformer_one_minute_and_less"));
-    return MCValue(MCLocalizedStringWithFormat("transformer_minutes_and_less_format", {text(minutes)}));
+    if (minutes == 1) return MCValue(MCLocalizedString("transformer_one_minute_and_less", "1 minute and less"));
+    return MCValue(MCLocalizedStringWithFormat("transformer_minutes_and_less_format", "%ld minutes and less", {text(minutes)}));
   }
   const int64_t hours = int64_t(std::lround(seconds / 3600));
-  if (hours == 1) return MCValue(MCLocalizedString("transformer_one_hour_and_less_format"));
-  return MCValue(MCLocalizedStringWithFormat("transformer_hours_less_format", {text(hours)}));
+  if (hours == 1) return MCValue(MCLocalizedString("transformer_one_hour_and_less_format", "1 hour and less"));
+  return MCValue(MCLocalizedStringWithFormat("transformer_hours_less_format", "%ld hours and less", {text(hours)}));
 }
 
 const std::vector<double>& MCMatchNameLengthSliderTransformer::possibleValues() {
@@ -155,10 +155,10 @@ std::optional<MCValue> MCMatchNameLengthSliderTransformer::reverseTransformedVal
 std::optional<MCValue> MCMatchNameLengthStringTransformer::transformedValue(const std::optional<MCValue>& value) const {
   const auto number = MCValueTransformerNumber(value);
   const int64_t v = integerOf(value);
-  if (!number || v == 0) return MCValue(MCLocalizedString("transformer_dont_match"));
-  if (v == 1) return MCValue(MCLocalizedString("transformer_match_first_character"));
-  if (v == -1) return MCValue(MCLocalizedString("transformer_full_match"));
-  return MCValue(MCLocalizedStringWithFormat("transformer_match_first_characters_format", {text(v)}));
+  if (!number || v == 0) return MCValue(MCLocalizedString("transformer_dont_match", "Don't match"));
+  if (v == 1) return MCValue(MCLocalizedString("transformer_match_first_character", "Match the first character"));
+  if (v == -1) return MCValue(MCLocalizedString("transformer_full_match", "Full match"));
+  return MCValue(MCLocalizedStringWithFormat("transformer_match_first_characters_format", "Match the first %ld characters", {text(v)}));
 }
 
 const std::vector<double>& MCMatchNameLengthCheckboxTransformer::possibleValues() {

@@ -52,7 +52,7 @@ void buildOpenWithMenuForURLs(MCMenu& menu, const std::vector<std::filesystem::p
   for (const auto& application : records) menu.addItem(itemFor(application, target, action));
   if (menu.numberOfItems() == 0) {
     MCMenuItem none;
-    none.title = MCLocalizedString("menu_none_in_brackets");
+    none.title = MCLocalizedString("menu_none_in_brackets", "<None>");
     none.enabled = false;
     menu.addItem(std::move(none));
   }

@@ -7,7 +7,7 @@
 std::shared_ptr<MCSandboxAccessoryView> MCSandboxAccessoryView::accessoryViewWithTitle(const std::string& title) {
   std::shared_ptr<MCSandboxAccessoryView> view(new MCSandboxAccessoryView(MCRect{0, 0, 480, 64}));
   view->title_ = title;
-  view->description_ = MCLocalizedString("open_panel_description_access_needed");
+  view->description_ = MCLocalizedString("open_panel_description_access_needed", "To read the photos in this folder, this application needs your permission. Choose the folder and click Allow.");
   return view;
 }
 

@@ -51,7 +51,7 @@ std::shared_ptr<MCSandboxURL> MCSandboxHelper::askForFolder(const std::filesyste
   gchar* display = g_filename_display_basename(folder.c_str());
   const std::string name = display;
   g_free(display);
-  const std::string title = MCLocalizedStringWithFormat("alert_title_grant_access", {name});
+  const std::string title = MCLocalizedStringWithFormat("alert_title_grant_access", "Allow access to “%@”", {name});
   auto accessory = MCSandboxAccessoryView::accessoryViewWithTitle(title);
   const MCLog& log = *MCLog::sdkFileSystem();
   while (true) {
@@ -62,8 +62,8 @@ std::shared_ptr<MCSandboxURL> MCSandboxHelper::askForFolder(const std::filesyste
     panel.accessoryViewDisclosed = true;
     panel.canChooseDirectories = true;
     panel.canChooseFiles = false;
-    panel.message = MCLocalizedString("open_prompt_click_allow");
-    panel.prompt = MCLocalizedString("action_allow");
+    panel.message = MCLocalizedString("open_prompt_click_allow", "Click Allow to give access to this folder.");
+    panel.prompt = MCLocalizedString("action_allow", "Allow");
     panel.title = title;
     if (presenter_->runFilePanel(panel, nullptr) != MCFilePanel::OKButton || panel.URLs.empty()) return nullptr;
     const std::filesystem::path chosen = panel.URL();
@@ -77,12 +77,12 @@ std::shared_ptr<MCSandboxURL> MCSandboxHelper::askForFolder(const std::filesyste
     log.log("Grant Access: Failure");
     MCAlert alert;
     alert.alertStyle = MCAlert::Critical;
-    alert.messageText = MCLocalizedString("alert_title_wrong_folder_chosen");
+    alert.messageText = MCLocalizedString("alert_title_wrong_folder_chosen", "Wrong folder chosen");
     const char* application = g_get_application_name();
-    alert.informativeText = MCLocalizedStringWithFormat("alert_subtitle_wrong_folder_chosen_format",
+    alert.informativeText = MCLocalizedStringWithFormat("alert_subtitle_wrong_folder_chosen_format", "Please choose the folder “%@” to let %@ read it.",
                                                         {name, application ? application : ""});
-    alert.addButtonWithTitle(MCLocalizedString("action_choose_again"));
-    alert.addButtonWithTitle(MCLocalizedString("action_cancel"));
+    alert.addButtonWithTitle(MCLocalizedString("action_choose_again", "Choose Again"));
+    alert.addButtonWithTitle(MCLocalizedString("action_cancel", "Cancel"));
     if (presenter_->runAlert(alert, nullptr) != MCAlert::FirstButtonReturn) return nullptr;
   }
 }

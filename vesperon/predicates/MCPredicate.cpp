@@ -32,30 +32,56 @@ std::string plainText(const MCValue& value) {
 
 std::string ExpressionConstant::localizedString() const { return name ? *name : plainText(value); }
 
-std::string Operator::localizationKey(int type) {
+namespace {
+
+// The keys of the operators' standard texts, with their English wording. The key of "greater
+// than" has a blank after "is": the key is the library's, and so is the blank.
+const MCLocalizableKey* operatorKey(int type) {
+  static constexpr MCLocalizableKey kLessThan{"predicate_operator_is_less_than", "is less than"};
+  static constexpr MCLocalizableKey kLessThanOrEqualTo{"predicate_operator_is_less_than_or_equal_to",
+                                                       "is less than or equal to"};
+  static constexpr MCLocalizableKey kGreaterThan{"predicate_operator_is greater_than", "is greater than"};
+  static constexpr MCLocalizableKey kGreaterThanOrEqualTo{"predicate_operator_is_greater_than_or_equal_to",
+                                                          "is greater than or equal to"};
+  static constexpr MCLocalizableKey kEqualTo{"predicate_operator_is", "is"};
+  static constexpr MCLocalizableKey kNotEqualTo{"predicate_operator_is_not", "is not"};
+  static constexpr MCLocalizableKey kMatches{"predicate_operator_matches", "matches"};
+  static constexpr MCLocalizableKey kLike{"predicate_operator_is_like", "is like"};
+  static constexpr MCLocalizableKey kBeginsWith{"predicate_operator_begins_with", "begins with"};
+  static constexpr MCLocalizableKey kEndsWith{"predicate_operator_ends_with", "ends with"};
+  static constexpr MCLocalizableKey kIn{"predicate_operator_in", "in"};
+  static constexpr MCLocalizableKey kContains{"predicate_operator_contains", "contains"};
+  static constexpr MCLocalizableKey kBetween{"predicate_operator_between", "between"};
   switch (type) {
-    case 0: return "predicate_operator_is_less_than";
-    case 1: return "predicate_operator_is_less_than_or_equal_to";
-    case 2: return "predicate_operator_is greater_than";  // the blank is the key's own
-    case 3: return "predicate_operator_is_greater_than_or_equal_to";
-    case 4: return "predicate_operator_is";
-    case 5: return "predicate_operator_is_not";
-    case 6: return "predicate_operator_matches";
-    case 7: return "predicate_operator_is_like";
-    case 8: return "predicate_operator_begins_with";
-    case 9: return "predicate_operator_ends_with";
-    case 10: return "predicate_operator_in";
-    case 99: return "predicate_operator_contains";
-    case 100: return "predicate_operator_between";
-    default: return "";
+    case 0: return &kLessThan;
+    case 1: return &kLessThanOrEqualTo;
+    case 2: return &kGreaterThan;
+    case 3: return &kGreaterThanOrEqualTo;
+    case 4: return &kEqualTo;
+    case 5: return &kNotEqualTo;
+    case 6: return &kMatches;
+    case 7: return &kLike;
+    case 8: return &kBeginsWith;
+    case 9: return &kEndsWith;
+    case 10: return &kIn;
+    case 99: return &kContains;
+    case 100: return &kBetween;
+    default: return nullptr;
   }
+}
+
+}  // namespace
+
+std::string Operator::localizationKey(int type) {
+  const MCLocalizableKey* key = operatorKey(type);
+  return key ? key->key : "";
 }
 
 std::string Operator::localizedString() const {
   if (name) return *name;
   if (type == int(MCPredicateOperatorType::CustomSelector)) return "<custom selector>";
-  const std::string key = localizationKey(type);
-  return key.empty() ? "<unknown>" : MCLocalizedString(key);
+  const MCLocalizableKey* key = operatorKey(type);
+  return key ? MCLocalizedString(*key) : "<unknown>";
 }
 
 }  // namespace MCPredicate
