@@ -52,6 +52,11 @@ TEST(Predicates, OperatorsOnTextsNumbersAndDates) {
   // Dates in Exif text order as instants.
   EXPECT_TRUE(holds("{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:02 23:59:59\"}"));
   EXPECT_TRUE(holds("{Exif}.DateTimeOriginal > \"2022:09:30 23:00:00\""));
+  // Whatever their forms and offsets: Exif and ISO texts of one instant are equal.
+  EXPECT_TRUE(holds("{Exif}.DateTimeOriginal == \"2022-10-02T08:40:13\""));
+  EXPECT_TRUE(holds("\"2024:05:01 12:00:00+02:00\" == \"2024-05-01T10:00:00Z\""));
+  EXPECT_TRUE(holds("\"2024-05-01T10:00:00.5Z\" > \"2024-05-01T10:00:00Z\""));
+  EXPECT_FALSE(holds("\"2024:05:01 12:00:00+02:00\" < \"2024-05-01T10:00:00Z\""));
   // Arrays: IN, CONTAINS, ANY and ALL.
   EXPECT_TRUE(holds("{Exif}.ISOSpeedRatings CONTAINS 400"));
   EXPECT_TRUE(holds("400 IN {Exif}.ISOSpeedRatings"));

@@ -1,5 +1,7 @@
 #include <vesperon/predicates/MCPredicateNode.h>
 
+#include <vesperon/predicates/MCPredicateDate.h>
+
 #include <unicode/coll.h>
 #include <unicode/normalizer2.h>
 #include <unicode/regex.h>
@@ -168,7 +170,13 @@ bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, M
   const std::string* leftText = left.string();
   const std::string* rightText = right.string();
   auto ordered = [&](auto test) -> bool {
-    if (leftText && rightText) return test(collate(*leftText, *rightText, options));
+    if (leftText && rightText) {
+      // Two dates order as the instants they name, whatever their forms and offsets.
+      const auto a = MCPredicateDate::instantOfText(*leftText);
+      const auto b = a ? MCPredicateDate::instantOfText(*rightText) : std::nullopt;
+      if (a && b) return test(*a < *b ? -1 : *a > *b ? 1 : 0);
+      return test(collate(*leftText, *rightText, options));
+    }
     const auto a = numberOf(left), b = numberOf(right);
     if (!a || !b) return false;
     return test(*a < *b ? -1 : *a > *b ? 1 : 0);

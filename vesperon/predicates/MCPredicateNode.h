@@ -11,8 +11,8 @@
 // Text: the operators compare under ICU's root collation; the option "c" makes a comparison
 // case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ?; "matches"
 // a whole-text ICU regular expression (one that does not compile matches nothing). Numbers
-// compare as numbers, dates (MCValue text in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both
-// sides) as the texts they are, which order as instants. "between" takes a two-element array,
+// compare as numbers, dates (texts in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both sides,
+// see MCPredicateDate) as the instants they name. "between" takes a two-element array,
 // "in" an array (or a text, for a substring), "contains" a text or an array member.
 //
 // The text form: `{Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] "nikon"`, with the operators
@@ -107,6 +107,24 @@ class MCComparisonPredicate : public MCPredicateNode {
   MCPredicateOperatorType type_;
   MCComparisonPredicateModifier modifier_;
   unsigned options_;
+};
+
+/// A predicate of a fixed truth value, whatever the object: TRUEPREDICATE or FALSEPREDICATE.
+class MCConstantValuePredicate : public MCPredicateNode {
+ public:
+  explicit MCConstantValuePredicate(bool value) : value_(value) {}
+  static MCPredicateRef predicateWithValue(bool value) { return std::make_shared<MCConstantValuePredicate>(value); }
+
+  bool value() const { return value_; }
+  bool evaluateWithObject(const MCDictionary&) const override { return value_; }
+  std::string predicateFormat() const override { return value_ ? "TRUEPREDICATE" : "FALSEPREDICATE"; }
+  bool isEqual(const MCPredicateNode& other) const override {
+    const auto* that = dynamic_cast<const MCConstantValuePredicate*>(&other);
+    return that && that->value_ == value_;
+  }
+
+ private:
+  bool value_;
 };
 
 class MCCompoundPredicate : public MCPredicateNode {

@@ -80,8 +80,8 @@ class Parser {
       if (!symbol(")")) fail("expected )");
       return inner;
     }
-    if (word("TRUEPREDICATE")) return std::make_shared<MCCompoundPredicate>(MCCompoundPredicate::Type::And, std::vector<MCPredicateRef>{});
-    if (word("FALSEPREDICATE")) return std::make_shared<MCCompoundPredicate>(MCCompoundPredicate::Type::Or, std::vector<MCPredicateRef>{});
+    if (word("TRUEPREDICATE")) return MCConstantValuePredicate::predicateWithValue(true);
+    if (word("FALSEPREDICATE")) return MCConstantValuePredicate::predicateWithValue(false);
     return comparison(depth + 1);
   }
 

@@ -1,0 +1,29 @@
+#pragma once
+// MCControlModel: the state of a small control without its drawing — what a row of the predicate
+// editor is made of, and what a host renders with its own widgets (the GTK host with GtkDropDown,
+// GtkEntry and GtkCalendar). A host shows the model, writes the user's change into it and calls
+// `sendAction`; the owner of the model reads it back.
+
+#include <functional>
+#include <memory>
+
+class MCControlModel {
+ public:
+  virtual ~MCControlModel() = default;
+
+  bool isHidden() const { return hidden_; }
+  void setHidden(bool hidden) { hidden_ = hidden; }
+  long tag() const { return tag_; }
+  void setTag(long tag) { tag_ = tag; }
+
+  /// Called with the control by `sendAction`; none by default.
+  std::function<void(MCControlModel&)> action;
+  /// Sends the action, when there is one.
+  void sendAction() {
+    if (action) action(*this);
+  }
+
+ private:
+  bool hidden_ = false;
+  long tag_ = 0;
+};
