@@ -1,9 +1,9 @@
 #include "DecodeBudget.h"
 #include "RawImageSource.h"
 
+#include <vesperon/codecs/MCImageCodecManager.h>
 #include <vesperon/core/MCLog.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
-#include <vesperon/pixels/MCImageFiles.h>
 
 #include <libraw/libraw.h>
 
@@ -16,21 +16,23 @@ namespace mc_detail {
 
 namespace {
 
+// LibRaw's own report of damaged data goes to stderr; what fails is logged by the callers instead.
+void ignoreDataError(void*, const char*, int) {}
+
 std::unique_ptr<LibRaw> openRaw(const SourceBytes& bytes, int* error = nullptr) {
   auto raw = std::make_unique<LibRaw>(LIBRAW_OPTIONS_NONE);
+  raw->set_dataerror_handler(ignoreDataError, nullptr);
   const int status = raw->open_buffer(const_cast<uint8_t*>(bytes.data()), bytes.size());
   if (error) *error = status;
   if (status != LIBRAW_SUCCESS) return nullptr;
   return raw;
 }
 
+// LibRaw's flip (bit 0 mirrors the columns, bit 1 the rows, bit 2 swaps them, applied last) as the
+// Exif orientation that shows the same: the mirrored ones included, which DNG files may carry.
 unsigned orientationOfFlip(int flip) {
-  switch (flip) {
-    case 3: return 3;
-    case 5: return 8;
-    case 6: return 6;
-    default: return 1;
-  }
+  static constexpr unsigned kOrientation[8] = {1, 2, 4, 3, 5, 8, 6, 7};
+  return flip >= 0 && flip < 8 ? kOrientation[flip] : 1;
 }
 
 // An 8-bit RGB bitmap from LibRaw as RGBA.
@@ -140,28 +142,55 @@ bool RawImageSource::demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& ou
   return ok;
 }
 
-bool RawImageSource::embeddedPreview(std::size_t minPixelSize, RGBAPixels& out) const {
+// The embedded preview LibRaw picks (the file's largest) when its larger side reaches `leastSize`,
+// fitted within `maxPixelSize` but not turned. A JPEG preview goes through the JPEG codec's
+// thumbnail path, which scales while it decodes: a camera's preview is often the full size of the
+// sensor and a thumbnail needs a fraction of it.
+RawImageSource::Preview RawImageSource::embeddedPreview(std::size_t leastSize, std::size_t maxPixelSize, uint64_t pixelLimit,
+                                                        RGBAPixels& out) const {
   auto raw = openRaw(*bytes_);
-  if (!raw || raw->unpack_thumb() != LIBRAW_SUCCESS) return false;
+  if (!raw || raw->unpack_thumb() != LIBRAW_SUCCESS) return Preview::None;
+  const libraw_thumbnail_t& thumbnail = raw->imgdata.thumbnail;
+  if (thumbnail.tformat == LIBRAW_THUMBNAIL_JPEG) {
+    const auto* begin = reinterpret_cast<const uint8_t*>(thumbnail.thumb);
+    if (!begin || thumbnail.tlength < 4 || begin[0] != 0xFF || begin[1] != 0xD8) return Preview::Broken;
+    auto jpeg = std::make_shared<const MCData>(begin, begin + thumbnail.tlength);
+    auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI("public.jpeg");
+    if (!extensions || extensions->empty()) return Preview::Broken;
+    auto options = MCImageSourceOptions::create("public.jpeg");
+    options->maxDecodePixelCount = pixelLimit;
+    auto source = extensions->front()->imageSourceWithData(jpeg, *options);
+    if (!source) return Preview::Broken;
+    // Its size from the frame header, before any decoding.
+    const auto properties = source->metadataWithOptions(std::nullopt);
+    const MCValue* width = properties ? MCDictionaryGet(*properties, kCGImagePropertyPixelWidth) : nullptr;
+    const MCValue* height = properties ? MCDictionaryGet(*properties, kCGImagePropertyPixelHeight) : nullptr;
+    if (!width || !height || !width->integerValue() || !height->integerValue()) return Preview::Broken;
+    if (std::size_t(std::max(*width->integerValue(), *height->integerValue())) < leastSize) return Preview::TooSmall;
+    MCThumbnailReadingOptions reading;
+    reading.createThumbnailFromImageAlways = true;  // the preview's own Exif thumbnail is smaller still
+    reading.thumbnailMaxPixelSize = maxPixelSize;
+    reading.maxDecodePixelCount = pixelLimit;
+    auto image = source->newThumbnailWithOptions(reading);
+    if (!image) return Preview::Broken;
+    out.width = image->width();
+    out.height = image->height();
+    out.bytes.resize(out.width * out.height * 4);
+    for (std::size_t y = 0; y < out.height; ++y)
+      std::copy_n(image->row(y), out.width * 4, out.bytes.data() + y * out.width * 4);
+    return Preview::Made;
+  }
+  if (thumbnail.tformat != LIBRAW_THUMBNAIL_BITMAP) return Preview::Broken;
+  if (std::max<std::size_t>(thumbnail.twidth, thumbnail.theight) < leastSize) return Preview::TooSmall;
+  if (!withinDecodeBudget(bytes_->name(), thumbnail.twidth, thumbnail.theight, pixelLimit, "the embedded preview"))
+    return Preview::Broken;
   int error = 0;
   libraw_processed_image_t* preview = raw->dcraw_make_mem_thumb(&error);
-  if (!preview) return false;
-  bool ok = false;
-  if (preview->type == LIBRAW_IMAGE_JPEG) {
-    const MCData jpeg(preview->data, preview->data + preview->data_size);
-    if (auto image = MCCreateImageWithData(&jpeg)) {
-      out.width = image->width();
-      out.height = image->height();
-      out.bytes.resize(out.width * out.height * 4);
-      for (std::size_t y = 0; y < out.height; ++y)
-        std::copy_n(image->row(y), out.width * 4, out.bytes.data() + y * out.width * 4);
-      ok = true;
-    }
-  } else {
-    ok = toRGBA(preview, out);
-  }
+  const bool ok = preview && toRGBA(preview, out);
   LibRaw::dcraw_clear_mem(preview);
-  return ok && std::max(out.width, out.height) >= minPixelSize;
+  if (!ok) return Preview::Broken;
+  out = fittedThumbnail(std::move(out), maxPixelSize, false, 1);
+  return Preview::Made;
 }
 
 MCRasterImageRef RawImageSource::newImage() {
@@ -175,18 +204,30 @@ MCRasterImageRef RawImageSource::newImage() {
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
+// The embedded preview when it covers the size asked for — the common case, no demosaic at all;
+// else, when the options allow, a demosaic of the sensor data. Without that leave a preview of at
+// least the minimum size serves even when smaller than the maximum: it is all the caller accepts.
+// A preview that is there but cannot be decoded is logged and counts as absent.
 MCRasterImageRef RawImageSource::newThumbnailWithOptions(const MCThumbnailReadingOptions& options) {
   const uint64_t limit = options.maxDecodePixelCount ? options.maxDecodePixelCount : options_.decodePixelLimit();
+  const auto maxSize = std::size_t(options.thumbnailMaxPixelSize);
+  const auto minSize = std::size_t(options.thumbnailMinPixelSize);
   RGBAPixels pixels;
   bool made = false;
   if (!options.createThumbnailFromImageAlways) {
-    made = embeddedPreview(std::size_t(options.thumbnailMinPixelSize), pixels);
+    const std::size_t least = options.createThumbnailFromImageIfAbsent ? std::max(minSize, maxSize) : minSize;
+    const Preview preview = embeddedPreview(least, maxSize, limit, pixels);
+    made = preview == Preview::Made;
+    if (preview == Preview::Broken)
+      MCLog::sdkGraphics()->logError("Couldn't decode the embedded preview of " + bytes_->name() +
+                                     (options.createThumbnailFromImageIfAbsent ? "; demosaicing instead" : ""));
     if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
   }
   // A thumbnail made from the sensor data: half size is enough unless a large one is asked for.
-  const bool half = options.thumbnailMaxPixelSize && options.thumbnailMaxPixelSize * 2 <= std::max(width_, height_);
+  const bool half = maxSize && maxSize * 2 <= std::max(width_, height_);
   if (!made && !demosaic(half, limit, pixels)) return nullptr;
-  pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize), options.createThumbnailWithTransform,
+  // The preview is stored as the sensor is, so the raw's flip turns it as it turns the demosaic.
+  pixels = fittedThumbnail(std::move(pixels), maxSize, options.createThumbnailWithTransform,
                            options.orientation ? unsigned(options.orientation) : orientation_);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }

@@ -8,9 +8,12 @@
 //                            1 light, 2 strong; the white balance and brightness flags. An output
 //                            colour space other than sRGB is still given in sRGB, the library's
 //                            one space; the depth is always 8 bits.
-//   newThumbnailWithOptions  the embedded preview (JPEG or bitmap) when it reaches the least size
-//                            asked — the common case, no demosaic at all; else, when asked, a
-//                            half-size demosaic, which is four times cheaper than a full one
+//   newThumbnailWithOptions  the largest embedded preview (JPEG or bitmap) when it covers the size
+//                            asked (the maximum, or the minimum when no demosaic is allowed) — the
+//                            common case, no demosaic at all; else, when asked, a demosaic, at
+//                            half size (four times cheaper) unless a large thumbnail is asked for.
+//                            Either is turned by the raw's flip when a transform is asked; a
+//                            preview that cannot be decoded is logged and the demosaic serves
 //   metadataWithOptions      pixel size, orientation from the raw's own flip, {TIFF} Make and
 //                            Model, {Exif} ISO, exposure, aperture, focal length, date and lens,
 //                            {GPS} where LibRaw parsed it
@@ -37,7 +40,8 @@ class RawImageSource : public MCImageSource {
  private:
   RawImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSourceOptions options) : bytes_(std::move(bytes)), options_(std::move(options)) {}
   bool demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& out) const;
-  bool embeddedPreview(std::size_t minPixelSize, RGBAPixels& out) const;
+  enum class Preview { None, TooSmall, Broken, Made };
+  Preview embeddedPreview(std::size_t leastSize, std::size_t maxPixelSize, uint64_t pixelLimit, RGBAPixels& out) const;
 
   std::shared_ptr<SourceBytes> bytes_;
   MCImageSourceOptions options_;
