@@ -19,15 +19,6 @@ namespace {
 // LibRaw's own report of damaged data goes to stderr; what fails is logged by the callers instead.
 void ignoreDataError(void*, const char*, int) {}
 
-std::unique_ptr<LibRaw> openRaw(const SourceBytes& bytes, int* error = nullptr) {
-  auto raw = std::make_unique<LibRaw>(LIBRAW_OPTIONS_NONE);
-  raw->set_dataerror_handler(ignoreDataError, nullptr);
-  const int status = raw->open_buffer(const_cast<uint8_t*>(bytes.data()), bytes.size());
-  if (error) *error = status;
-  if (status != LIBRAW_SUCCESS) return nullptr;
-  return raw;
-}
-
 // LibRaw's flip (bit 0 mirrors the columns, bit 1 the rows, bit 2 swaps them, applied last) as the
 // Exif orientation that shows the same: the mirrored ones included, which DNG files may carry.
 unsigned orientationOfFlip(int flip) {
@@ -56,16 +47,40 @@ bool toRGBA(const libraw_processed_image_t* image, RGBAPixels& out) {
 
 }  // namespace
 
+// A file is read by LibRaw itself, which reads only the parts a call needs: a thumbnail from the
+// embedded preview touches a small part of a raw file of tens of megabytes. (Buffered reads, not a
+// mapping, so a file cut short meanwhile gives a read error, not SIGBUS.)
+std::unique_ptr<LibRaw> RawImageSource::openRaw(int* error) const {
+  auto raw = std::make_unique<LibRaw>(LIBRAW_OPTIONS_NONE);
+  raw->set_dataerror_handler(ignoreDataError, nullptr);
+  const int status = bytes_ ? raw->open_buffer(const_cast<uint8_t*>(bytes_->data()), bytes_->size())
+                            : raw->open_file(path_.c_str());
+  if (error) *error = status;
+  if (status != LIBRAW_SUCCESS) return nullptr;
+  return raw;
+}
+
+std::shared_ptr<RawImageSource> RawImageSource::createWithURL(const std::filesystem::path& url,
+                                                              const MCImageSourceOptions& options) {
+  std::error_code ec;
+  if (!std::filesystem::is_regular_file(url, ec) || std::filesystem::file_size(url, ec) == 0 || ec) return nullptr;
+  return open(std::shared_ptr<RawImageSource>(new RawImageSource(nullptr, url, url.string(), options)));
+}
+
 std::shared_ptr<RawImageSource> RawImageSource::create(std::shared_ptr<SourceBytes> bytes,
                                                        const MCImageSourceOptions& options) {
   if (!bytes) return nullptr;
+  std::string name = bytes->name();
+  return open(std::shared_ptr<RawImageSource>(new RawImageSource(std::move(bytes), {}, std::move(name), options)));
+}
+
+std::shared_ptr<RawImageSource> RawImageSource::open(std::shared_ptr<RawImageSource> source) {
   int error = 0;
-  auto raw = openRaw(*bytes, &error);
+  auto raw = source->openRaw(&error);
   if (!raw) {
-    MCLog::sdkGraphics()->logError("Couldn't read the raw file " + bytes->name() + ": " + libraw_strerror(error));
+    MCLog::sdkGraphics()->logError("Couldn't read the raw file " + source->name_ + ": " + libraw_strerror(error));
     return nullptr;
   }
-  std::shared_ptr<RawImageSource> source(new RawImageSource(std::move(bytes), options));
   const libraw_data_t& data = raw->imgdata;
   source->width_ = data.sizes.width;
   source->height_ = data.sizes.height;
@@ -113,8 +128,8 @@ std::shared_ptr<RawImageSource> RawImageSource::create(std::shared_ptr<SourceByt
 }
 
 bool RawImageSource::demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (!withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit)) return false;
-  auto raw = openRaw(*bytes_);
+  if (!withinDecodeBudget(name_, width_, height_, pixelLimit)) return false;
+  auto raw = openRaw();
   if (!raw) return false;
   libraw_output_params_t& params = raw->imgdata.params;
   const MCRAWImageSourceOptions& settings = options_.rawOptions();
@@ -148,7 +163,7 @@ bool RawImageSource::demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& ou
 // sensor and a thumbnail needs a fraction of it.
 RawImageSource::Preview RawImageSource::embeddedPreview(std::size_t leastSize, std::size_t maxPixelSize, uint64_t pixelLimit,
                                                         RGBAPixels& out) const {
-  auto raw = openRaw(*bytes_);
+  auto raw = openRaw();
   if (!raw || raw->unpack_thumb() != LIBRAW_SUCCESS) return Preview::None;
   const libraw_thumbnail_t& thumbnail = raw->imgdata.thumbnail;
   if (thumbnail.tformat == LIBRAW_THUMBNAIL_JPEG) {
@@ -182,7 +197,7 @@ RawImageSource::Preview RawImageSource::embeddedPreview(std::size_t leastSize, s
   }
   if (thumbnail.tformat != LIBRAW_THUMBNAIL_BITMAP) return Preview::Broken;
   if (std::max<std::size_t>(thumbnail.twidth, thumbnail.theight) < leastSize) return Preview::TooSmall;
-  if (!withinDecodeBudget(bytes_->name(), thumbnail.twidth, thumbnail.theight, pixelLimit, "the embedded preview"))
+  if (!withinDecodeBudget(name_, thumbnail.twidth, thumbnail.theight, pixelLimit, "the embedded preview"))
     return Preview::Broken;
   int error = 0;
   libraw_processed_image_t* preview = raw->dcraw_make_mem_thumb(&error);
@@ -219,7 +234,7 @@ MCRasterImageRef RawImageSource::newThumbnailWithOptions(const MCThumbnailReadin
     const Preview preview = embeddedPreview(least, maxSize, limit, pixels);
     made = preview == Preview::Made;
     if (preview == Preview::Broken)
-      MCLog::sdkGraphics()->logError("Couldn't decode the embedded preview of " + bytes_->name() +
+      MCLog::sdkGraphics()->logError("Couldn't decode the embedded preview of " + name_ +
                                      (options.createThumbnailFromImageIfAbsent ? "; demosaicing instead" : ""));
     if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
   }

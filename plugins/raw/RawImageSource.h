@@ -27,10 +27,19 @@
 
 #include <vesperon/codecs/MCImageCodec.h>
 
+#include <filesystem>
+#include <memory>
+#include <string>
+
+class LibRaw;
+
 namespace mc_detail {
 
 class RawImageSource : public MCImageSource {
  public:
+  /// A file, read by LibRaw as it needs it; none for a missing, empty or irregular file.
+  static std::shared_ptr<RawImageSource> createWithURL(const std::filesystem::path& url, const MCImageSourceOptions& options);
+  /// Bytes in memory.
   static std::shared_ptr<RawImageSource> create(std::shared_ptr<SourceBytes> bytes, const MCImageSourceOptions& options);
 
   MCRasterImageRef newImage() override;
@@ -38,12 +47,17 @@ class RawImageSource : public MCImageSource {
   std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) override;
 
  private:
-  RawImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSourceOptions options) : bytes_(std::move(bytes)), options_(std::move(options)) {}
+  RawImageSource(std::shared_ptr<SourceBytes> bytes, std::filesystem::path path, std::string name, MCImageSourceOptions options)
+      : bytes_(std::move(bytes)), path_(std::move(path)), name_(std::move(name)), options_(std::move(options)) {}
+  static std::shared_ptr<RawImageSource> open(std::shared_ptr<RawImageSource> source);
+  std::unique_ptr<LibRaw> openRaw(int* error = nullptr) const;
   bool demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& out) const;
   enum class Preview { None, TooSmall, Broken, Made };
   Preview embeddedPreview(std::size_t leastSize, std::size_t maxPixelSize, uint64_t pixelLimit, RGBAPixels& out) const;
 
-  std::shared_ptr<SourceBytes> bytes_;
+  std::shared_ptr<SourceBytes> bytes_;  // the bytes in memory, or none when
+  std::filesystem::path path_;          // the file is read where it lies
+  std::string name_;                    // for log lines
   MCImageSourceOptions options_;
   std::size_t width_ = 0, height_ = 0;
   unsigned orientation_ = 1;
