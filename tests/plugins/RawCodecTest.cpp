@@ -202,16 +202,24 @@ TEST(RawCodec, APreviewThatCannotBeDecodedFallsBackToTheDemosaic) {
   // Without leave to demosaic: none, and no crash.
   EXPECT_EQ(source->newThumbnailWithOptions(thumbnailOptions(false, false, false, 0, 64)), nullptr);
 
-  // The file itself cut short at several places: a thumbnail within the size asked, or none.
+  // The file itself cut short at several places, in memory and on disk: a thumbnail within the
+  // size asked, or none.
   std::ifstream file(previewFixture("preview.dng"), std::ios::binary);
   const MCData whole{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+  const auto dir = scratchDirectory("raw-cut");
   for (const std::size_t size : {whole.size() / 3, whole.size() / 2, whole.size() - 400, whole.size() - 3}) {
     SCOPED_TRACE("cut at " + std::to_string(size));
     auto bytes = std::make_shared<const MCData>(whole.begin(), whole.begin() + std::ptrdiff_t(size));
-    auto cut = codecFor("com.adobe.raw-image")->imageSourceWithData(bytes, *MCImageSourceOptions::create("com.adobe.raw-image"));
-    if (!cut) continue;
-    if (auto image = cut->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 64))) {
-      EXPECT_LE(std::max(image->width(), image->height()), 64u);
+    const auto path = dir / ("cut-" + std::to_string(size) + ".dng");
+    std::ofstream(path, std::ios::binary).write(reinterpret_cast<const char*>(bytes->data()), std::streamsize(size));
+    auto options = MCImageSourceOptions::create("com.adobe.raw-image");
+    for (auto cut : {codecFor("com.adobe.raw-image")->imageSourceWithData(bytes, *options),
+                     codecFor("com.adobe.raw-image")->imageSourceWithURL(path, *options)}) {
+      if (!cut) continue;
+      if (auto image = cut->newThumbnailWithOptions(thumbnailOptions(false, true, true, 0, 64))) {
+        EXPECT_LE(std::max(image->width(), image->height()), 64u);
+      }
     }
   }
+  std::filesystem::remove_all(dir);
 }
