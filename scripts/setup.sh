@@ -22,7 +22,7 @@ PACKAGES=(
   # tests and benchmarks (a comma-decimal locale for the number-reading tests)
   locales googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing
-  libimage-exiftool-perl libexiv2-dev libvips-tools imagemagick libjpeg-turbo-progs
+  libimage-exiftool-perl libexiv2-dev libsqlite3-dev libvips-tools imagemagick libjpeg-turbo-progs
   clang libclang-rt-14-dev hyperfine time
 )
 

@@ -127,4 +127,10 @@ kill "$pid"; wait "$pid" 2>/dev/null || true
 "$vesperon" browse "$samples" --render "$work/first.png" --size 800x600 >"$work/render"
 grep -q "$(find "$samples" -maxdepth 1 -type f ! -name '*.sh' | wc -l) photos" "$work/render" || { echo "FAIL: --render said: $(cat "$work/render")"; exit 1; }
 [ "$(head -c 8 "$work/first.png" | od -An -tx1 | tr -d ' ')" = "89504e470d0a1a0a" ] || { echo "FAIL: no PNG"; exit 1; }
+# The first group's header shows whole below the top edge: a margin with no text above it, then
+# its dark title. (The grid once sat under the top edge by the status line's height.)
+top=$(/usr/bin/convert "$work/first.png" -crop 400x10+0+0 -format '%[fx:minima.intensity]' info:)
+title=$(/usr/bin/convert "$work/first.png" -crop 400x24+0+12 -format '%[fx:minima.intensity]' info:)
+awk -v t="$top" -v h="$title" 'BEGIN { exit !(t > 0.8 && h < 0.4) }' ||
+  { echo "FAIL: the first header is not whole (top rows $top, title rows $title)"; exit 1; }
 echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, closed; offscreen render written"

@@ -220,19 +220,30 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   const MCSize size = settings.size;
   b->window = MCWindow::create(size);
   b->status = std::make_shared<StatusBar>(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
-  b->status->setAutoresizingMask(MCViewWidthSizable | MCViewMaxYMargin);
   auto scrollView = std::make_shared<MCScrollView>(
       MCMakeRect(0, StatusBar::kHeight, size.width, size.height - StatusBar::kHeight));
-  scrollView->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
   b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
   scrollView->setDocumentView(b->view);
+  // The status line along the bottom, the grid above it. Laid out from the size each time rather
+  // than by autoresizing, which loses the status line's height when the page passes through a
+  // smaller size on its way into the window.
   class Grid : public MCView {
    public:
-    using MCView::MCView;
+    Grid(MCRect frame, MCViewRef scroll, MCViewRef status)
+        : MCView(frame), scroll_(std::move(scroll)), status_(std::move(status)) {
+      addSubview(scroll_);
+      addSubview(status_);
+    }
+    void resizeSubviewsWithOldSize(MCSize) override {
+      const MCSize size = bounds().size;
+      status_->setFrame(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
+      scroll_->setFrame(MCMakeRect(0, StatusBar::kHeight, size.width, std::max(0.0, size.height - StatusBar::kHeight)));
+    }
+
+   private:
+    MCViewRef scroll_, status_;
   };
-  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height));
-  grid->addSubview(scrollView);
-  grid->addSubview(b->status);
+  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height), scrollView, b->status);
   b->navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b->view));
   b->window->setContentView(b->navigation->view());
   b->window->makeFirstResponder(b->view.get());
