@@ -211,7 +211,15 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
   gtk_window_set_decorated(toplevel_, decorated);
   const MCSize size = window_->contentSize();
   gtk_window_set_default_size(toplevel_, int(std::lround(size.width)), int(std::lround(size.height)));
-  gtk_window_set_child(toplevel_, widget_);
+  if (topAccessory_) {
+    GtkWidget* column = gtk_box_new(GTK_ORIENTATION_VERTICAL, 0);
+    gtk_box_append(GTK_BOX(column), topAccessory_);
+    gtk_widget_set_vexpand(widget_, TRUE);
+    gtk_box_append(GTK_BOX(column), widget_);
+    gtk_window_set_child(toplevel_, column);
+  } else {
+    gtk_window_set_child(toplevel_, widget_);
+  }
   if (!titleBarButtons_.empty()) {
     GtkWidget* bar = gtk_header_bar_new();
     for (TitleBarButton& button : titleBarButtons_) {

@@ -54,6 +54,10 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   /// before presentInNewWindow, which puts the buttons in a header bar.
   void addTitleBarButton(const std::string& iconName, const std::string& toolTip, std::function<void()> action);
 
+  /// A widget of the program's own above the window's content (a search or filter bar), which
+  /// takes its natural height and leaves the rest to the content. Call before presentInNewWindow.
+  void setTopAccessoryWidget(GtkWidget* widget) { topAccessory_ = widget; }
+
   /// Where the widget's top left lies in its toplevel's surface, in GTK's units (y down).
   void widgetOriginInSurface(double& x, double& y) const;
   /// Whether the widget is on screen with a size.
@@ -109,4 +113,5 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   std::vector<TitleBarButton> titleBarButtons_;
   std::vector<MCMenuItem> contextItems_;
   std::function<void(const MCMenuItem&)> contextChosen_;
+  GtkWidget* topAccessory_ = nullptr;
 };

@@ -3,3 +3,9 @@ add_test(NAME browser.browse-on-screen
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
           ${PROJECT_SOURCE_DIR}/samples $<TARGET_FILE:drop-target-for-tests>)
 set_tests_properties(browser.browse-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+
+# Its filter bar, on screen: the grid narrowed as the rows change, checked against `vesperon find`.
+add_test(NAME browser.browse-filter-on-screen
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-filter-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
+          ${PROJECT_SOURCE_DIR}/samples)
+set_tests_properties(browser.browse-filter-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)

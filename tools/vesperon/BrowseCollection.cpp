@@ -2,7 +2,9 @@
 
 #include "MediaFiles.h"
 
+#include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCExif.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
@@ -20,6 +22,15 @@ namespace {
 // The Exif block of a JPEG sits in its first segments; this much holds it in any camera's file.
 constexpr std::size_t kExifWindow = 128 * 1024;
 
+// "YYYY:MM:DD HH:MM:SS": the day is the first ten characters with dashes.
+std::string dayOfExifDate(const std::string& text) {
+  if (text.size() < 10 || text[4] != ':' || text[7] != ':') return "";
+  std::string day = text.substr(0, 10);
+  day[4] = day[7] = '-';
+  if (day == "0000-00-00") return "";
+  return day;
+}
+
 std::string exifDay(const fs::path& file) {
   std::ifstream in(file, std::ios::binary);
   if (!in) return "";
@@ -31,12 +42,16 @@ std::string exifDay(const fs::path& file) {
   auto exif = reader->parseExif();
   if (!exif) return "";
   const auto text = exif->dateTimeOriginal();
-  // "YYYY:MM:DD HH:MM:SS": the day is the first ten characters with dashes.
-  if (!text || text->size() < 10 || (*text)[4] != ':' || (*text)[7] != ':') return "";
-  std::string day = text->substr(0, 10);
-  day[4] = day[7] = '-';
-  if (day == "0000-00-00") return "";
-  return day;
+  return text ? dayOfExifDate(*text) : "";
+}
+
+// A file without an Exif block of its own at its start (a HEIC, a WebP, a clip …): what its
+// codec plug-in reads.
+std::string plugInDay(const fs::path& file) {
+  const auto properties = MCImageReader::metadataFromImageAtURL(file, std::nullopt);
+  const MCDictionary* exif = properties ? MCDictionaryGetDictionary(*properties, kCGImagePropertyExifDictionary) : nullptr;
+  const MCValue* date = exif ? MCDictionaryGet(*exif, kCGImagePropertyExifDateTimeOriginal) : nullptr;
+  return date && date->string() ? dayOfExifDate(*date->string()) : "";
 }
 
 std::string modificationDay(const fs::path& file) {
@@ -58,6 +73,7 @@ std::string modificationDay(const fs::path& file) {
 std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
   if (readExif) {
     std::string day = exifDay(file);
+    if (day.empty()) day = plugInDay(file);
     if (!day.empty()) return day;
   }
   return modificationDay(file);
@@ -89,4 +105,15 @@ std::size_t BrowseCollection::numberOfFiles() const {
   std::size_t n = 0;
   for (const auto& group : groups_) n += group.files.size();
   return n;
+}
+
+BrowseCollection BrowseCollection::filtered(const std::function<bool(const std::filesystem::path&)>& keep) const {
+  BrowseCollection out;
+  for (const BrowseGroup& group : groups_) {
+    BrowseGroup kept{group.day, {}};
+    for (const auto& file : group.files)
+      if (keep(file)) kept.files.push_back(file);
+    if (!kept.files.empty()) out.groups_.push_back(std::move(kept));
+  }
+  return out;
 }

@@ -1,9 +1,11 @@
 #pragma once
 // The photos `vesperon browse` shows: every image under a folder, in groups by capture day — the
-// Exif DateTimeOriginal of the file, or the day the file was last changed when it has none —
+// Exif DateTimeOriginal of the file (its own Exif block, else what its codec plug-in reads, as
+// for HEIC, WebP and clips), or the day the file was last changed when it has none —
 // newest day first, files in name order within a day.
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,11 +23,15 @@ class BrowseCollection {
   /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.
   static BrowseCollection synthetic(const std::vector<std::size_t>& groupSizes);
 
+  /// The files that `keep` answers true for, in the same groups and order; empty groups go.
+  BrowseCollection filtered(const std::function<bool(const std::filesystem::path&)>& keep) const;
+
   const std::vector<BrowseGroup>& groups() const { return groups_; }
   std::size_t numberOfFiles() const;
   const std::filesystem::path& file(std::size_t group, std::size_t item) const { return groups_[group].files[item]; }
 
-  /// The capture day of one file: its Exif DateTimeOriginal ("2024:05:01 10:00:00"), else the
+  /// The capture day of one file: its Exif DateTimeOriginal ("2024:05:01 10:00:00", from its own
+  /// Exif block or its plug-in's metadata), else the
   /// day of its modification time, as "YYYY-MM-DD"; "" when neither can be read.
   static std::string captureDay(const std::filesystem::path& file, bool readExif);
 

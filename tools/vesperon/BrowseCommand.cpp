@@ -4,9 +4,13 @@
 //
 // The folders opened are remembered between runs (MCSandboxHelper); without a folder named the
 // last one opens again. "Open Folder…" (the title bar's button, Ctrl+O) shows another; a right
-// click on the selection offers "Open With" and "Move to Trash" (also the Delete key).
+// click on the selection offers "Open With" and "Move to Trash" (also the Delete key). The
+// filter bar (the title bar's button, Ctrl+F) narrows the grid by name, camera model, capture
+// date, file size, ISO and f-number.
 
 #include "BrowseController.h"
+#include "BrowseFilter.h"
+#include "BrowseFilterBar.h"
 #include "BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
@@ -29,6 +33,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <thread>
 
 namespace fs = std::filesystem;
 
@@ -84,6 +89,9 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::shared_ptr<BrowseController> controller;
   std::shared_ptr<MCNavigationController> navigation;
   fs::path folder;
+  BrowseCollection all;  // the folder's photos; the grid shows those the filter lets through
+  BrowseFilter filter;
+  std::jthread propertyReader;
 
   void report(const std::string& line) const {
     if (!settings.report) return;
@@ -91,6 +99,9 @@ struct Browser : std::enable_shared_from_this<Browser> {
     std::fflush(stdout);
   }
   void load(const fs::path& newFolder);
+  /// Shows what the filter lets through; reads the folder's properties first when it needs them.
+  void applyFilter();
+  void show(BrowseCollection collection);
   void openFolder();
   void trashSelection();
   void showContextMenu(MCPoint pointInView);
@@ -105,11 +116,53 @@ void rememberFolder(const fs::path& folder) {
 void Browser::load(const fs::path& newFolder) {
   folder = newFolder;
   window->setTitle("Vesperon — " + folder.string());
+  if (propertyReader.joinable()) {
+    propertyReader.request_stop();
+    propertyReader.join();
+  }
+  filter.forgetProperties();
+  all = BrowseCollection::scan(folder);
+  if (filter.predicate()) applyFilter();
+  else show(all);
+  report("folder " + folder.string() + " " + std::to_string(all.numberOfFiles()) + " photos");
+}
+
+void Browser::applyFilter() {
+  const MCPredicateRef predicate = filter.predicate();
+  if (!predicate) {
+    show(all);
+    report("filter " + std::to_string(all.numberOfFiles()) + " photos: none");
+    return;
+  }
+  if (!filter.hasProperties()) {
+    if (propertyReader.joinable()) return;  // applied once they are read
+    std::vector<fs::path> files;
+    for (const auto& group : all.groups()) files.insert(files.end(), group.files.begin(), group.files.end());
+    std::weak_ptr<Browser> self = weak_from_this();
+    const fs::path reading = folder;
+    propertyReader = std::jthread([self, files, reading](std::stop_token stop) {
+      auto properties = BrowseFilter::readProperties(files, stop);
+      if (stop.stop_requested()) return;
+      MCMainQueue::async([self, reading, properties = std::move(properties)]() mutable {
+        auto b = self.lock();
+        if (!b || b->folder != reading) return;
+        b->filter.setProperties(std::move(properties));
+        b->applyFilter();
+      });
+    });
+    return;
+  }
+  BrowseCollection shown = all.filtered([&](const fs::path& file) { return filter.passes(*predicate, file); });
+  report("filter " + std::to_string(shown.numberOfFiles()) + " photos: " + predicate->predicateFormat());
+  show(std::move(shown));
+}
+
+void Browser::show(BrowseCollection collection) {
   if (navigation) navigation->popToRootViewControllerAnimated(false);
   std::weak_ptr<StatusBar> weakStatus = status;
   std::weak_ptr<Browser> self = weak_from_this();
   controller = std::make_shared<BrowseController>(
-      BrowseCollection::scan(folder),
+      std::move(collection),
       [self](const std::string& line) {
         if (auto b = self.lock()) b->report(line);
       },
@@ -146,7 +199,6 @@ void Browser::load(const fs::path& newFolder) {
     if (auto b = self.lock()) b->openFolder();
   };
   if (window->host()) controller->attach(view);
-  report("folder " + folder.string() + " " + std::to_string(controller->collection().numberOfFiles()) + " photos");
 }
 
 void Browser::openFolder() {
@@ -288,12 +340,26 @@ int runBrowse(const BrowseSettings& settings) {
   auto b = makeBrowser(settings, folder);
   std::shared_ptr<MCGtkWindowHost> host;
   std::shared_ptr<MCTimer> announcer;
+  std::unique_ptr<BrowseFilterBar> filterBar;
   const int status = MCGtkRunApplication("org.vesperon.Browse", "vesperon", [&](GtkApplication* application) {
     host = MCGtkWindowHost::create(b->window);
     std::weak_ptr<Browser> weak = b;
     host->addTitleBarButton("document-open-symbolic", "Open Folder… (Ctrl+O)", [weak] {
       if (auto browser = weak.lock()) browser->openFolder();
     });
+    host->addTitleBarButton("edit-find-symbolic", "Filter (Ctrl+F)", [weak, &filterBar] {
+      if (filterBar) filterBar->toggle();
+    });
+    filterBar = std::make_unique<BrowseFilterBar>(
+        b->filter,
+        [weak] {
+          if (auto browser = weak.lock()) browser->applyFilter();
+        },
+        host->widget());
+    b->view->toggleFilter = [&filterBar] {
+      if (filterBar) filterBar->toggle();
+    };
+    host->setTopAccessoryWidget(filterBar->widget());
     host->presentInNewWindow(application);
     helper->setDialogPresenter(std::make_shared<MCGtkDialogPresenter>(host->toplevel()));
     MCPreviewPanel::sharedPreviewPanel()->setPresenter(std::make_shared<MCGtkPreviewPresenter>());
@@ -321,6 +387,8 @@ int runBrowse(const BrowseSettings& settings) {
     });
   });
   announcer.reset();
+  b->view->toggleFilter = nullptr;
+  filterBar.reset();
   helper->setDialogPresenter(nullptr);
   MCPreviewPanel::sharedPreviewPanel()->setPresenter(nullptr);
   host.reset();

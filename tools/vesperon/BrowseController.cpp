@@ -88,6 +88,11 @@ void BrowseView::keyDown(const MCEvent& event) {
     openFolder();
     return;
   }
+  if (!keys.empty() && (keys.front() == U'f' || keys.front() == U'F') &&
+      (event.modifierFlags() & MCEventModifierFlagCommand) && toggleFilter) {
+    toggleFilter();
+    return;
+  }
   MCBrowserView::keyDown(event);
 }
 

@@ -29,13 +29,15 @@ struct BrowseItemInfo {
 };
 
 /// The browser view of the program: Ctrl with the wheel zooms, as a pinch does; Return opens the
-/// first selected photo; Delete moves the selected files to the trash; Ctrl+O opens a folder.
+/// first selected photo; Delete moves the selected files to the trash; Ctrl+O opens a folder;
+/// Ctrl+F shows or hides the filter bar.
 class BrowseView : public MCBrowserView {
  public:
   using MCBrowserView::MCBrowserView;
   std::function<void(const MCIndexPath&)> openItem;
   std::function<void()> trashSelection;
   std::function<void()> openFolder;
+  std::function<void()> toggleFilter;
   void scrollWheel(const MCEvent& event) override;
   void keyDown(const MCEvent& event) override;
 };

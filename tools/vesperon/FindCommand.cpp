@@ -9,10 +9,8 @@
 #include "MediaFiles.h"
 #include "VesperonCommand.h"
 
-#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 #include <vesperon/predicates/MCPredicateParser.h>
 
-#include <sys/stat.h>
 #include <cstdio>
 #include <ctime>
 
@@ -24,24 +22,6 @@ struct FindSettings {
   fs::path folder;
   std::string where;
 };
-
-// The file's own attributes, added to its properties.
-void addFileAttributes(const fs::path& file, MCDictionary& properties) {
-  properties["name"] = MCValue(file.filename().string());
-  properties["path"] = MCValue(file.string());
-  std::error_code ec;
-  if (const auto size = fs::file_size(file, ec); !ec) properties["size"] = MCValue(int64_t(size));
-  if (auto type = MCTypeIdentifierForURL(file)) properties["type"] = MCValue(*type);
-  struct stat st {};
-  if (::stat(file.c_str(), &st) == 0) {
-    const std::time_t when = st.st_mtime;
-    std::tm local{};
-    localtime_r(&when, &local);
-    char text[32];
-    std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &local);
-    properties["modificationDate"] = MCValue(std::string(text));
-  }
-}
 
 int runFind(const FindSettings& settings) {
   const MCPredicateParseResult parsed = MCPredicateParser::parse(settings.where);

@@ -8,7 +8,10 @@
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
+#include <ctime>
 
 namespace fs = std::filesystem;
 
@@ -49,5 +52,22 @@ std::optional<MCDictionary> mediaPropertiesOfFile(const fs::path& file, uint64_t
     return properties;
   } catch (const std::exception&) {
     return std::nullopt;
+  }
+}
+
+void addFileAttributes(const fs::path& file, MCDictionary& properties) {
+  properties["name"] = MCValue(file.filename().string());
+  properties["path"] = MCValue(file.string());
+  std::error_code ec;
+  if (const auto size = fs::file_size(file, ec); !ec) properties["size"] = MCValue(int64_t(size));
+  if (auto type = MCTypeIdentifierForURL(file)) properties["type"] = MCValue(*type);
+  struct stat st {};
+  if (::stat(file.c_str(), &st) == 0) {
+    const std::time_t when = st.st_mtime;
+    std::tm local{};
+    localtime_r(&when, &local);
+    char text[32];
+    std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &local);
+    properties["modificationDate"] = MCValue(std::string(text));
   }
 }

@@ -17,3 +17,7 @@ std::vector<std::filesystem::path> findMediaFiles(const std::filesystem::path& f
 /// The file's own Exif block (or, without one, what its codec plug-in reads) merged with the XMP
 /// sidecar beside it under `mergeMask`; none when the file cannot be read. Throws nothing.
 std::optional<MCDictionary> mediaPropertiesOfFile(const std::filesystem::path& file, uint64_t mergeMask = 0);
+
+/// Adds the file's own attributes to its properties: "name", "path", "size" (bytes), "type" (its
+/// type identifier) and "modificationDate" (Exif text, local time), those that can be read.
+void addFileAttributes(const std::filesystem::path& file, MCDictionary& properties);

@@ -126,10 +126,11 @@ void MCPredicateEditorBuilder::addFileSizeTemplate(const MCPredicate::Expression
 }
 
 void MCPredicateEditorBuilder::addNumberTemplate(const MCPredicate::ExpressionKeyPath& keyPath,
-                                                 const MCSections<MCPredicate::Operator>& ops) {
+                                                 const MCSections<MCPredicate::Operator>& ops,
+                                                 MCComparisonPredicateModifier modifier) {
   add<MCPredicateEditorRowNumberTemplateBuilder>(item(expressions(MCSections<MCPredicate::ExpressionKeyPath>{{keyPath}}),
                                                       attribute(MCPredicate::AttributeType::Double), operators(ops),
-                                                      defaultValue_));
+                                                      defaultValue_, modifier));
 }
 
 void MCPredicateEditorBuilder::addTimeDurationTemplate(const MCPredicate::ExpressionKeyPath& keyPath,

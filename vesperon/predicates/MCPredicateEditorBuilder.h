@@ -75,7 +75,9 @@ class MCPredicateEditorBuilder {
   void addFileTypeTemplate(const MCSections<MCPredicate::ExpressionConstant>& types,
                            const MCSections<MCPredicate::ExpressionKeyPath>& keyPaths);
   void addFileSizeTemplate(const MCPredicate::ExpressionKeyPath& keyPath, const MCSections<MCPredicate::Operator>& operators);
-  void addNumberTemplate(const MCPredicate::ExpressionKeyPath& keyPath, const MCSections<MCPredicate::Operator>& operators);
+  /// A number row; `modifier` Any for a key path that holds a list of numbers (ISO speeds).
+  void addNumberTemplate(const MCPredicate::ExpressionKeyPath& keyPath, const MCSections<MCPredicate::Operator>& operators,
+                         MCComparisonPredicateModifier modifier = MCComparisonPredicateModifier::Direct);
   /// A text row: contains, begins with, ends with, and with withIsEmptyOperators "is empty" and
   /// "is not empty"; case and diacritics are ignored. Over a list of texts (`listOfTexts`) a row
   /// holds when any element does.

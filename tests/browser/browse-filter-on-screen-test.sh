@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# The filter bar of `vesperon browse` in a real GTK 4 window under Xvfb, driven by xdotool: Ctrl+F
+# shows it with the focus in the name field; typing there turns the row on and narrows the grid;
+# an emptied field stops narrowing; the camera model and file size rows (reached with Tab) narrow
+# further. After each change the grid must hold exactly the files `vesperon find` gives for the
+# predicate the program reports. (Typing reaches the name field only when the bar shows.)
+# Usage: browse-filter-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
+# server can be started.
+set -euo pipefail
+vesperon=$1
+samples=$2
+if [ -z "${DISPLAY_FOR_FILTER_TEST:-}" ]; then
+  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
+    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
+    exit 77
+  fi
+  DISPLAY_FOR_FILTER_TEST=1 exec xvfb-run -a -s "-screen 0 1400x1024x24" "$0" "$@"
+fi
+
+work=$(mktemp -d)
+cleanup() {
+  [ -n "${pid:-}" ] && kill "$pid" 2>/dev/null || true
+  rm -rf "$work"
+}
+trap cleanup EXIT
+export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
+export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0" XDG_CACHE_HOME="$work/cache"
+export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" GIO_USE_VFS=local
+
+"$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
+pid=$!
+wait_for() {
+  for _ in $(seq 300); do
+    grep -q "$1" "$work/out" && return 0
+    kill -0 "$pid" 2>/dev/null || break
+    sleep 0.05
+  done
+  echo "FAIL: the program never reported '$1'"; cat "$work/out" "$work/err"; exit 1
+}
+# The grid after the last change holds what `vesperon find` finds for the reported predicate.
+agrees() {
+  local line count predicate found
+  line=$(grep '^filter ' "$work/out" | tail -1)
+  count=$(sed -E 's/^filter ([0-9]+) photos: .*/\1/' <<<"$line")
+  predicate=$(sed -E 's/^filter [0-9]+ photos: //' <<<"$line")
+  found=$("$vesperon" find "$samples" --where "$predicate" | wc -l)
+  [ "$count" -eq "$found" ] || { echo "FAIL: the grid shows $count photos for '$predicate', find gives $found"; exit 1; }
+  echo "$count"
+}
+wait_for '^cell 5 '
+total=$(grep '^folder ' "$work/out" | sed -E 's/.* ([0-9]+) photos$/\1/')
+xdotool search --sync --onlyvisible --name "^Vesperon" >/dev/null
+
+xdotool key ctrl+f
+sleep 0.3
+xdotool type --delay 40 beach
+wait_for '^filter [0-9]* photos: name CONTAINS\[cd\] "beach"$'
+beach=$(agrees)
+[ "$beach" -ge 1 ] && [ "$beach" -lt "$total" ] || { echo "FAIL: 'beach' left $beach of $total photos"; exit 1; }
+
+# An emptied field does not narrow.
+xdotool key ctrl+a BackSpace
+wait_for '^filter [0-9]* photos: TRUEPREDICATE$'
+[ "$(agrees)" -eq "$total" ] || { echo "FAIL: an empty name still narrows"; exit 1; }
+
+# Tab to the camera model's field (past its check button and operator), then to the size's
+# (past the capture date's check button, operator, number and unit, and the size's check button
+# and operator).
+xdotool key --delay 40 Tab Tab Tab
+xdotool type --delay 40 sam
+wait_for '{TIFF}.Model CONTAINS\[cd\] "sam"$'
+model=$(agrees)
+xdotool key --delay 40 Tab Tab Tab Tab Tab Tab Tab
+xdotool type --delay 40 100
+wait_for 'size > 100000.0$'
+both=$(agrees)
+[ "$both" -le "$model" ] || { echo "FAIL: a second row widened the grid ($model, then $both)"; exit 1; }
+
+echo "PASS: 'beach' showed $beach of $total photos, an empty name all, model 'sam' $model, and size > 100 KB $both, each as find gives"

@@ -1,0 +1,44 @@
+#pragma once
+// The filter bar of `vesperon browse`: six rows made by MCPredicateEditorBuilder — name, camera
+// model, capture date, file size, ISO and f-number — each on or off. The filter is the compound
+// row's AND over the rows that are on; a row that is on but has unusable input does not narrow.
+// Files are judged by their property dictionaries, the ones `vesperon find` uses, which are read
+// once per folder off the main thread.
+
+#include <vesperon/predicates/MCPredicateEditorRowTemplate.h>
+
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+class BrowseFilter {
+ public:
+  struct Row {
+    MCPredicateEditorRowTemplateRef row;
+    bool enabled = false;
+  };
+  using Properties = std::unordered_map<std::string, MCDictionary>;
+
+  BrowseFilter();
+
+  std::vector<Row>& rows() { return rows_; }
+  /// The AND of the rows that are on; none when no row is on.
+  MCPredicateRef predicate();
+
+  bool hasProperties() const { return properties_.has_value(); }
+  void setProperties(Properties properties) { properties_ = std::move(properties); }
+  void forgetProperties() { properties_.reset(); }
+  /// Whether the file passes; a file whose properties were not read passes nothing.
+  bool passes(const MCPredicateNode& predicate, const std::filesystem::path& file) const;
+
+  /// The properties of each file (keyed by its path), read until `stop` is requested.
+  static Properties readProperties(const std::vector<std::filesystem::path>& files, std::stop_token stop = {});
+
+ private:
+  MCPredicateEditorRowTemplateRef compound_;
+  std::vector<Row> rows_;
+  std::optional<Properties> properties_;
+};
