@@ -1,7 +1,6 @@
 #include "MCGtkPredicateEditorRow.h"
 
 #include <vesperon/controls/MCDateRangeControl.h>
-#include <vesperon/predicates/MCPredicateDate.h>
 
 #include <gtk/gtk.h>
 
@@ -78,26 +77,36 @@ GtkWidget* entry(const std::shared_ptr<MCTextFieldModel>& field, const std::func
   return widget;
 }
 
-GtkWidget* dateEntry(const std::shared_ptr<MCDatePickerModel>& picker, const std::function<void()>& changed) {
-  GtkWidget* widget = gtk_entry_new();
-  gtk_editable_set_text(GTK_EDITABLE(widget), dayText(picker->dateValue).c_str());
-  gtk_entry_set_placeholder_text(GTK_ENTRY(widget), "YYYY-MM-DD");
-  gtk_editable_set_width_chars(GTK_EDITABLE(widget), 11);
+// A button with the day that opens a calendar; choosing a day sets the picker to its midday.
+GtkWidget* datePicker(const std::shared_ptr<MCDatePickerModel>& picker, const std::function<void()>& changed) {
+  GtkWidget* button = gtk_menu_button_new();
+  gtk_menu_button_set_label(GTK_MENU_BUTTON(button), dayText(picker->dateValue).c_str());
+  GtkWidget* calendar = gtk_calendar_new();
+  GDateTime* day = g_date_time_new_from_unix_local(gint64(picker->dateValue));
+  gtk_calendar_select_day(GTK_CALENDAR(calendar), day);
+  g_date_time_unref(day);
+  GtkWidget* popover = gtk_popover_new();
+  gtk_popover_set_child(GTK_POPOVER(popover), calendar);
+  gtk_menu_button_set_popover(GTK_MENU_BUTTON(button), popover);
   auto* binding = new Binding{picker, {}, changed};
-  g_signal_connect_data(widget, "changed", G_CALLBACK(+[](GtkEditable* editable, gpointer data) {
+  g_object_set_data(G_OBJECT(calendar), "vesperon-button", button);
+  g_signal_connect_data(calendar, "day-selected", G_CALLBACK(+[](GtkCalendar* cal, gpointer data) {
                           auto* b = static_cast<Binding*>(data);
-                          const std::string text = gtk_editable_get_text(editable);
-                          const auto day = text.size() == 10 ? MCPredicateDate::instantOfText(text) : std::nullopt;
-                          if (!day) {
-                            gtk_widget_add_css_class(GTK_WIDGET(editable), "error");
-                            return;
-                          }
-                          gtk_widget_remove_css_class(GTK_WIDGET(editable), "error");
-                          static_cast<MCDatePickerModel&>(*b->model).chooseDate(*day + 12 * 3600);  // midday of that day
+                          GDateTime* chosen = gtk_calendar_get_date(cal);
+                          GDateTime* midday = g_date_time_new_local(g_date_time_get_year(chosen),
+                                                                     g_date_time_get_month(chosen),
+                                                                     g_date_time_get_day_of_month(chosen), 12, 0, 0);
+                          const double seconds = double(g_date_time_to_unix(midday));
+                          g_date_time_unref(midday);
+                          g_date_time_unref(chosen);
+                          auto* owner = GTK_MENU_BUTTON(g_object_get_data(G_OBJECT(cal), "vesperon-button"));
+                          gtk_menu_button_set_label(owner, dayText(seconds).c_str());
+                          gtk_menu_button_popdown(owner);
+                          static_cast<MCDatePickerModel&>(*b->model).chooseDate(seconds);
                           b->changed();
                         }),
                         binding, freeBinding, GConnectFlags(0));
-  return widget;
+  return button;
 }
 
 }  // namespace
@@ -109,7 +118,11 @@ std::shared_ptr<MCGtkPredicateEditorRow> MCGtkPredicateEditorRow::create(MCPredi
   made->changed_ = std::move(changed);
   made->box_ = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
   g_object_ref_sink(made->box_);
-  for (const auto& view : made->row_->templateViews()) gtk_box_append(GTK_BOX(made->box_), made->add(view));
+  for (const auto& view : made->row_->templateViews()) {
+    GtkWidget* widget = made->add(view);
+    made->viewWidgets_.push_back(widget);
+    gtk_box_append(GTK_BOX(made->box_), widget);
+  }
   made->refresh();
   return made;
 }
@@ -137,7 +150,7 @@ GtkWidget* MCGtkPredicateEditorRow::add(const std::shared_ptr<MCControlModel>& m
   } else if (auto field = std::dynamic_pointer_cast<MCTextFieldModel>(model)) {
     widget = entry(field, changed, field->numberFormat ? 5 : 16);
   } else if (auto picker = std::dynamic_pointer_cast<MCDatePickerModel>(model)) {
-    widget = dateEntry(picker, changed);
+    widget = datePicker(picker, changed);
   } else if (auto control = std::dynamic_pointer_cast<MCDateRangeControl>(model)) {
     widget = gtk_box_new(GTK_ORIENTATION_HORIZONTAL, 6);
     for (const auto& part : control->arrangedViews()) gtk_box_append(GTK_BOX(widget), add(part));
@@ -157,4 +170,22 @@ bool MCGtkPredicateEditorRow::grabFocus() {
   for (const Part& part : parts_)
     if (GTK_IS_ENTRY(part.widget) && gtk_widget_get_visible(part.widget)) return gtk_widget_grab_focus(part.widget);
   return false;
+}
+
+GtkWidget* MCGtkPredicateEditorRow::widgetOfView(std::size_t index) const {
+  return index < viewWidgets_.size() ? viewWidgets_[index] : nullptr;
+}
+
+bool MCGtkPredicateEditorRow::centreInSurface(GtkWidget* widget, double& x, double& y) {
+  GtkNative* native = widget ? gtk_widget_get_native(widget) : nullptr;
+  if (!native || !gtk_widget_get_mapped(widget)) return false;
+  double nx = 0, ny = 0;
+  gtk_native_get_surface_transform(native, &nx, &ny);
+  const graphene_point_t centre =
+      GRAPHENE_POINT_INIT(float(gtk_widget_get_width(widget)) / 2, float(gtk_widget_get_height(widget)) / 2);
+  graphene_point_t out;
+  if (!gtk_widget_compute_point(widget, GTK_WIDGET(native), &centre, &out)) return false;
+  x = out.x + nx;
+  y = out.y + ny;
+  return true;
 }

@@ -1,8 +1,8 @@
 #pragma once
 // MCGtkPredicateEditorRow: one row of a predicate editor in GTK widgets, made from the row
 // template's view models. A pop-up becomes a GtkDropDown (a label when it has one entry; its
-// separators are left out), an entry field a GtkEntry with its placeholder, a date a GtkEntry
-// that takes "YYYY-MM-DD", and a date range control its three parts side by side. A user's
+// separators are left out), an entry field a GtkEntry with its placeholder, a date a button that
+// opens a GtkCalendar, and a date range control its three parts side by side. A user's
 // change goes into the model (through its action where it has one), then `changed` is called;
 // `refresh` shows and hides the widgets as the models now say, after the owner has asked the
 // template for its predicate.
@@ -26,6 +26,11 @@ class MCGtkPredicateEditorRow : public std::enable_shared_from_this<MCGtkPredica
   void refresh();
   /// Puts the keyboard focus in the row's first shown entry; false when it has none.
   bool grabFocus();
+  /// The widget of the row's view at `index` (of templateViews()); null past the end.
+  GtkWidget* widgetOfView(std::size_t index) const;
+  /// The centre of a widget in its window's surface, in GTK's units (y down), for tests that aim
+  /// at it; false when it is not on screen.
+  static bool centreInSurface(GtkWidget* widget, double& x, double& y);
 
  private:
   MCGtkPredicateEditorRow() = default;
@@ -39,4 +44,5 @@ class MCGtkPredicateEditorRow : public std::enable_shared_from_this<MCGtkPredica
     GtkWidget* widget;
   };
   std::vector<Part> parts_;
+  std::vector<GtkWidget*> viewWidgets_;  // one per view of the row, in order
 };

@@ -49,10 +49,10 @@ agrees() {
 }
 wait_for '^cell 5 '
 total=$(grep '^folder ' "$work/out" | sed -E 's/.* ([0-9]+) photos$/\1/')
-xdotool search --sync --onlyvisible --name "^Vesperon" >/dev/null
+window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
 
 xdotool key ctrl+f
-sleep 0.3
+wait_for '^filter-bar compound ' 
 xdotool type --delay 40 beach
 wait_for '^filter [0-9]* photos: name CONTAINS\[cd\] "beach"$'
 beach=$(agrees)
@@ -76,4 +76,23 @@ wait_for 'size > 100000.0$'
 both=$(agrees)
 [ "$both" -le "$model" ] || { echo "FAIL: a second row widened the grid ($model, then $both)"; exit 1; }
 
-echo "PASS: 'beach' showed $beach of $total photos, an empty name all, model 'sam' $model, and size > 100 KB $both, each as find gives"
+# Back to the capture date's operator (past the size's operator and check button, and the date's
+# unit and number), and "before" (two down from "within last"): today's midnight, by default.
+xdotool key --delay 40 shift+Tab shift+Tab shift+Tab shift+Tab shift+Tab
+xdotool key space
+sleep 0.4
+xdotool key --delay 80 Down Down Return
+wait_for '{Exif}.DateTimeOriginal <= "[0-9-]*T00:00:00[-+][0-9:]*" AND size > 100000.0$'
+dated=$(agrees)
+[ "$dated" -le "$both" ] || { echo "FAIL: a third row widened the grid ($both, then $dated)"; exit 1; }
+# "Any of the following are true", chosen in the first line's pop-up with the mouse: at least as
+# many photos as the model row alone lets through.
+read -r _ _ cx cy < <(grep '^filter-bar compound ' "$work/out")
+xdotool mousemove --window "$window" "$cx" "$cy" click 1
+sleep 0.4
+xdotool key --delay 80 Down Return
+wait_for ' OR size > 100000.0$'
+any=$(agrees)
+[ "$any" -ge "$model" ] || { echo "FAIL: any of the rows showed $any, fewer than the model row's $model"; exit 1; }
+
+echo "PASS: 'beach' showed $beach of $total photos, an empty name all, model 'sam' $model, size > 100 KB $both, captured before today $dated, any of them $any, each as find gives"

@@ -302,6 +302,12 @@ TEST(PredicateEditorBuilder, CompoundRowOperatorsAndRefusals) {
   EXPECT_TRUE(predicate->evaluateWithObject({{"name", "Lyon.jpg"}}));
   EXPECT_EQ(any->displayableSubpredicatesOfPredicate(*predicate).size(), 2u);
   EXPECT_EQ(compound->matchForPredicate(*predicate), 1.0);
+  popUp(any, 0).selectItemAtIndex(2);
+  auto none = any->predicateWithSubpredicates({aperture->predicateWithSubpredicates({}), name->predicateWithSubpredicates({})});
+  EXPECT_EQ(none->predicateFormat(), "NOT ({Exif}.FNumber < 2.7999999999999998 OR name CONTAINS[cd] \"lyon\")");
+  EXPECT_FALSE(none->evaluateWithObject({{"name", "Lyon.jpg"}}));
+  EXPECT_FALSE(none->evaluateWithObject({{"name", "x.jpg"}, {"{Exif}", MCDictionary{{"FNumber", 2.0}}}}));
+  EXPECT_TRUE(none->evaluateWithObject({{"name", "x.jpg"}, {"{Exif}", MCDictionary{{"FNumber", 4.0}}}}));
 
   MCPredicateEditorBuilder::Item wrong;
   wrong.rightExpressionType = MCPredicate::ExpressionAttributeType{};

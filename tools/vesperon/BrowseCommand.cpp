@@ -355,7 +355,9 @@ int runBrowse(const BrowseSettings& settings) {
         [weak] {
           if (auto browser = weak.lock()) browser->applyFilter();
         },
-        host->widget());
+        host->widget(), [weak](const std::string& line) {
+          if (auto browser = weak.lock()) browser->report(line);
+        });
     b->view->toggleFilter = [&filterBar] {
       if (filterBar) filterBar->toggle();
     };

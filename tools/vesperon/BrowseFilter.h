@@ -1,7 +1,8 @@
 #pragma once
 // The filter bar of `vesperon browse`: six rows made by MCPredicateEditorBuilder — name, camera
 // model, capture date, file size, ISO and f-number — each on or off. The filter is the compound
-// row's AND over the rows that are on; a row that is on but has unusable input does not narrow.
+// row's predicate (all, any or none of them) over the rows that are on; a row that is on but has
+// unusable input is true.
 // Files are judged by their property dictionaries, the ones `vesperon find` uses, which are read
 // once per folder off the main thread.
 
@@ -25,7 +26,9 @@ class BrowseFilter {
   BrowseFilter();
 
   std::vector<Row>& rows() { return rows_; }
-  /// The AND of the rows that are on; none when no row is on.
+  /// "All / Any / None of the following are true": how the rows that are on combine.
+  const MCPredicateEditorRowTemplateRef& compoundRow() const { return compound_; }
+  /// The compound row's predicate over the rows that are on; none when no row is on.
   MCPredicateRef predicate();
 
   bool hasProperties() const { return properties_.has_value(); }

@@ -1,7 +1,8 @@
 #pragma once
-// The filter bar of `vesperon browse` on screen: a line of GTK widgets per filter row — a check
-// button that turns the row on, then the row's own widgets — in a revealer above the grid, hidden
-// at first. Editing a row turns it on. Each change calls `changed`.
+// The filter bar of `vesperon browse` on screen, in a revealer above the grid, hidden at first:
+// the compound row ("All of the following are true") and a line of GTK widgets per filter row —
+// a check button that turns the row on, then the row's own widgets. Editing a row turns it on.
+// Each change calls `changed`.
 
 #include "BrowseFilter.h"
 
@@ -9,14 +10,20 @@
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 typedef struct _GtkWidget GtkWidget;
+typedef struct _GtkRevealer GtkRevealer;
+typedef struct _GParamSpec GParamSpec;
 
 class BrowseFilterBar {
  public:
-  /// `content` gets the keyboard back when the bar hides.
-  BrowseFilterBar(BrowseFilter& filter, std::function<void()> changed, GtkWidget* content);
+  /// `content` gets the keyboard back when the bar hides. `report`, when set, hears where the
+  /// compound row's pop-up lies once the bar has shown ("filter-bar compound X Y", surface
+  /// coordinates), for a test to aim at.
+  BrowseFilterBar(BrowseFilter& filter, std::function<void()> changed, GtkWidget* content,
+                  std::function<void(const std::string&)> report = nullptr);
   BrowseFilterBar(const BrowseFilterBar&) = delete;
   BrowseFilterBar& operator=(const BrowseFilterBar&) = delete;
 
@@ -27,12 +34,15 @@ class BrowseFilterBar {
 
  private:
   void rowChanged(std::size_t index, bool turnOn);
+  static void revealed(GtkRevealer* revealer, GParamSpec*, BrowseFilterBar* bar);
 
   BrowseFilter& filter_;
   std::function<void()> changed_;
   GtkWidget* content_;
+  std::function<void(const std::string&)> report_;
   GtkWidget* revealer_ = nullptr;
   std::vector<std::shared_ptr<MCGtkPredicateEditorRow>> rows_;
   std::vector<GtkWidget*> checks_;
+  std::shared_ptr<MCGtkPredicateEditorRow> compound_;
   bool updating_ = false;
 };

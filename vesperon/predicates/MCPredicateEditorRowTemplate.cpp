@@ -182,7 +182,12 @@ MCPredicateRef MCPredicateEditorRowTemplate::predicateWithSubpredicates(const st
   if (isCompound()) {
     const auto* popUp = dynamic_cast<const MCPopUpModel*>(views_[0].get());
     const auto* type = representedObjectOf<MCCompoundPredicate::Type>(popUp);
-    return std::make_shared<MCCompoundPredicate>(type ? *type : compoundTypes_.front(), subpredicates);
+    const auto chosen = type ? *type : compoundTypes_.front();
+    // "None of the following are true" over several rows: not any of them.
+    if (chosen == MCCompoundPredicate::Type::Not && subpredicates.size() > 1)
+      return std::make_shared<MCCompoundPredicate>(
+          chosen, std::vector<MCPredicateRef>{std::make_shared<MCCompoundPredicate>(MCCompoundPredicate::Type::Or, subpredicates)});
+    return std::make_shared<MCCompoundPredicate>(chosen, subpredicates);
   }
   const auto left = selectedLeftExpression();
   const auto type = selectedOperator();

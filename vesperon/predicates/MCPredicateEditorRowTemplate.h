@@ -83,7 +83,8 @@ class MCPredicateEditorRowTemplate {
   /// The row's views by position: left pop-up, operator pop-up, right side, and on some
   /// subclasses a unit pop-up. The compound row has its type pop-up and a one-item pop-up.
   virtual std::vector<std::shared_ptr<MCControlModel>> templateViews();
-  /// The predicate of the views' state; a compound row makes its type over `subpredicates`.
+  /// The predicate of the views' state; a compound row makes its type over `subpredicates`
+  /// ("None" over several is NOT of their OR).
   virtual MCPredicateRef predicateWithSubpredicates(const std::vector<MCPredicateRef>& subpredicates);
   /// 1 when the template shows the predicate as it is, else 0.
   virtual double matchForPredicate(const MCPredicateNode& predicate) const;
