@@ -80,8 +80,8 @@ both=$(agrees)
 # unit and number), and "before" (two down from "within last"): today's midnight, by default.
 xdotool key --delay 40 shift+Tab shift+Tab shift+Tab shift+Tab shift+Tab
 xdotool key space
-sleep 0.4
-xdotool key --delay 80 Down Down Return
+sleep 1
+xdotool key --delay 150 Down Down Return
 wait_for '{Exif}.DateTimeOriginal <= "[0-9-]*T00:00:00[-+][0-9:]*" AND size > 100000.0$'
 dated=$(agrees)
 [ "$dated" -le "$both" ] || { echo "FAIL: a third row widened the grid ($both, then $dated)"; exit 1; }
@@ -89,8 +89,8 @@ dated=$(agrees)
 # many photos as the model row alone lets through.
 read -r _ _ cx cy < <(grep '^filter-bar compound ' "$work/out")
 xdotool mousemove --window "$window" "$cx" "$cy" click 1
-sleep 0.4
-xdotool key --delay 80 Down Return
+sleep 1
+xdotool key --delay 150 Down Return
 wait_for ' OR size > 100000.0$'
 any=$(agrees)
 [ "$any" -ge "$model" ] || { echo "FAIL: any of the rows showed $any, fewer than the model row's $model"; exit 1; }
