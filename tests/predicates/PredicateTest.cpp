@@ -85,6 +85,24 @@ TEST(Predicates, BadTextsSayWhereAndDeepTextsAreRefused) {
     EXPECT_EQ(parsed.position, bad.position) << bad.text << ": " << parsed.error;
     EXPECT_NE(parsed.error.find(" at " + std::to_string(bad.position)), std::string::npos) << parsed.error;
   }
+  // Every level of NOT counts, and what is read prints no deeper: NOT of NOT and NOT inside AND
+  // need no parentheses, so the deepest text that is read still reads back once printed.
+  const std::string nots = std::string(MCPredicateParser::kMaximumDepth, '!') + "size > 1";
+  auto deepest = MCPredicateParser::parse(nots);
+  ASSERT_TRUE(deepest) << deepest.error;
+  auto printed = MCPredicateParser::parse(deepest.predicate->predicateFormat());
+  ASSERT_TRUE(printed) << printed.error;
+  EXPECT_TRUE(printed.predicate->isEqual(*deepest.predicate));
+  EXPECT_FALSE(MCPredicateParser::parse("!" + nots));
+  // A number too large for a double is infinity, and prints so that it reads back as one.
+  auto huge = MCPredicateParser::parse("size BETWEEN {-1e400, 1e400}");
+  ASSERT_TRUE(huge);
+  EXPECT_TRUE(huge.predicate->evaluateWithObject(kPhoto));
+  auto hugeAgain = MCPredicateParser::parse(huge.predicate->predicateFormat());
+  ASSERT_TRUE(hugeAgain) << huge.predicate->predicateFormat();
+  EXPECT_TRUE(hugeAgain.predicate->isEqual(*huge.predicate));
+  EXPECT_EQ(MCPredicateParser::parse("NOT size > 1 AND NOT (name == \"a\" OR name == \"b\")").predicate->predicateFormat(),
+            "NOT size > 1 AND NOT (name == \"a\" OR name == \"b\")");
   const std::string deep = std::string(5000, '(') + "size > 1" + std::string(5000, ')');
   auto tooDeep = MCPredicateParser::parse(deep);
   EXPECT_FALSE(tooDeep);

@@ -92,6 +92,8 @@ std::optional<double> numberOf(const MCValue& value) {
 }
 
 std::string formatNumber(double value) {
+  // An overflowing number reads back as infinity; "inf" would read back as a key path.
+  if (std::isinf(value)) return value > 0 ? "1e999" : "-1e999";
   char text[40];
   std::snprintf(text, sizeof text, "%.17g", value);
   return text;
@@ -279,9 +281,12 @@ bool MCCompoundPredicate::evaluateWithObject(const MCDictionary& object) const {
 }
 
 std::string MCCompoundPredicate::predicateFormat() const {
+  // Only AND and OR need parentheses inside another compound: NOT binds tighter than both. Fewer
+  // parentheses also keep the printed form no deeper than the text it was read from.
   auto part = [](const MCPredicateRef& p) {
-    const bool compound = dynamic_cast<const MCCompoundPredicate*>(p.get()) != nullptr;
-    return compound ? "(" + p->predicateFormat() + ")" : p->predicateFormat();
+    const auto* compound = dynamic_cast<const MCCompoundPredicate*>(p.get());
+    const bool group = compound && compound->type_ != Type::Not && !compound->subpredicates_.empty();
+    return group ? "(" + p->predicateFormat() + ")" : p->predicateFormat();
   };
   if (type_ == Type::Not) return subpredicates_.empty() ? "NOT TRUEPREDICATE" : "NOT " + part(subpredicates_.front());
   if (subpredicates_.empty()) return type_ == Type::And ? "TRUEPREDICATE" : "FALSEPREDICATE";

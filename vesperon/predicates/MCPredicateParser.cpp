@@ -53,18 +53,20 @@ class Parser {
     if (depth > MCPredicateParser::kMaximumDepth) fail("nested too deeply");
   }
 
+  // `depth` counts what nests: NOT, parentheses and arrays, as the printed form has them too, so
+  // that any predicate read here prints a text that reads back.
   MCPredicateRef orExpression(int depth) {
     enter(depth);
-    std::vector<MCPredicateRef> parts{andExpression(depth + 1)};
-    while (word("OR") || symbol("||")) parts.push_back(andExpression(depth + 1));
+    std::vector<MCPredicateRef> parts{andExpression(depth)};
+    while (word("OR") || symbol("||")) parts.push_back(andExpression(depth));
     if (parts.size() == 1) return parts.front();
     return std::make_shared<MCCompoundPredicate>(MCCompoundPredicate::Type::Or, std::move(parts));
   }
 
   MCPredicateRef andExpression(int depth) {
     enter(depth);
-    std::vector<MCPredicateRef> parts{notExpression(depth + 1)};
-    while (word("AND") || symbol("&&")) parts.push_back(notExpression(depth + 1));
+    std::vector<MCPredicateRef> parts{notExpression(depth)};
+    while (word("AND") || symbol("&&")) parts.push_back(notExpression(depth));
     if (parts.size() == 1) return parts.front();
     return std::make_shared<MCCompoundPredicate>(MCCompoundPredicate::Type::And, std::move(parts));
   }
@@ -82,14 +84,14 @@ class Parser {
     }
     if (word("TRUEPREDICATE")) return MCConstantValuePredicate::predicateWithValue(true);
     if (word("FALSEPREDICATE")) return MCConstantValuePredicate::predicateWithValue(false);
-    return comparison(depth + 1);
+    return comparison(depth);
   }
 
   MCPredicateRef comparison(int depth) {
     MCComparisonPredicateModifier modifier = MCComparisonPredicateModifier::Direct;
     if (word("ANY") || word("SOME")) modifier = MCComparisonPredicateModifier::Any;
     else if (word("ALL")) modifier = MCComparisonPredicateModifier::All;
-    MCPredicateExpression left = expression(depth + 1);
+    MCPredicateExpression left = expression(depth);
     const MCPredicateOperatorType type = operatorType();
     unsigned options = 0;
     skipSpace();
@@ -104,7 +106,7 @@ class Parser {
       }
       if (!symbol("]")) fail("expected ]");
     }
-    MCPredicateExpression right = expression(depth + 1);
+    MCPredicateExpression right = expression(depth);
     return std::make_shared<MCComparisonPredicate>(std::move(left), std::move(right), type, modifier, options);
   }
 
@@ -212,7 +214,7 @@ class Parser {
     MCArray items;
     if (symbol("}")) return items;
     while (true) {
-      MCPredicateExpression item = expression(depth + 1);
+      MCPredicateExpression item = expression(depth);
       if (item.kind != MCPredicateExpression::Kind::Constant) fail("an array holds constants only");
       items.push_back(std::move(item.constant));
       if (symbol("}")) return items;
