@@ -48,6 +48,11 @@ TEST(Predicates, OperatorsOnTextsNumbersAndDates) {
   EXPECT_TRUE(holds("name MATCHES[c] \".*lyon\\\\.jpg\""));
   EXPECT_FALSE(holds("name MATCHES \"Lyon\"")) << "the whole text must match";
   EXPECT_FALSE(holds("name MATCHES \"([unclosed\"")) << "a pattern that does not compile matches nothing";
+  // The same pattern again, then without its option: each pattern and option is its own.
+  EXPECT_FALSE(holds("name MATCHES \".*lyon\\\\.jpg\"")) << "without [c] the case counts";
+  EXPECT_TRUE(holds("name MATCHES[c] \".*lyon\\\\.jpg\""));
+  EXPECT_FALSE(holds("name MATCHES \"([unclosed\""));
+  EXPECT_TRUE(holds("name MATCHES \".*Lyon\\\\.JPG\""));
   EXPECT_TRUE(holds("{TIFF}.Model < \"Nikon Z 7\"")) << "ordered by collation";
   // Dates in Exif text order as instants.
   EXPECT_TRUE(holds("{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:02 23:59:59\"}"));

@@ -58,13 +58,49 @@ icu::UnicodeString folded(const std::string& text, unsigned options) {
   return out;
 }
 
+// ICU's root collator at the strength the options leave, made once per thread and strength:
+// a comparison runs once per object filtered, and a collator is not shared between threads.
+icu::Collator* collatorFor(unsigned options) {
+  const bool caseless = options & MCCaseInsensitivePredicateOption, markless = options & MCDiacriticInsensitivePredicateOption;
+  const int which = markless ? 0 : caseless ? 1 : 2;
+  thread_local std::unique_ptr<icu::Collator> collators[3];
+  if (!collators[which]) {
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> made(icu::Collator::createInstance(icu::Locale::getRoot(), status));
+    if (U_FAILURE(status)) return nullptr;
+    made->setStrength(which == 0 ? icu::Collator::PRIMARY : which == 1 ? icu::Collator::SECONDARY : icu::Collator::IDENTICAL);
+    collators[which] = std::move(made);
+  }
+  return collators[which].get();
+}
+
+// The pattern of a MATCHES compiled once per thread while the same pattern comes again, as it does
+// for every object a predicate is evaluated against; none when it does not compile.
+icu::RegexPattern* patternFor(const std::string& text, uint32_t flags) {
+  struct Compiled {
+    std::string text;
+    uint32_t flags = 0;
+    std::unique_ptr<icu::RegexPattern> pattern;
+    bool valid = false;
+  };
+  thread_local Compiled last;
+  if (!last.valid || last.text != text || last.flags != flags) {
+    UErrorCode status = U_ZERO_ERROR;
+    UParseError error;
+    last.pattern.reset(icu::RegexPattern::compile(unicode(text), flags, error, status));
+    if (U_FAILURE(status)) last.pattern.reset();
+    last.text = text;
+    last.flags = flags;
+    last.valid = true;
+  }
+  return last.pattern.get();
+}
+
 // -1, 0, 1 by ICU's root collation at the strength the options leave.
 int collate(const std::string& a, const std::string& b, unsigned options) {
   UErrorCode status = U_ZERO_ERROR;
-  std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale::getRoot(), status));
-  if (U_FAILURE(status)) return a < b ? -1 : a > b ? 1 : 0;
-  const bool caseless = options & MCCaseInsensitivePredicateOption, markless = options & MCDiacriticInsensitivePredicateOption;
-  collator->setStrength(markless ? icu::Collator::PRIMARY : caseless ? icu::Collator::SECONDARY : icu::Collator::IDENTICAL);
+  icu::Collator* collator = collatorFor(options);
+  if (!collator) return a < b ? -1 : a > b ? 1 : 0;
   const UCollationResult result = collator->compare(unicode(a), unicode(b), status);
   if (U_FAILURE(status)) return a < b ? -1 : a > b ? 1 : 0;
   return result == UCOL_LESS ? -1 : result == UCOL_GREATER ? 1 : 0;
@@ -200,9 +236,12 @@ bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, M
       if (type == T::Matches) {
         UErrorCode status = U_ZERO_ERROR;
         const uint32_t flags = (options & MCCaseInsensitivePredicateOption) ? UREGEX_CASE_INSENSITIVE : 0;
-        icu::RegexMatcher matcher(unicode(*rightText), unicode(*leftText), flags, status);
-        if (U_FAILURE(status)) return false;  // a pattern that does not compile matches nothing
-        const bool whole = matcher.matches(status);
+        icu::RegexPattern* pattern = patternFor(*rightText, flags);
+        if (!pattern) return false;  // a pattern that does not compile matches nothing
+        const icu::UnicodeString subject = unicode(*leftText);
+        std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(subject, status));
+        if (U_FAILURE(status) || !matcher) return false;
+        const bool whole = matcher->matches(status);
         return U_SUCCESS(status) && whole;
       }
       const icu::UnicodeString text = folded(*leftText, options), pattern = folded(*rightText, options);
