@@ -52,9 +52,7 @@ BrowseFilter::Properties BrowseFilter::readProperties(const std::vector<std::fil
   Properties out;
   for (const auto& file : files) {
     if (stop.stop_requested()) break;
-    MCDictionary properties = mediaPropertiesOfFile(file).value_or(MCDictionary{});
-    addFileAttributes(file, properties);
-    out.emplace(file.string(), std::move(properties));
+    out.emplace(file.string(), searchablePropertiesOfFile(file));
   }
   return out;
 }

@@ -36,9 +36,7 @@ int runFind(const FindSettings& settings) {
     return 1;
   }
   for (const fs::path& file : findMediaFiles(settings.folder)) {
-    MCDictionary properties = mediaPropertiesOfFile(file).value_or(MCDictionary{});
-    addFileAttributes(file, properties);
-    if (parsed.predicate->evaluateWithObject(properties)) std::printf("%s\n", file.c_str());
+    if (parsed.predicate->evaluateWithObject(searchablePropertiesOfFile(file))) std::printf("%s\n", file.c_str());
   }
   return 0;
 }

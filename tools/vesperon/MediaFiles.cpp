@@ -55,7 +55,8 @@ std::optional<MCDictionary> mediaPropertiesOfFile(const fs::path& file, uint64_t
   }
 }
 
-void addFileAttributes(const fs::path& file, MCDictionary& properties) {
+MCDictionary searchablePropertiesOfFile(const fs::path& file) {
+  MCDictionary properties = mediaPropertiesOfFile(file).value_or(MCDictionary{});
   properties["name"] = MCValue(file.filename().string());
   properties["path"] = MCValue(file.string());
   std::error_code ec;
@@ -70,4 +71,5 @@ void addFileAttributes(const fs::path& file, MCDictionary& properties) {
     std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &local);
     properties["modificationDate"] = MCValue(std::string(text));
   }
+  return properties;
 }

@@ -18,6 +18,8 @@ std::vector<std::filesystem::path> findMediaFiles(const std::filesystem::path& f
 /// sidecar beside it under `mergeMask`; none when the file cannot be read. Throws nothing.
 std::optional<MCDictionary> mediaPropertiesOfFile(const std::filesystem::path& file, uint64_t mergeMask = 0);
 
-/// Adds the file's own attributes to its properties: "name", "path", "size" (bytes), "type" (its
-/// type identifier) and "modificationDate" (Exif text, local time), those that can be read.
-void addFileAttributes(const std::filesystem::path& file, MCDictionary& properties);
+/// What a predicate is evaluated against (`vesperon find`, the filter bar of `browse`): the
+/// file's properties, empty when they cannot be read, and beside them its own attributes — "name",
+/// "path", "size" (bytes), "type" (its type identifier) and "modificationDate" (Exif text, local
+/// time), those that can be read.
+MCDictionary searchablePropertiesOfFile(const std::filesystem::path& file);
