@@ -161,6 +161,7 @@ void Browser::show(BrowseCollection collection) {
   if (navigation) navigation->popToRootViewControllerAnimated(false);
   std::weak_ptr<StatusBar> weakStatus = status;
   std::weak_ptr<Browser> self = weak_from_this();
+  auto thumbnails = controller ? controller->handOverThumbnailCache() : nullptr;
   controller = std::make_shared<BrowseController>(
       std::move(collection),
       [self](const std::string& line) {
@@ -171,7 +172,8 @@ void Browser::show(BrowseCollection collection) {
           bar->text = line;
           bar->setNeedsDisplay(true);
         }
-      });
+      },
+      std::move(thumbnails));
   // A double-click or Return opens the photo in a viewer page; leaving it gives the keys back.
   auto open = [self](const MCIndexPath& path) {
     auto b = self.lock();

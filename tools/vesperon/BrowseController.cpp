@@ -1,5 +1,7 @@
 #include "BrowseController.h"
 
+#include <utility>
+
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/drawing/MCBadgeFactory.h>
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
@@ -107,12 +109,23 @@ void BrowseView::scrollWheel(const MCEvent& event) {
 }
 
 BrowseController::BrowseController(BrowseCollection collection, std::function<void(const std::string&)> report,
-                                   std::function<void(const std::string&)> status)
-    : collection_(std::move(collection)), report_(std::move(report)), status_(std::move(status)) {}
+                                   std::function<void(const std::string&)> status,
+                                   std::shared_ptr<MCThumbnailCache> thumbnails)
+    : collection_(std::move(collection)), report_(std::move(report)), status_(std::move(status)),
+      cache_(std::move(thumbnails)) {}
+
+std::shared_ptr<MCThumbnailCache> BrowseController::handOverThumbnailCache() {
+  if (!cache_) return nullptr;
+  // Answers for this controller's index paths would land on another collection's items.
+  cache_->cancelFetchingForThumbnailsAtIndexPaths({pending_.begin(), pending_.end()});
+  pending_.clear();
+  return std::exchange(cache_, nullptr);
+}
 
 void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   view_ = view;
-  cache_ = MCThumbnailCache::cacheWithThumbnailSize(int64_t(thumbnailPixelSize()));
+  if (cache_) cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
+  else cache_ = MCThumbnailCache::cacheWithThumbnailSize(int64_t(thumbnailPixelSize()));
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);
   itemCell_->backgroundColor = MCColor::colorWithHex(0xEDEDEC);

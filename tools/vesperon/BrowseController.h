@@ -50,12 +50,17 @@ class BrowseController : public MCBrowserViewDataSource,
  public:
   /// `report` hears one line for each thing a person did (double-clicks, selection changes);
   /// `status` the status line whenever it changes.
+  /// `thumbnails`, when given, is the cache of the controller this one follows over the same
+  /// folder (another filter, a reload), so that the thumbnails it holds show at once.
   BrowseController(BrowseCollection collection, std::function<void(const std::string&)> report,
-                   std::function<void(const std::string&)> status);
+                   std::function<void(const std::string&)> status,
+                   std::shared_ptr<MCThumbnailCache> thumbnails = nullptr);
 
   /// Makes the view's cells, sets this as its data source, delegate and prefetch source, and loads.
   void attach(const std::shared_ptr<BrowseView>& view);
   const std::shared_ptr<MCThumbnailCache>& thumbnailCache() const { return cache_; }
+  /// Cancels what this controller still waits for and gives its thumbnail cache to the next one.
+  std::shared_ptr<MCThumbnailCache> handOverThumbnailCache();
   const BrowseCollection& collection() const { return collection_; }
   /// Items asked for and not yet answered.
   std::size_t pendingCount() const { return pending_.size(); }
