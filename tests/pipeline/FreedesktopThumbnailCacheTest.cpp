@@ -91,6 +91,15 @@ TEST(FreedesktopThumbnailCache, EntriesAreNamedAndCheckedAsTheStandardSays) {
   EXPECT_EQ(fitted->width(), 100u);
   EXPECT_FALSE(cache.thumbnailForFile(photo, 400)) << "no x-large entry";
 
+  // A thumbnail in another pixel layout (premultiplied alpha first, stored little-endian, as
+  // Cairo and GTK keep theirs) keeps its colours in the entry.
+  std::vector<uint8_t> bgra;
+  for (int i = 0; i < 200 * 150; ++i) bgra.insert(bgra.end(), {kBlue[2], kBlue[1], kBlue[0], 255});
+  auto native = MCRasterImage::create(200, 150, 8, 32, 800, MCColorSpace::sRGB(),
+                                      MCImageAlphaPremultipliedFirst | MCBitmapByteOrder32Little, std::move(bgra));
+  ASSERT_TRUE(cache.writeThumbnailForFile(photo, native));
+  EXPECT_TRUE(centreIs(cache.thumbnailForFile(photo, 256), kBlue));
+
   // The file changed since: the entry is stale. Another file never takes it.
   setModificationTime(photo, 1700000001);
   EXPECT_FALSE(cache.thumbnailForFile(photo, 256));

@@ -1,6 +1,7 @@
 #include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 
 #include <vesperon/pixels/MCImageCreation.h>
+#include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/pixels/MCImageFiles.h>
 #include <vesperon/pixels/MCPNGChunks.h>
 
@@ -33,26 +34,11 @@ std::optional<MCData> readFile(const std::filesystem::path& path) {
   return MCData((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
 }
 
-// The image as a PNG through Cairo (which wants native-endian premultiplied ARGB).
+// The image as a PNG through Cairo, from the same premultiplied sRGB surface that drawing uses,
+// whatever the image's own layout.
 std::optional<MCData> encodePNG(const MCRasterImageRef& image) {
-  auto rgba = MCCopyImageWithRGBColorspace_4C_8(image);
-  if (!rgba) return std::nullopt;
-  const int width = int(rgba->width()), height = int(rgba->height());
-  cairo_surface_t* surface = cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height);
-  if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
-    cairo_surface_destroy(surface);
-    return std::nullopt;
-  }
-  cairo_surface_flush(surface);
-  uint8_t* pixels = cairo_image_surface_get_data(surface);
-  const int stride = cairo_image_surface_get_stride(surface);
-  for (int y = 0; y < height; ++y) {
-    const uint8_t* from = rgba->row(std::size_t(y));
-    auto* to = reinterpret_cast<uint32_t*>(pixels + std::size_t(y) * std::size_t(stride));
-    for (int x = 0; x < width; ++x, from += 4)
-      to[x] = uint32_t(from[3]) << 24 | uint32_t(from[0]) << 16 | uint32_t(from[1]) << 8 | from[2];
-  }
-  cairo_surface_mark_dirty(surface);
+  cairo_surface_t* surface = image ? MCGraphicsContext::createSurfaceForImage(*image) : nullptr;
+  if (!surface) return std::nullopt;
   MCData png;
   const auto write = [](void* closure, const unsigned char* data, unsigned int length) {
     auto* out = static_cast<MCData*>(closure);
