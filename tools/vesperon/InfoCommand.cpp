@@ -19,10 +19,6 @@
 #include "MediaFiles.h"
 #include "VesperonCommand.h"
 
-#include <vesperon/codecs/MCImageReader.h>
-#include <vesperon/metadata/MCCGImageMetadataReader.h>
-#include <vesperon/metadata/MCExifReader.h>
-
 #include <filesystem>
 #include <memory>
 

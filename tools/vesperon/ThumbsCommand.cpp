@@ -13,9 +13,9 @@
 #include "VesperonCommand.h"
 
 #include <vesperon/codecs/MCImageCodecManager.h>
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pipeline/MCThumbnailCache.h>
 #include <vesperon/pixels/MCImageFiles.h>
-#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCMainQueue.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
