@@ -1,10 +1,12 @@
 #pragma once
-// What the duration and file size rows share: a unit pop-up appended to the row's views, and a
-// field read as a whole C-locale number, multiplied by the selected unit's multiplier.
+// What the duration and file size rows share: a number with a unit. The unit pop-up is appended
+// to the row's views; the field is read as a whole C-locale number (no white space before or
+// after, nothing left over) and multiplied by the selected unit's multiplier, so a stored
+// predicate holds seconds or bytes. Unusable text, or no unit, yields the defaultValue predicate.
 
 #include <vesperon/controls/MCPopUpModel.h>
 #include <vesperon/core/MCLocalizedString.h>
-#include <vesperon/predicates/MCPredicateNode.h>
+#include <vesperon/predicates/MCPredicateEditorRowTemplate.h>
 
 #include <memory>
 #include <optional>
@@ -19,18 +21,27 @@ struct MCPredicateEditorUnit {
   double multiplier;
 };
 
-/// A pop-up of the units in order: the value as tag and represented object.
-std::shared_ptr<MCPopUpModel> makeUnitPopUp(const std::vector<MCPredicateEditorUnit>& units);
-
-/// The whole text as a finite number in the C locale: no white space before or after, nothing
-/// left over.
+/// The whole text as a finite number in the C locale, or none.
 std::optional<double> wholeNumberOfText(std::string_view text);
 
-/// left <operator> (number × the multiplier of the pop-up's selected unit), or none when the
-/// text or the selection is unusable.
-MCPredicateRef unitComparison(const std::optional<MCPredicateExpression>& left, std::optional<int> type,
-                              std::string_view text, const MCPopUpModel* units,
-                              const std::vector<MCPredicateEditorUnit>& table, MCComparisonPredicateModifier modifier,
-                              unsigned options);
+class MCPredicateEditorUnitRowTemplate : public MCPredicateEditorRowTemplate {
+ public:
+  using MCPredicateEditorRowTemplate::MCPredicateEditorRowTemplate;
+
+  /// The base's views and the unit pop-up.
+  std::vector<std::shared_ptr<MCControlModel>> templateViews() override;
+  MCPredicateRef predicateWithSubpredicates(const std::vector<MCPredicateRef>& subpredicates) override;
+
+ protected:
+  /// A copy makes its own unit pop-up.
+  MCPredicateEditorUnitRowTemplate(const MCPredicateEditorUnitRowTemplate& other) : MCPredicateEditorRowTemplate(other) {}
+  /// The units in order of the pop-up.
+  virtual const std::vector<MCPredicateEditorUnit>& units() const = 0;
+  /// Made on first use: the units in order, the value as tag and represented object.
+  const std::shared_ptr<MCPopUpModel>& unitPopUp();
+
+ private:
+  std::shared_ptr<MCPopUpModel> unitPopUp_;
+};
 
 }  // namespace mc_detail
