@@ -9,34 +9,11 @@
 set -euo pipefail
 vesperon=$1
 samples=$2
-if [ -z "${DISPLAY_FOR_FILTER_TEST:-}" ]; then
-  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
-    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
-    exit 77
-  fi
-  DISPLAY_FOR_FILTER_TEST=1 exec xvfb-run -a -s "-screen 0 1400x1024x24" "$0" "$@"
-fi
-
-work=$(mktemp -d)
-cleanup() {
-  [ -n "${pid:-}" ] && kill "$pid" 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
-export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0" XDG_CACHE_HOME="$work/cache"
-export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" GIO_USE_VFS=local
+source "$(dirname "$0")/../support/screen-test.sh"
+screen_test_start 1400x1024 "$0" "$@"
 
 "$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
 pid=$!
-wait_for() {
-  for _ in $(seq 300); do
-    grep -q "$1" "$work/out" && return 0
-    kill -0 "$pid" 2>/dev/null || break
-    sleep 0.05
-  done
-  echo "FAIL: the program never reported '$1'"; cat "$work/out" "$work/err"; exit 1
-}
 # The grid after the last change holds what `vesperon find` finds for the reported predicate.
 agrees() {
   local line count predicate found

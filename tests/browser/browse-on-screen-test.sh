@@ -10,37 +10,11 @@ set -euo pipefail
 vesperon=$1
 samples=$2
 droptarget=$3
-if [ -z "${DISPLAY_FOR_BROWSE_TEST:-}" ]; then
-  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
-    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
-    exit 77
-  fi
-  DISPLAY_FOR_BROWSE_TEST=1 exec xvfb-run -a -s "-screen 0 1400x1024x24" "$0" "$@"
-fi
-
-work=$(mktemp -d)
-cleanup() {
-  for p in ${pid:-} ${dpid:-}; do kill "$p" 2>/dev/null || true; done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
-# Built with AddressSanitizer, the programs still stop at any memory error; leak checking is left to
-# the unit suites, as GTK and its libraries keep allocations for the life of the process.
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0" XDG_CACHE_HOME="$work/cache"
-# The folders remembered, the trash and the applications are the test's own, never the user's.
-export XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" GIO_USE_VFS=local
+source "$(dirname "$0")/../support/screen-test.sh"
+screen_test_start 1400x1024 "$0" "$@"
 
 "$vesperon" browse "$samples" --report >"$work/out" 2>"$work/err" &
 pid=$!
-wait_for() {
-  for _ in $(seq 200); do
-    grep -q "$1" "$work/out" && return 0
-    kill -0 "$pid" 2>/dev/null || break
-    sleep 0.05
-  done
-  echo "FAIL: the program never reported '$1'"; cat "$work/out" "$work/err"; exit 1
-}
 wait_for '^cell 5 '
 read -r _ ox oy < <(grep '^ready ' "$work/out")
 read -r _ _ x0 y0 _ < <(grep '^cell 0 ' "$work/out")

@@ -9,23 +9,9 @@
 set -euo pipefail
 vesperon=$1
 samples=$2
-if [ -z "${DISPLAY_FOR_FILES_TEST:-}" ]; then
-  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
-    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
-    exit 77
-  fi
-  DISPLAY_FOR_FILES_TEST=1 exec xvfb-run -a -s "-screen 0 1400x1024x24" "$0" "$@"
-fi
-
-work=$(mktemp -d "${TMPDIR:-/tmp}/vesperon-files-XXXXXX")
-cleanup() {
-  [ -n "${pid:-}" ] && kill "$pid" 2>/dev/null || true
-  rm -rf "$work"
-}
-trap cleanup EXIT
-export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none GIO_USE_VFS=local GTK_USE_PORTAL=0 GSETTINGS_BACKEND=memory
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
-export XDG_CACHE_HOME="$work/cache" XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data"
+source "$(dirname "$0")/../support/screen-test.sh"
+screen_test_start 1400x1024 "$0" "$@"
+export GTK_USE_PORTAL=0 GSETTINGS_BACKEND=memory
 fail() {
   /usr/bin/import -window root "$work/failure.png" 2>/dev/null && cp "$work/failure.png" /tmp/browse-files-failure.png
   echo "FAIL: $*"; echo "--- out"; cat "$work/out"; echo "--- err"; tail -20 "$work/err"; exit 1
@@ -52,14 +38,6 @@ start() {
   : >"$work/out"
   "$vesperon" browse "$@" --report >"$work/out" 2>"$work/err" &
   pid=$!
-}
-wait_for() {
-  for _ in $(seq 200); do
-    grep -q "$1" "$work/out" && return 0
-    kill -0 "$pid" 2>/dev/null || break
-    sleep 0.05
-  done
-  fail "the program never reported '$1'"
 }
 # The line seen at least N times: a selection made again after a reload is a new line.
 wait_for_count() {

@@ -4,35 +4,11 @@
 # Usage: gtk-demo-test.sh DEMO-PROGRAM. Exit 77 (skipped) only when no X server can be started.
 set -euo pipefail
 demo=$1
-if [ -z "${DISPLAY_FOR_DEMO_TEST:-}" ]; then
-  if ! command -v xvfb-run >/dev/null || ! command -v xdotool >/dev/null; then
-    echo "SKIPPED: xvfb-run or xdotool is not installed, so no X server can be started"
-    exit 77
-  fi
-  DISPLAY_FOR_DEMO_TEST=1 exec xvfb-run -a -s "-screen 0 1024x768x24" "$0" "$@"
-fi
-
-work=$(mktemp -d)
-cleanup() {
-  for p in ${pid:-}; do kill "$p" 2>/dev/null || true; done
-  rm -rf "$work"
-}
-trap cleanup EXIT
-export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
-# Built with AddressSanitizer, the programs still stop at any memory error; leak checking is left to
-# the unit suites, as GTK and its libraries keep allocations for the life of the process.
-export ASAN_OPTIONS="${ASAN_OPTIONS:+$ASAN_OPTIONS:}detect_leaks=0"
+source "$(dirname "$0")/../support/screen-test.sh"
+screen_test_start 1024x768 "$0" "$@"
 "$demo" --report --undecorated >"$work/out" 2>"$work/err" &
 pid=$!
 
-wait_for() {  # wait_for PATTERN: until the demo has reported a line matching PATTERN
-  for _ in $(seq 200); do
-    grep -q "$1" "$work/out" && return 0
-    kill -0 "$pid" 2>/dev/null || break
-    sleep 0.05
-  done
-  echo "FAIL: the demo never reported '$1'"; cat "$work/out" "$work/err"; exit 1
-}
 
 wait_for '^ready '
 read -r _ ox oy _ _ < <(grep '^ready ' "$work/out")
