@@ -18,11 +18,11 @@ mkdir -p "$work"
 cache="$work/image-cache"
 rm -rf "$cache" "$work/out-cache"
 
-now() { date +%s.%N; }
+source "$(dirname "$0")/timing.sh"
 timed() {
   local t0; t0=$(now)
   "$bin" thumbs "$photos" --size 256 --cache-dir "$cache" --out "$work/out-cache/$1" > "$work/cache-$1.log" 2>&1
-  awk -v n="$count" -v a="$t0" -v b="$(now)" 'BEGIN { printf "%.1f", n / (b - a) }'
+  rate "$count" "$(elapsed "$t0")"
 }
 first=$(timed first)
 second=$(timed second)

@@ -42,10 +42,7 @@ if [ ! -f "$work/.complete" ]; then
   touch "$work/.complete"
 fi
 
-now() { date +%s.%N; }
-elapsed() { awk -v a="$1" -v b="$(now)" 'BEGIN { print b - a }'; }
-rate() { awk -v n="$1" -v t="$2" 'BEGIN { printf "%.1f", n / t }'; }
-ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
+source "$(dirname "$0")/timing.sh"
 
 # The desktop's thumbnail cache of its own, empty, so that vesperon decodes every file.
 export XDG_CACHE_HOME="$work/xdg-cache"

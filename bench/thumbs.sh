@@ -41,9 +41,7 @@ mapfile -t all < <(ls "$photos"/*.jpg)
 mapfile -t embedded < <(ls "$photos"/*.jpg | awk 'NR % 2 == 0')
 half() { local -n list=$1; local n=${#list[@]}; if [ "$2" = 1 ]; then printf '%s\n' "${list[@]:0:n/2}"; else printf '%s\n' "${list[@]:n/2}"; fi; }
 
-now() { date +%s.%N; }
-rate() { awk -v n="$1" -v t="$2" 'BEGIN { printf "%.1f", n / t }'; }
-ratio() { awk -v a="$1" -v b="$2" 'BEGIN { printf "%.2f", a / b }'; }
+source "$(dirname "$0")/timing.sh"
 
 # Two processes in parallel, each given half the list in one invocation.
 twoWay() {
