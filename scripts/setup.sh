@@ -17,8 +17,9 @@ PACKAGES=(
   libtiff-tools webp libheif-examples ffmpeg
   # the toolkit's GTK 4 host, and what its on-screen test drives it with
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
-  # file types and the desktop's applications (GIO), and the session bus the portal test starts
-  shared-mime-info desktop-file-utils dbus-daemon
+  # file types and the desktop's applications (GIO), the session bus the tests start, and the
+  # desktop portal a GNOME or KDE desktop has (with its FUSE document store), which GTK finds there
+  shared-mime-info desktop-file-utils dbus-daemon xdg-desktop-portal-gtk
   # tests and benchmarks (a comma-decimal locale for the number-reading tests)
   locales googletest libgtest-dev libgmock-dev libbenchmark-dev
   # peers the tests and benchmarks compare against, and fuzzing
