@@ -8,8 +8,8 @@ vesperon_add_plugin(test_high SOURCES ${dir}/plugins/TestCodec.cpp OUTPUT_DIRECT
 target_compile_definitions(vesperon_plugin_test_high PRIVATE TEST_CODEC_ID="test.high" TEST_CODEC_PRIORITY=20)
 vesperon_add_plugin(test_writer SOURCES ${dir}/plugins/TestCodec.cpp OUTPUT_DIRECTORY ${codec_fixture_dir})
 target_compile_definitions(vesperon_plugin_test_writer PRIVATE TEST_CODEC_ID="test.writer" TEST_CODEC_PRIORITY=15 TEST_CODEC_WRITER=1)
-vesperon_add_plugin(test_no_entry SOURCES ${dir}/plugins/NoEntry.cpp OUTPUT_DIRECTORY ${codec_fixture_dir})
-vesperon_add_plugin(test_old_abi SOURCES ${dir}/plugins/TestCodec.cpp OUTPUT_DIRECTORY ${codec_fixture_dir})
+vesperon_add_plugin(test_no_entry SOURCES ${dir}/plugins/NoEntry.cpp OUTPUT_DIRECTORY ${codec_fixture_dir} NO_MANIFEST)
+vesperon_add_plugin(test_old_abi SOURCES ${dir}/plugins/TestCodec.cpp OUTPUT_DIRECTORY ${codec_fixture_dir} NO_MANIFEST)
 target_compile_definitions(vesperon_plugin_test_old_abi PRIVATE TEST_CODEC_ID="test.old" TEST_CODEC_PRIORITY=99 TEST_CODEC_ABI_OFFSET=1)
 # A probe registered for camera raw types, in a folder of its own.
 set(raw_probe_dir ${CMAKE_CURRENT_BINARY_DIR}/codecs/raw-probe-plugin)

@@ -1,5 +1,8 @@
 #include <vesperon/codecs/MCImageCodecManager.h>
 
+#include <vesperon/codecs/MCDeferredImageCodec.h>
+#include <vesperon/codecs/MCImageCodecManifest.h>
+
 #include <dlfcn.h>
 
 #include <algorithm>
@@ -11,27 +14,6 @@
 namespace fs = std::filesystem;
 
 namespace {
-
-// Opens one module and makes its codec; nullptr when it is not a conforming plug-in.
-std::shared_ptr<MCImageCodec> loadCodec(const fs::path& file) {
-  // RTLD_LOCAL keeps one plug-in's symbols from answering another's look-ups.
-  void* handle = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
-  if (!handle) return nullptr;
-  auto entry = reinterpret_cast<MCImageCodecPlugInEntryFunction>(dlsym(handle, MCImageCodecPlugInEntryName));
-  const MCImageCodecPlugInInfo* info = entry ? entry() : nullptr;
-  if (!info || info->abiVersion != MC_IMAGE_CODEC_ABI_VERSION || !info->createCodec) {
-    dlclose(handle);
-    return nullptr;
-  }
-  // The module stays loaded for the life of the process: the codec's code lives in it.
-  MCImageCodec* codec = nullptr;
-  try {
-    codec = info->createCodec();
-  } catch (...) {
-    codec = nullptr;
-  }
-  return std::shared_ptr<MCImageCodec>(codec);
-}
 
 std::vector<fs::path> pluginFiles(const fs::path& url) {
   std::vector<fs::path> files;
@@ -52,7 +34,56 @@ std::vector<fs::path> pluginFiles(const fs::path& url) {
   return files;
 }
 
+// The plug-in as its manifest describes it, when there is a manifest for this version of the
+// library that was written after the module was built.
+std::shared_ptr<MCImageCodec> deferredCodec(const fs::path& file) {
+  fs::path manifestURL = MCImageCodecManifest::urlForPlugInAtURL(file);
+  std::error_code ec;
+  auto moduleTime = fs::last_write_time(file, ec);
+  if (ec) return nullptr;
+  auto manifestTime = fs::last_write_time(manifestURL, ec);
+  if (ec || manifestTime < moduleTime) return nullptr;
+  auto manifest = MCImageCodecManifest::read(manifestURL);
+  if (!manifest || manifest->abiVersion != MC_IMAGE_CODEC_ABI_VERSION) return nullptr;
+  return std::make_shared<MCDeferredImageCodec>(file, std::move(*manifest));
+}
+
 }  // namespace
+
+MCImageCodecManager::Extension MCImageCodecManager::loadPlugInAtURL(const fs::path& url, std::string* reason) {
+  auto fail = [&](std::string why) -> Extension {
+    if (reason) *reason = std::move(why);
+    return nullptr;
+  };
+  // RTLD_LOCAL keeps one plug-in's symbols from answering another's look-ups.
+  void* handle = dlopen(url.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!handle) {
+    const char* error = dlerror();
+    return fail(error ? error : "it cannot be opened");
+  }
+  auto entry = reinterpret_cast<MCImageCodecPlugInEntryFunction>(dlsym(handle, MCImageCodecPlugInEntryName));
+  const MCImageCodecPlugInInfo* info = entry ? entry() : nullptr;
+  if (!info || !info->createCodec) {
+    dlclose(handle);
+    return fail("it has no entry point " + std::string(MCImageCodecPlugInEntryName));
+  }
+  if (info->abiVersion != MC_IMAGE_CODEC_ABI_VERSION) {
+    // Read before closing: the record lives in the module.
+    const std::string version = std::to_string(info->abiVersion);
+    dlclose(handle);
+    return fail("it was built for version " + version + " of the codec interface, not " +
+                std::to_string(MC_IMAGE_CODEC_ABI_VERSION));
+  }
+  // The module stays loaded for the life of the process: the codec's code lives in it.
+  MCImageCodec* codec = nullptr;
+  try {
+    codec = info->createCodec();
+  } catch (...) {
+    codec = nullptr;
+  }
+  if (!codec) return fail("it made no codec");
+  return Extension(codec);
+}
 
 MCImageCodecManager& MCImageCodecManager::sharedInstance() {
   static MCImageCodecManager* manager = [] {
@@ -81,7 +112,8 @@ fs::path MCImageCodecManager::builtInPlugInsURL() {
 
 void MCImageCodecManager::registerPlugInsAtURL(const fs::path& url) {
   for (const fs::path& file : pluginFiles(url)) {
-    auto codec = loadCodec(file);
+    auto codec = deferredCodec(file);
+    if (!codec) codec = loadPlugInAtURL(file);
     if (!codec) continue;
     if (!codec->sourceImageTypes().empty() || !codec->sourceVideoTypes().empty()) {
       codec->setIsAvailableAsSource(true);

@@ -7,6 +7,11 @@
 // library: <libdir>/vesperon/plugins) and then each folder of $VESPERON_PLUGIN_PATH (colon-separated)
 // on first use.
 //
+// A plug-in whose manifest lies beside it (MCImageCodecManifest), no older than the module, is
+// registered from the manifest as an MCDeferredImageCodec and loaded when it is first asked for a
+// source or destination; the others are loaded as they are registered. Either way the lists, maps
+// and sets are the same.
+//
 // No lock: the tables are read from worker threads, so registering and reordering must not run at
 // the same time as loads.
 
@@ -33,6 +38,9 @@ class MCImageCodecManager {
   static MCImageCodecManager& sharedInstance();
   /// The folder where the project installs its plug-ins, relative to the library.
   static std::filesystem::path builtInPlugInsURL();
+  /// Opens one plug-in module and makes its codec; none when it cannot be opened, lacks the entry
+  /// point or was built for another ABI version, with the reason in `reason` when given.
+  static Extension loadPlugInAtURL(const std::filesystem::path& url, std::string* reason = nullptr);
 
   /// Loads every plug-in module directly in `url` (no hidden files, no sub-folders, only the plug-in
   /// suffix), adds the sources sorted by priority, descending, and reloads the maps. Modules that
