@@ -4,6 +4,10 @@
 #   make check — make test, then every test under AddressSanitizer and UndefinedBehaviorSanitizer
 #                (build-asan/), then the threaded suites under ThreadSanitizer (build-tsan/)
 BUILD_DIR ?= build
+# ccache keys objects by paths relative to the checkout, so that every clone (CI's included) and
+# every build folder share them.
+export CCACHE_BASEDIR ?= $(CURDIR)
+export CCACHE_NOHASHDIR ?= 1
 JOBS ?= $(shell nproc)
 
 .PHONY: setup configure build run test check bench fuzz clean install
