@@ -3,12 +3,13 @@
 #include <vesperon/core/MCLog.h>
 #include <vesperon/core/MCValueJSON.h>
 #include <vesperon/platform/MCApplicationDirectories.h>
+#include <vesperon/platform/MCRegularFile.h>
 
 #include <glib.h>
 
 #include <atomic>
 #include <fstream>
-#include <iterator>
+#include <string_view>
 #include <unistd.h>
 
 namespace {
@@ -32,6 +33,38 @@ nlohmann::json toJSON(const MCValue& value) {
   }
   return MCValueToJSON(value);
 }
+
+// Parses nothing into memory; only counts how deep arrays and objects go, and stops the parse past
+// the limit.
+struct DepthLimit : nlohmann::json_sax<nlohmann::json> {
+  explicit DepthLimit(int limit) : limit(limit) {}
+  int limit;
+  int depth = 0;
+  bool tooDeep = false;
+
+  bool enter() {
+    if (++depth <= limit) return true;
+    tooDeep = true;
+    return false;
+  }
+  bool leave() {
+    --depth;
+    return true;
+  }
+  bool start_object(std::size_t) override { return enter(); }
+  bool end_object() override { return leave(); }
+  bool start_array(std::size_t) override { return enter(); }
+  bool end_array() override { return leave(); }
+  bool null() override { return true; }
+  bool boolean(bool) override { return true; }
+  bool number_integer(number_integer_t) override { return true; }
+  bool number_unsigned(number_unsigned_t) override { return true; }
+  bool number_float(number_float_t, const string_t&) override { return true; }
+  bool string(string_t&) override { return true; }
+  bool binary(binary_t&) override { return true; }
+  bool key(string_t&) override { return true; }
+  bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override { return false; }
+};
 
 MCValue fromJSON(const nlohmann::json& json) {
   if (json.is_object() && json.size() == 1 && json.contains("$data") && json["$data"].is_string()) {
@@ -64,21 +97,34 @@ std::filesystem::path MCUserDefaults::defaultFileURL() {
 }
 
 MCDictionary MCUserDefaults::dictionaryRepresentation() const {
-  std::ifstream file(fileURL_, std::ios::binary);
-  if (!file) return {};
-  const std::string text((std::istreambuf_iterator<char>(file)), {});
-  nlohmann::json json = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
-  if (json.is_object()) {
-    MCValue value = fromJSON(json);
-    if (const MCDictionary* dictionary = value.dictionary()) return *dictionary;
+  setAside_.reset();
+  const MCRegularFile::Result file = MCRegularFile::read(fileURL_, kMaxFileSize);
+  if (file.status == MCRegularFile::Status::Missing) return {};
+  std::string reason = file.reason;
+  if (file) {
+    const std::string_view text(reinterpret_cast<const char*>(file.bytes.data()), file.bytes.size());
+    // The depth is checked on a first pass that builds nothing, so a deep file never becomes a
+    // deep tree for the recursive conversion below.
+    DepthLimit limit(kMaxNestingDepth);
+    if (!nlohmann::json::sax_parse(text, &limit)) {
+      reason = limit.tooDeep ? "nests deeper than " + std::to_string(kMaxNestingDepth) + " levels" : "is not valid JSON";
+    } else {
+      const nlohmann::json json = nlohmann::json::parse(text, nullptr, /*allow_exceptions=*/false);
+      if (json.is_object()) {
+        MCValue value = fromJSON(json);
+        if (const MCDictionary* dictionary = value.dictionary()) return *dictionary;
+      }
+      reason = "holds no JSON object";
+    }
   }
   // Kept aside, not lost: the next write would replace it.
   std::filesystem::path aside = fileURL_;
   aside += ".bak";
   std::error_code ec;
   std::filesystem::rename(fileURL_, aside, ec);
-  MCLog::sdkFileSystem()->logError("The settings file " + fileURL_.string() + " is not readable settings" +
-                                   (ec ? " and could not be moved aside" : "; kept as " + aside.string()) +
+  setAside_ = SetAside{reason, ec ? std::filesystem::path() : aside};
+  MCLog::sdkFileSystem()->logError("The settings file " + fileURL_.string() + " is not readable settings: it " +
+                                   reason + (ec ? "; it could not be moved aside" : "; kept as " + aside.string()) +
                                    "; starting with no settings");
   return {};
 }

@@ -5,12 +5,17 @@
 // and renames it into place, so another process never sees half a file and of two writers at once
 // the later one wins whole. Data values are written as {"$data": "<base64>"} and read back as data.
 //
-// A file that is there but is not a JSON object (empty, cut short, another format) is moved aside
-// to "<file>.bak", logged on the file-system log, and the store starts empty: nothing is
-// overwritten unseen. A missing file is an empty store.
+// Only a regular file of at most 1 MiB whose arrays and objects nest at most 256 levels deep is
+// read (MCRegularFile): settings are a few kilobytes, a thousand remembered folders fit, and the
+// worst such file still converts in a fraction of a second. Anything else at the path (empty, cut short,
+// another format, nested deeper, larger, a folder, a FIFO, a device, a file that cannot be read) is
+// moved aside to "<file>.bak", logged on the file-system log with the file's name and what is wrong
+// with it, and the store starts empty: nothing is overwritten unseen, and nothing blocks or grows
+// without end. A missing file is an empty store.
 
 #include <vesperon/core/MCValue.h>
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -24,7 +29,19 @@ class MCUserDefaults {
 
   const std::filesystem::path& fileURL() const { return fileURL_; }
 
+  /// A file that was there but could not be used as settings, as the last read found it.
+  struct SetAside {
+    std::string reason;              ///< what is wrong with it ("is a FIFO, not a file", "is not valid JSON" …)
+    std::filesystem::path movedTo;   ///< where it went; empty when it could not be moved
+  };
+
+  static constexpr std::size_t kMaxFileSize = 1024 * 1024;
+  static constexpr int kMaxNestingDepth = 256;
+
   MCDictionary dictionaryRepresentation() const;
+  /// Whether the last read of this store set the file aside, and why. Reads of other objects over
+  /// the same file are not told.
+  const std::optional<SetAside>& setAside() const { return setAside_; }
   std::optional<MCValue> objectForKey(const std::string& key) const;
   /// Writes the value under the key; false, logged, when the file cannot be written.
   bool setObject(const MCValue& value, const std::string& key);
@@ -33,4 +50,5 @@ class MCUserDefaults {
  private:
   bool write(const MCDictionary& dictionary);
   std::filesystem::path fileURL_;
+  mutable std::optional<SetAside> setAside_;
 };
