@@ -117,6 +117,46 @@ TEST(SandboxHelper, GrantsMergeAreStoredAndComeBackInAnotherInstance) {
   EXPECT_TRUE(MCDictionaryGet(first, "bookmark")->isData());
 }
 
+TEST(SandboxHelper, RestoreTellsWhichGrantsWereLostAndWhy) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  const fs::path root = freshFolder("restore-report");
+  const fs::path store = root / "settings.json";
+  for (const char* name : {"kept", "deleted", "replaced"}) fs::create_directories(root / name);
+  MCSandboxHelper helper(store);
+  helper.addSandboxURLs({MCSandboxURL::create(root / "kept"), MCSandboxURL::create(root / "deleted"),
+                         MCSandboxURL::create(root / "replaced")});
+  fs::remove_all(root / "deleted");
+  fs::remove_all(root / "replaced");
+  writeText(root / "replaced", "a file now");
+
+  MCSandboxHelper later(store);
+  later.restore();
+  EXPECT_EQ(grantedPaths(later), (std::vector<fs::path>{root / "kept"}));
+  EXPECT_FALSE(later.restoredStoreSetAside());
+  const auto& entries = later.restoredEntries();
+  ASSERT_EQ(entries.size(), 3u);
+  EXPECT_EQ(entries[0].path, root / "kept");
+  EXPECT_EQ(entries[0].failure, "");
+  EXPECT_EQ(entries[1].path, root / "deleted");
+  EXPECT_EQ(entries[1].failure, "\"" + (root / "deleted").string() + "\" no longer exists (moved or deleted)");
+  EXPECT_EQ(entries[2].path, root / "replaced");
+  EXPECT_EQ(entries[2].failure,
+            "\"" + (root / "replaced").string() + "\" is another item than the one bookmarked (replaced)");
+  EXPECT_TRUE(log.contains("Couldn't resolve bookmark: " + entries[1].failure)) << log.text();
+  EXPECT_TRUE(log.contains("Couldn't resolve bookmark: " + entries[2].failure)) << log.text();
+
+  // A settings file that cannot be read is set aside, and the helper says so.
+  writeText(store, "{\"QXSecurityScopedURLs\": [");
+  MCSandboxHelper broken(store);
+  broken.restore();
+  EXPECT_TRUE(broken.sandboxURLs().empty());
+  EXPECT_TRUE(broken.restoredEntries().empty());
+  ASSERT_TRUE(broken.restoredStoreSetAside());
+  EXPECT_EQ(broken.restoredStoreSetAside()->reason, "is not valid JSON");
+  EXPECT_EQ(broken.restoredStoreSetAside()->movedTo, root / "settings.json.bak");
+}
+
 TEST(SandboxHelper, AsksOncePerVolumeAcceptsAHigherFolderAndAlertsOnAWrongOne) {
   LogCapture log;
   ASSERT_TRUE(log.available());

@@ -3,7 +3,7 @@
 // visible thumbnails have arrived.
 //
 // The folders opened are remembered between runs (MCSandboxHelper); without a folder named the
-// last one opens again. "Open Folder…" (the title bar's button, Ctrl+O) shows another; a right
+// last one opens again, or, when it is gone, the one before it, with a word on why. "Open Folder…" (the title bar's button, Ctrl+O) shows another; a right
 // click on the selection offers "Open With" and "Move to Trash" (also the Delete key). The
 // filter bar (the title bar's button, Ctrl+F) narrows the grid by name, camera model, capture
 // date, file size, ISO and f-number.
@@ -324,12 +324,27 @@ int runBrowse(const BrowseSettings& settings) {
   auto helper = MCSandboxHelper::sharedInstance();
   helper->restore();
   fs::path folder = settings.folder;
+  // A settings file that could not be read was set aside, and the folders it remembered with it.
+  std::string setAside;
+  if (const auto& aside = helper->restoredStoreSetAside())
+    setAside = "the settings file " + helper->storeURL().string() + " that remembers the folders opened before " +
+               aside->reason + "; " +
+               (aside->movedTo.empty() ? "it could not be moved aside" : "it was moved to " + aside->movedTo.string());
   if (folder.empty()) {
+    // The folder opened last is the store's last entry; when it is gone, say so rather than
+    // pretend nothing was ever opened, and fall back to the one opened before it.
+    std::string lost;
+    if (const auto& entries = helper->restoredEntries(); !entries.empty() && !entries.back().failure.empty())
+      lost = "the folder opened last, " + entries.back().path.string() + ", cannot be opened: " + entries.back().failure;
     if (helper->sandboxURLs().empty()) {
-      std::fprintf(stderr, "vesperon browse: no folder given, and none opened before\n");
+      const std::string why = !setAside.empty() ? setAside : !lost.empty() ? lost : "none opened before";
+      std::fprintf(stderr, "vesperon browse: no folder given, and %s\n", why.c_str());
       return 1;
     }
     folder = helper->sandboxURLs().back()->securityScopedURL();
+    if (!lost.empty()) std::fprintf(stderr, "vesperon browse: %s; opening %s, opened before it\n", lost.c_str(), folder.c_str());
+  } else if (!setAside.empty()) {
+    std::fprintf(stderr, "vesperon browse: %s\n", setAside.c_str());
   }
   std::error_code ec;
   if (!fs::is_directory(folder, ec)) {

@@ -28,12 +28,28 @@ void MCSandboxHelper::save() {
 }
 
 void MCSandboxHelper::restore() {
-  auto stored = MCUserDefaults(storeURL_).objectForKey(kStoreKey);
+  restoredEntries_.clear();
+  MCUserDefaults defaults(storeURL_);
+  auto stored = defaults.objectForKey(kStoreKey);
+  restoredStoreSetAside_ = defaults.setAside();
   if (!stored || !stored->array()) return;
   for (const MCValue& entry : *stored->array()) {
     const MCDictionary* dictionary = entry.dictionary();
-    auto url = dictionary ? MCSandboxURL::createWithDictionary(*dictionary) : nullptr;
-    if (url && url->retainSecurityScopedResource()) sandboxURLs_.push_back(std::move(url));
+    RestoredEntry report;
+    // The path the entry was saved with is for people; the bookmark is what is resolved.
+    const MCValue* path = dictionary ? MCDictionaryGet(*dictionary, "path") : nullptr;
+    if (path && path->string()) report.path = *path->string();
+    auto url = dictionary ? MCSandboxURL::createWithDictionary(*dictionary, &report.failure) : nullptr;
+    if (url && url->retainSecurityScopedResource()) {
+      report.path = url->securityScopedURL();
+      sandboxURLs_.push_back(std::move(url));
+    } else if (url) {
+      report.failure = "\"" + url->securityScopedURL().string() + "\" cannot be reached";
+      MCLog::sdkFileSystem()->logError("Couldn't access " + url->securityScopedURL().string());
+    } else if (report.failure.empty()) {
+      report.failure = "the entry holds no bookmark";
+    }
+    restoredEntries_.push_back(std::move(report));
   }
 }
 

@@ -17,12 +17,14 @@
 // thread waits for the user through a synchronous hop to the main queue.
 
 #include <vesperon/files/MCSandboxURL.h>
+#include <vesperon/platform/MCUserDefaults.h>
 
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 #include <vector>
 
 class MCDialogPresenter;
@@ -53,8 +55,21 @@ class MCSandboxHelper {
 
   /// Writes every grant's dictionary to the store; grants without one are left out.
   void save();
-  /// Takes back the grants of the store that still resolve and can be claimed.
+  /// Takes back the grants of the store that still resolve and can be claimed. Those that do not
+  /// are logged ("Couldn't resolve bookmark: <reason>") and dropped; `restoredEntries` tells which.
   void restore();
+
+  /// One entry of the store as the last `restore` found it: the folder it names, and why it could
+  /// not be taken back (empty when it was).
+  struct RestoredEntry {
+    std::filesystem::path path;
+    std::string failure;
+  };
+  /// The entries of the last `restore`, in the store's order: the last is the folder granted last.
+  const std::vector<RestoredEntry>& restoredEntries() const { return restoredEntries_; }
+  /// When the last `restore` found the settings file unusable and set it aside: why, and where it
+  /// went. Its grants are then lost.
+  const std::optional<MCUserDefaults::SetAside>& restoredStoreSetAside() const { return restoredStoreSetAside_; }
 
   /// Asks the user for the folder (or one above it) until the right one is chosen or the user
   /// gives up. A grant with no claim, or none.
@@ -89,4 +104,6 @@ class MCSandboxHelper {
   std::filesystem::path storeURL_;
   std::vector<std::shared_ptr<MCSandboxURL>> sandboxURLs_;
   std::shared_ptr<MCDialogPresenter> presenter_;
+  std::vector<RestoredEntry> restoredEntries_;
+  std::optional<MCUserDefaults::SetAside> restoredStoreSetAside_;
 };

@@ -7,14 +7,14 @@ std::shared_ptr<MCSandboxURL> MCSandboxURL::create(const std::optional<std::file
   return std::make_shared<MCSandboxURL>(*url);
 }
 
-std::shared_ptr<MCSandboxURL> MCSandboxURL::createWithBookmark(const MCData* bookmark) {
+std::shared_ptr<MCSandboxURL> MCSandboxURL::createWithBookmark(const MCData* bookmark, std::string* error) {
   if (!bookmark) return nullptr;
-  return create(URLWithSecurityScopedBookmark(bookmark));
+  return create(URLWithSecurityScopedBookmark(bookmark, error));
 }
 
-std::shared_ptr<MCSandboxURL> MCSandboxURL::createWithDictionary(const MCDictionary& dictionary) {
+std::shared_ptr<MCSandboxURL> MCSandboxURL::createWithDictionary(const MCDictionary& dictionary, std::string* error) {
   const MCValue* bookmark = MCDictionaryGet(dictionary, "bookmark");
-  return createWithBookmark(bookmark ? bookmark->data() : nullptr);
+  return createWithBookmark(bookmark ? bookmark->data() : nullptr, error);
 }
 
 bool MCSandboxURL::retainSecurityScopedResource() {

@@ -12,15 +12,18 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <string>
 
 class MCSandboxURL {
  public:
   /// A grant of `url`; none for none.
   static std::shared_ptr<MCSandboxURL> create(const std::optional<std::filesystem::path>& url);
-  /// A grant of what the bookmark data resolves to; none for none or data that does not resolve.
-  static std::shared_ptr<MCSandboxURL> createWithBookmark(const MCData* bookmark);
+  /// A grant of what the bookmark data resolves to; none for none or data that does not resolve,
+  /// with the reason in `error` when it is given (empty for no data).
+  static std::shared_ptr<MCSandboxURL> createWithBookmark(const MCData* bookmark, std::string* error = nullptr);
   /// createWithBookmark with the dictionary's "bookmark" data.
-  static std::shared_ptr<MCSandboxURL> createWithDictionary(const MCDictionary& dictionary);
+  static std::shared_ptr<MCSandboxURL> createWithDictionary(const MCDictionary& dictionary,
+                                                            std::string* error = nullptr);
 
   explicit MCSandboxURL(std::filesystem::path url) : securityScopedURL_(std::move(url)) {}
 

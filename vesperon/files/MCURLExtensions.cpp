@@ -24,12 +24,15 @@ std::filesystem::path standardized(const std::filesystem::path& url) {
 
 }  // namespace
 
-std::optional<std::filesystem::path> URLWithSecurityScopedBookmark(const MCData* bookmark) {
+std::optional<std::filesystem::path> URLWithSecurityScopedBookmark(const MCData* bookmark, std::string* error) {
   if (!bookmark) return std::nullopt;
   auto decoded = MCBookmarkData::decode(*bookmark);
   std::string reason = "the data is not a bookmark";
   std::optional<std::filesystem::path> url = decoded ? decoded->resolve(&reason) : std::nullopt;
-  if (!url) fileLog().logError("Couldn't resolve bookmark: " + reason);
+  if (!url) {
+    fileLog().logError("Couldn't resolve bookmark: " + reason);
+    if (error) *error = reason;
+  }
   return url;
 }
 

@@ -14,8 +14,9 @@
 #include <vector>
 
 /// The path the bookmark resolves to now, or none. None data gives none; a bookmark that does not
-/// resolve logs "Couldn't resolve bookmark: <reason>". Whether it is stale is not told.
-std::optional<std::filesystem::path> URLWithSecurityScopedBookmark(const MCData* bookmark);
+/// resolve logs "Couldn't resolve bookmark: <reason>" and hands the reason to `error` when it is
+/// given. Whether it is stale is not told.
+std::optional<std::filesystem::path> URLWithSecurityScopedBookmark(const MCData* bookmark, std::string* error = nullptr);
 
 /// The path recorded in the bookmark, without resolving it. Logs "Couldn't get URL path from
 /// bookmark data" and gives none when there is none to read.
