@@ -40,15 +40,27 @@ TEST(URLExtensions, CommonFoldersOfMixedSetsAndVolumes) {
 }
 
 TEST(URLExtensions, SystemPathsPackagesDescendantsAndFileIdentity) {
-  EXPECT_TRUE(isSystemFileURL("/Users/ann/Library/Preferences/x.plist"));
-  EXPECT_FALSE(isSystemFileURL("/Users/ann/Library/Mobile Documents/photos"));
-  EXPECT_FALSE(isSystemFileURL("/Users/ann/Library/CloudStorage/Drive/a.jpg"));
-  EXPECT_TRUE(isSystemFileURL("/Volumes/X/Users/y/Library"));
-  EXPECT_TRUE(isSystemFileURL("/usr/share/backgrounds/a.jpg"));
-  EXPECT_TRUE(isSystemFileURL("/home"));
-  EXPECT_FALSE(isSystemFileURL("/homework/a.jpg"));  // the whole component, not a prefix of it
-  EXPECT_FALSE(isSystemFileURL("/Users/ann/Pictures/a.jpg"));
-  EXPECT_FALSE(isSystemFileURL("relative/usr/a.jpg"));
+  // The system tree, at any depth and the folders themselves; "/usrx" only shares a prefix.
+  for (const char* system : {"/usr", "/usr/", "/usr/share/backgrounds/a.jpg", "/etc/passwd", "/proc/self/status",
+                             "/sys", "/dev/sda1", "/boot/grub", "/run/lock", "/var/lib/x", "/var/log/syslog",
+                             "/bin/sh", "/sbin", "/lib64/ld.so", "/lib/x86_64-linux-gnu", "/opt/app/icon.png",
+                             "/snap/core", "/home/../etc/hosts", "//usr/lib", "/run/user/1000/bus"})
+    EXPECT_TRUE(isSystemFileURL(system)) << system;
+  // Users' own files: homes, temporary and mounted folders, and the places inside the system tree
+  // where users' files appear (removable media, network shares, files the portal handed over).
+  for (const char* own : {"/home", "/home/ann", "/home/ann/Pictures/a.jpg", "/home/ann/.hidden-album/a.jpg",
+                          "/root/photo.jpg", "/tmp", "/tmp/a.jpg", "/var/tmp/a.jpg", "/media/ann/CARD/DCIM",
+                          "/mnt/nas/a.jpg", "/srv/photos", "/run/media/ann/CARD/a.jpg", "/run/user/1000/gvfs/smb-share:server=nas/a.jpg",
+                          "/run/user/1000/doc/3f2a/a.jpg", "/run/flatpak/doc/3f2a/a.jpg", "/var/home/ann/Pictures",
+                          "/usrx", "/usrx/lib", "/homework/a.jpg", "/data/photos", "/", "/usr/../home/ann/a.jpg"})
+    EXPECT_FALSE(isSystemFileURL(own)) << own;
+  // The programs' own folders in a home are its library, the counterpart of a user library.
+  for (const char* library : {"/home/ann/.config/app/settings.json", "/home/ann/.cache/thumbnails/normal/x.png",
+                              "/home/ann/.local/share/Trash/files/a.jpg", "/home/ann/.var/app/org.x/data",
+                              "/root/.cache", "/var/home/ann/.config"})
+    EXPECT_TRUE(isSystemFileURL(library)) << library;
+  // Not judged: relative and empty paths.
+  for (const char* relative : {"usr/lib", "relative/usr/a.jpg", "./etc", ""}) EXPECT_FALSE(isSystemFileURL(relative)) << relative;
 
   EXPECT_TRUE(isSecurityScopedURL("file:///a/b?applesecurityscope=3f"));
   EXPECT_FALSE(isSecurityScopedURL("file:///a/applesecurityscope"));

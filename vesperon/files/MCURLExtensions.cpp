@@ -6,9 +6,12 @@
 #include <vesperon/files/MCDocumentPortal.h>
 #include <vesperon/files/MCFileIdentity.h>
 
+#include <glib.h>
+
+#include <algorithm>
 #include <cctype>
 #include <map>
-#include <regex>
+#include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -91,14 +94,62 @@ std::set<std::filesystem::path> commonForVolumeURLs(const std::vector<std::files
   return result;
 }
 
+namespace {
+
+// Whether the components begin with the pattern's; "*" stands for any one component.
+bool beginsWith(const std::vector<std::string>& parts, const std::vector<std::string_view>& pattern) {
+  if (parts.size() < pattern.size()) return false;
+  std::size_t i = 0;
+  for (std::string_view expected : pattern) {
+    if (expected != "*" && parts[i] != expected) return false;
+    ++i;
+  }
+  return true;
+}
+
+// Under a home folder, the hidden folders where programs keep their settings, caches and data.
+bool isUserLibrary(const std::vector<std::string>& parts, std::size_t homeDepth) {
+  static const std::set<std::string, std::less<>> library = {".cache", ".config", ".local", ".var"};
+  return parts.size() > homeDepth && library.count(parts[homeDepth]);
+}
+
+std::vector<std::string> componentsOf(const std::filesystem::path& absolute) {
+  std::vector<std::string> parts;
+  for (const auto& part : absolute.lexically_normal().relative_path())
+    if (!part.empty() && part != ".") parts.push_back(part.string());
+  return parts;
+}
+
+}  // namespace
+
 bool isSystemFileURL(const std::filesystem::path& url) {
-  static const std::regex system(
-      R"(^\/(Volumes\/[^\/]*\/)?Users\/[^\/]*\/Library(\/.*)?$|^\/(bin|cores|dev|etc|home|net|private|sbin|tmp|usr|var|Applications|Library|Network|System)(\/.*)?$)");
-  static const std::regex synced(
-      R"(^\/(Volumes\/[^\/]*\/)?Users\/[^\/]*\/Library\/Mobile Documents(\/.*)?$|^\/(Volumes\/[^\/]*\/)?Users\/[^\/]*\/Library\/CloudStorage(\/.*)?$|^\/(Volumes\/[^\/]*\/)?Users\/[^\/]*\/Library\/Containers\/com.wdc.WDDesktop.WDDesktopFinderSync(\/.*)?$)");
   if (url.empty() || !url.is_absolute()) return false;
-  const std::string path = url.string();
-  return std::regex_match(path, system) && !std::regex_match(path, synced);
+  const std::vector<std::string> parts = componentsOf(url);
+  if (parts.empty()) return false;
+
+  // Home folders: the user's own files, but for the programs' hidden folders in them.
+  if (beginsWith(parts, {"home", "*"}) || beginsWith(parts, {"var", "home", "*"}))
+    return isUserLibrary(parts, parts[0] == "var" ? 3 : 2);
+  if (beginsWith(parts, {"root"}) || beginsWith(parts, {"var", "roothome"}))
+    return isUserLibrary(parts, parts[0] == "var" ? 2 : 1);
+  if (const char* home = g_get_home_dir(); home && *home == '/') {
+    const std::vector<std::string> homeParts = componentsOf(home);
+    if (!homeParts.empty() && parts.size() >= homeParts.size() &&
+        std::equal(homeParts.begin(), homeParts.end(), parts.begin()) && isUserLibrary(parts, homeParts.size()))
+      return true;
+  }
+
+  static const std::set<std::string, std::less<>> systemTree = {"bin",  "boot", "dev", "etc",  "lib", "lib32",
+                                                                "lib64", "libx32", "opt", "proc", "run", "sbin",
+                                                                "snap", "sys",  "usr", "var"};
+  if (!systemTree.count(parts[0])) return false;
+  // Users' own files inside the system tree.
+  static const std::vector<std::vector<std::string_view>> usersOwn = {
+      {"var", "tmp"},  {"var", "home"}, {"var", "mnt"}, {"run", "media"}, {"run", "user", "*", "gvfs"},
+      {"run", "user", "*", "doc"}, {"run", "flatpak", "doc"}};
+  for (const auto& pattern : usersOwn)
+    if (beginsWith(parts, pattern)) return false;
+  return true;
 }
 
 bool isInPackageItemAtURL(const std::filesystem::path& url) {

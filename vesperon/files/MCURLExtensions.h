@@ -40,8 +40,22 @@ std::optional<std::filesystem::path> commonURLForURLs(const std::vector<std::fil
 /// logged and skipped.
 std::set<std::filesystem::path> commonForVolumeURLs(const std::vector<std::filesystem::path>& urls);
 
-/// Whether the path lies in the system tree or a user's library, but not in a cloud-synced folder
-/// of that library (the two expressions below, each matching the whole path).
+/// Whether the path belongs to the system rather than to a user's own files. Judged on the path's
+/// text made normal ("/home/../etc" is "/etc"), following no links; a relative or empty path is
+/// not judged and gives false. A path is a system path when it is one of these folders, or lies
+/// at any depth under one:
+///  - the system tree of the Filesystem Hierarchy Standard: /bin, /boot, /dev, /etc, /lib, /lib32,
+///    /lib64, /libx32, /opt, /proc, /run, /sbin, /snap, /sys, /usr, /var;
+///  - a user's own settings, caches and program data, the counterpart of a user library: the
+///    folders .cache, .config, .local and .var of a home folder (/home/<user>, /var/home/<user>,
+///    /root, /var/roothome, and $HOME wherever it is).
+/// Except where users' own files are kept inside that tree, which are not system paths:
+/// /var/tmp; the home and mount folders of image-based systems (/var/home, /var/roothome, /var/mnt,
+/// the home folders' other contents); removable media mounted under /run/media; network and cloud
+/// shares under /run/user/<uid>/gvfs; files handed over by the document portal under
+/// /run/user/<uid>/doc and /run/flatpak/doc.
+/// Everything else is not a system path: /home and the files in it, /root, /tmp, /media, /mnt, /srv,
+/// the root folder "/" itself, and top folders of the machine's own ("/data", "/usrx").
 bool isSystemFileURL(const std::filesystem::path& url);
 
 /// Whether the path or one of its parent folders is a package: a folder that file managers of the
