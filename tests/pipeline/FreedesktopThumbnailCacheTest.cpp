@@ -7,11 +7,15 @@
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pixels/MCPNGChunks.h>
 
+#include <fcntl.h>
 #include <glib.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <utime.h>
 
+#include <chrono>
 #include <fstream>
+#include <future>
 #include <iterator>
 
 namespace fs = std::filesystem;
@@ -120,6 +124,69 @@ TEST(FreedesktopThumbnailCache, EntriesAreNamedAndCheckedAsTheStandardSays) {
   // A damaged entry is no entry.
   std::ofstream(entry, std::ios::binary | std::ios::trunc) << "\x89PNG\r\n\x1a\n broken";
   EXPECT_FALSE(cache.thumbnailForFile(photo, 256));
+}
+
+TEST(FreedesktopThumbnailCache, TextAfterTheImageDataCountsAndOnlyRegularFilesAreRead) {
+  PipelineTestFolder folder("shared-layouts");
+  const fs::path photo = folder.jpeg("photo.jpg", 64, 48, kRed);
+  setModificationTime(photo, 1700000000);
+  MCFreedesktopThumbnailCache cache(folder.path() / "thumbnails");
+  const std::string uri = MCFreedesktopThumbnailCache::uriOfFile(photo);
+  const fs::path entry = folder.path() / "thumbnails" / "normal" / (md5(uri) + ".png");
+  ASSERT_TRUE(cache.writeThumbnailForFile(photo, solid(100, 75, kBlue)));
+
+  // The entry laid out as ImageMagick writes it: the text chunks between the last IDAT and IEND.
+  std::ifstream in(entry, std::ios::binary);
+  const MCData bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  in.close();
+  auto chunks = mc_detail::MCPNGChunks(bytes.data(), bytes.size());
+  ASSERT_TRUE(chunks);
+  MCData texts, images, end;
+  MCData moved(bytes.begin(), bytes.begin() + 8);
+  for (const auto& chunk : *chunks) {
+    MCData& to = chunk.type == "tEXt" ? texts : chunk.type == "IEND" ? end : moved;
+    to.insert(to.end(), bytes.begin() + std::ptrdiff_t(chunk.offset),
+              bytes.begin() + std::ptrdiff_t(chunk.offset + chunk.wholeSize()));
+  }
+  ASSERT_FALSE(texts.empty());
+  moved.insert(moved.end(), texts.begin(), texts.end());
+  moved.insert(moved.end(), end.begin(), end.end());
+  std::ofstream(entry, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(moved.data()),
+                                                                  std::streamsize(moved.size()));
+  auto reordered = mc_detail::MCPNGChunks(moved.data(), moved.size());
+  ASSERT_TRUE(reordered);
+  std::vector<std::string> order;
+  for (const auto& chunk : *reordered) order.push_back(chunk.type);
+  ASSERT_LT(std::find(order.begin(), order.end(), "IDAT"), std::find(order.begin(), order.end(), "tEXt"));
+  EXPECT_TRUE(centreIs(cache.thumbnailForFile(photo, 128), kBlue)) << "the entry with its text after the image";
+  // Still checked: the same layout for a changed file is stale.
+  setModificationTime(photo, 1700000005);
+  EXPECT_FALSE(cache.thumbnailForFile(photo, 128));
+  setModificationTime(photo, 1700000000);
+
+  // A FIFO or a folder at the entry's name is no entry; the FIFO must not block the reader. Should
+  // it block, a writer is opened after a while to let the reader go, and the test fails.
+  fs::remove(entry);
+  ASSERT_EQ(::mkfifo(entry.c_str(), 0600), 0);
+  const fs::path failure = folder.path() / "thumbnails" / "fail" / MCFreedesktopThumbnailCache::kProgramName /
+                           (md5(uri) + ".png");
+  fs::create_directories(failure.parent_path());
+  ASSERT_EQ(::mkfifo(failure.c_str(), 0600), 0);
+  auto read = std::async(std::launch::async, [&] {
+    return std::make_pair(cache.thumbnailForFile(photo, 128) != nullptr, cache.hasFailedForFile(photo));
+  });
+  if (read.wait_for(std::chrono::seconds(5)) != std::future_status::ready) {
+    ADD_FAILURE() << "reading a FIFO in the shared cache blocked";
+    while (read.wait_for(std::chrono::milliseconds(100)) != std::future_status::ready)
+      for (const fs::path& fifo : {entry, failure}) {
+        const int fd = ::open(fifo.c_str(), O_WRONLY | O_NONBLOCK);
+        if (fd >= 0) ::close(fd);
+      }
+  }
+  EXPECT_EQ(read.get(), std::make_pair(false, false));
+  fs::remove(entry);
+  fs::create_directories(entry);
+  EXPECT_FALSE(cache.thumbnailForFile(photo, 128));
 }
 
 TEST(FreedesktopThumbnailCache, TheStrategyTakesASharedEntryBeforeDecoding) {

@@ -1,11 +1,14 @@
 // Files the commands read from outside the process, as another program or an attacker may leave
-// them: the settings that remember the folders `browse` opened. Each run of the program is
-// stopped after a minute, so a command that blocks fails the test instead of hanging it.
+// them: the settings that remember the folders `browse` opened, and the desktop's shared thumbnail
+// cache that `thumbs` looks in first. Each run of the program is stopped after a minute, so a
+// command that blocks fails the test instead of hanging it.
 
 #include <vesperon/files/MCSandboxHelper.h>
+#include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 
 #include <gtest/gtest.h>
 
+#include <glib.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -145,4 +148,27 @@ TEST(OutsideFiles, BrowseSaysWhyTheRememberedFolderCannotBeOpened) {
                                          " that remembers the folders opened before is not valid JSON; it was moved to " +
                                          aside.string()))
       << named.output;
+}
+
+TEST(OutsideFiles, ThumbsIsNotBlockedByAFIFOInTheSharedThumbnailCache) {
+  World world("thumbs-fifo");
+  const fs::path photos = world.root() / "photos";
+  fs::create_directories(photos);
+  const fs::path photo = photos / "boat.jpg";
+  fs::copy_file(fs::path(VESPERON_SAMPLES_DIR) / "boat.jpg", photo);
+  // Every entry the command may look at for this photo is a FIFO, failure record included.
+  gchar* md5 = g_compute_checksum_for_string(G_CHECKSUM_MD5, MCFreedesktopThumbnailCache::uriOfFile(photo).c_str(), -1);
+  const std::string name = std::string(md5) + ".png";
+  g_free(md5);
+  const fs::path thumbnails = world.root() / "cache" / "thumbnails";
+  for (const fs::path& folder : {fs::path("normal"), fs::path("large"), fs::path("x-large"), fs::path("xx-large"),
+                                fs::path("fail") / MCFreedesktopThumbnailCache::kProgramName}) {
+    fs::create_directories(thumbnails / folder);
+    ASSERT_EQ(::mkfifo((thumbnails / folder / name).c_str(), 0600), 0);
+  }
+  const fs::path out = world.root() / "out";
+  const Outcome outcome = world.vesperon("thumbs " + quoted(photos) + " --out " + quoted(out) + " --size 256");
+  EXPECT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_TRUE(contains(outcome.output, "1 files, 0 failures")) << outcome.output;
+  EXPECT_TRUE(fs::is_regular_file(out / "boat.jpg")) << outcome.output;
 }

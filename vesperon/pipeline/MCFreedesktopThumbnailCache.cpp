@@ -4,6 +4,7 @@
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/pixels/MCImageFiles.h>
 #include <vesperon/pixels/MCPNGChunks.h>
+#include <vesperon/platform/MCRegularFile.h>
 
 #include <cairo.h>
 #include <glib.h>
@@ -12,7 +13,6 @@
 
 #include <atomic>
 #include <fstream>
-#include <iterator>
 
 namespace {
 
@@ -28,11 +28,8 @@ std::optional<int64_t> modificationTime(const std::filesystem::path& file) {
   return int64_t(st.st_mtime);
 }
 
-std::optional<MCData> readFile(const std::filesystem::path& path) {
-  std::ifstream in(path, std::ios::binary);
-  if (!in) return std::nullopt;
-  return MCData((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-}
+// Entries are at most 1024 pixels a side; even stored without compression they stay below this.
+constexpr std::size_t kMaxEntrySize = 16 * 1024 * 1024;
 
 // The image as a PNG through Cairo, from the same premultiplied sRGB surface that drawing uses,
 // whatever the image's own layout.
@@ -84,22 +81,20 @@ std::filesystem::path MCFreedesktopThumbnailCache::entryPath(const std::string& 
   return path;
 }
 
-bool MCFreedesktopThumbnailCache::isValidEntry(const std::filesystem::path& entry, const std::string& uri,
-                                               int64_t mtime) const {
-  // The text chunks come before the image data; a few kilobytes hold them.
-  std::ifstream in(entry, std::ios::binary);
-  if (!in) return false;
-  MCData head(64 * 1024);
-  in.read(reinterpret_cast<char*>(head.data()), std::streamsize(head.size()));
-  head.resize(std::size_t(in.gcount()));
-  auto chunks = mc_detail::MCPNGChunks(head.data(), head.size(), "IDAT");
-  if (!chunks) return false;
+std::optional<MCData> MCFreedesktopThumbnailCache::readValidEntry(const std::filesystem::path& entry,
+                                                                 const std::string& uri, int64_t mtime) const {
+  MCRegularFile::Result file = MCRegularFile::read(entry, kMaxEntrySize);
+  if (!file) return std::nullopt;
+  // Every chunk up to IEND: writers put the text chunks before or after the image data.
+  auto chunks = mc_detail::MCPNGChunks(file.bytes.data(), file.bytes.size());
+  if (!chunks) return std::nullopt;
   bool uriMatches = false, timeMatches = false;
   for (const auto& [key, value] : mc_detail::MCPNGTextEntries(*chunks)) {
     if (key == "Thumb::URI") uriMatches = value == uri;
     if (key == "Thumb::MTime") timeMatches = value == std::to_string(mtime);
   }
-  return uriMatches && timeMatches;
+  if (!uriMatches || !timeMatches) return std::nullopt;
+  return std::move(file.bytes);
 }
 
 MCRasterImageRef MCFreedesktopThumbnailCache::thumbnailForFile(const std::filesystem::path& file, uint64_t pixelSize) const {
@@ -109,9 +104,7 @@ MCRasterImageRef MCFreedesktopThumbnailCache::thumbnailForFile(const std::filesy
   const std::string uri = uriOfFile(file);
   for (const Folder& folder : kFolders) {
     if (folder.size < pixelSize) continue;
-    const std::filesystem::path entry = entryPath(folder.name, uri);
-    if (!isValidEntry(entry, uri, *mtime)) continue;
-    auto bytes = readFile(entry);
+    auto bytes = readValidEntry(entryPath(folder.name, uri), uri, *mtime);
     if (!bytes) continue;
     auto image = MCCreateImageWithData(&*bytes);
     if (!image) continue;
@@ -125,7 +118,7 @@ MCRasterImageRef MCFreedesktopThumbnailCache::thumbnailForFile(const std::filesy
 bool MCFreedesktopThumbnailCache::hasFailedForFile(const std::filesystem::path& file) const {
   const auto mtime = modificationTime(file);
   const std::string uri = uriOfFile(file);
-  return mtime && isValidEntry(entryPath(std::string("fail/") + kProgramName, uri), uri, *mtime);
+  return mtime && readValidEntry(entryPath(std::string("fail/") + kProgramName, uri), uri, *mtime);
 }
 
 bool MCFreedesktopThumbnailCache::write(const std::filesystem::path& entry, const std::filesystem::path& file,

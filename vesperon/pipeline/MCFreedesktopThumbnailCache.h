@@ -6,10 +6,14 @@
 // the like read and write the same files.
 //
 // An entry is valid for a file when its Thumb::URI is the file's URI and its Thumb::MTime the
-// file's modification time in whole seconds; anything else is stale and never used. Entries are
+// file's modification time in whole seconds, wherever their text chunks stand in the PNG (this
+// library writes them before the image data, ImageMagick after it); anything else is stale and
+// never used. The cache is shared with other programs, so only a regular file of at most 16 MiB is
+// read from it: a FIFO, device or folder at an entry's name is no entry, and never blocks a reader. Entries are
 // written to a temporary name in their folder and renamed into place (the folders 0700, the files
 // 0600, as the standard asks), so a reader never sees half a PNG. Safe from several threads.
 
+#include <vesperon/core/MCValue.h>
 #include <vesperon/platform/MCRasterImage.h>
 
 #include <filesystem>
@@ -46,7 +50,8 @@ class MCFreedesktopThumbnailCache {
 
  private:
   std::filesystem::path entryPath(const std::string& folder, const std::string& uri) const;
-  bool isValidEntry(const std::filesystem::path& entry, const std::string& uri, int64_t mtime) const;
+  /// The entry's bytes when it is a valid entry for the file of this URI and modification time.
+  std::optional<MCData> readValidEntry(const std::filesystem::path& entry, const std::string& uri, int64_t mtime) const;
   bool write(const std::filesystem::path& entry, const std::filesystem::path& file, const MCRasterImageRef& image) const;
 
   std::filesystem::path root_;
