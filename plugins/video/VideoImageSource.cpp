@@ -15,6 +15,7 @@ extern "C" {
 #include <libswscale/swscale.h>
 }
 
+#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <mutex>
@@ -351,27 +352,44 @@ std::string exifDate(const std::string& iso) {
   return fmt::format("{:04}:{:02}:{:02} {:02}:{:02}:{:02}", year, month, day, hour, minute, second);
 }
 
+// One signed decimal of an ISO 6709 point at `p` ("+48.8584", "-002.2945"): a sign, digits and
+// an optional fraction, read in no locale. None for anything else, "nan", "inf" and hexadecimal
+// included, which a plain strtod would take.
+std::optional<double> signedDecimal(const char*& p, const char* end) {
+  if (p == end || (*p != '+' && *p != '-')) return std::nullopt;
+  const bool negative = *p == '-';
+  const char* const digits = p + 1;
+  const char* q = digits;
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  while (q != end && isDigit(*q)) ++q;
+  if (q == digits) return std::nullopt;
+  if (q != end && *q == '.')
+    for (++q; q != end && isDigit(*q);) ++q;
+  double value = 0;
+  const auto [stop, error] = std::from_chars(digits, q, value);
+  if (error != std::errc() || stop != q || !std::isfinite(value)) return std::nullopt;
+  p = q;
+  return negative ? -value : value;
+}
+
 // An ISO 6709 point ("+48.8584+002.2945+035.000/" or without the altitude) as a {GPS} dictionary.
+// A latitude or longitude that is not a number within ±90 and ±180 is no location at all; an
+// altitude that is not a number is left out.
 std::optional<MCDictionary> gpsOf(const std::string& location) {
-  double values[3] = {};
-  int count = 0;
-  const char* p = location.c_str();
-  while (count < 3 && (*p == '+' || *p == '-')) {
-    char* end = nullptr;
-    values[count] = std::strtod(p, &end);
-    if (end == p) return std::nullopt;
-    ++count;
-    p = end;
-  }
-  if (count < 2 || std::fabs(values[0]) > 90 || std::fabs(values[1]) > 180) return std::nullopt;
+  const char* p = location.data();
+  const char* const end = p + location.size();
+  const auto latitude = signedDecimal(p, end);
+  const auto longitude = latitude ? signedDecimal(p, end) : std::nullopt;
+  if (!latitude || !longitude || std::fabs(*latitude) > 90 || std::fabs(*longitude) > 180) return std::nullopt;
+  const auto altitude = signedDecimal(p, end);
   MCDictionary gps;
-  gps[kCGImagePropertyGPSLatitude] = MCValue(std::fabs(values[0]));
-  gps[kCGImagePropertyGPSLatitudeRef] = MCValue(std::string(values[0] < 0 ? "S" : "N"));
-  gps[kCGImagePropertyGPSLongitude] = MCValue(std::fabs(values[1]));
-  gps[kCGImagePropertyGPSLongitudeRef] = MCValue(std::string(values[1] < 0 ? "W" : "E"));
-  if (count == 3) {
-    gps[kCGImagePropertyGPSAltitude] = MCValue(std::fabs(values[2]));
-    gps[kCGImagePropertyGPSAltitudeRef] = MCValue(int64_t(values[2] < 0 ? 1 : 0));
+  gps[kCGImagePropertyGPSLatitude] = MCValue(std::fabs(*latitude));
+  gps[kCGImagePropertyGPSLatitudeRef] = MCValue(std::string(*latitude < 0 ? "S" : "N"));
+  gps[kCGImagePropertyGPSLongitude] = MCValue(std::fabs(*longitude));
+  gps[kCGImagePropertyGPSLongitudeRef] = MCValue(std::string(*longitude < 0 ? "W" : "E"));
+  if (altitude) {
+    gps[kCGImagePropertyGPSAltitude] = MCValue(std::fabs(*altitude));
+    gps[kCGImagePropertyGPSAltitudeRef] = MCValue(int64_t(*altitude < 0 ? 1 : 0));
   }
   return gps;
 }

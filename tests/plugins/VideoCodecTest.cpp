@@ -6,6 +6,7 @@
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pixels/MCImageTypes.h>
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 
@@ -141,4 +142,45 @@ TEST(VideoCodec, BadClipsGiveNothingWithALogLineAndMemoryClipsNeedNoFile) {
   EXPECT_EQ(codec->imageSourceWithData(std::make_shared<const MCData>(MCData(100, 7)),
                                        *MCImageSourceOptions::create("public.mpeg-4")),
             nullptr);
+}
+
+// The clip's location text is rewritten in place (the same length, so the container stays whole):
+// only numbers within ±90 and ±180 make a {GPS}; "nan", infinities and hexadecimal are no location.
+TEST(VideoCodec, ALocationThatIsNotANumberInRangeIsNoLocation) {
+  std::ifstream file(fixture("quadrants-hevc.mov"), std::ios::binary);
+  const MCData original((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+  const std::string written = "-33.8568+151.2153/";
+  const auto at = std::search(original.begin(), original.end(), written.begin(), written.end());
+  ASSERT_NE(at, original.end());
+  auto codec = codecFor("com.apple.quicktime-movie");
+  ASSERT_TRUE(codec);
+  const auto propertiesWithLocation = [&](std::string location) {
+    location.resize(written.size(), ' ');
+    MCData bytes = original;
+    std::copy(location.begin(), location.end(), bytes.begin() + (at - original.begin()));
+    auto source = codec->imageSourceWithData(std::make_shared<const MCData>(std::move(bytes)),
+                                             *MCImageSourceOptions::create("com.apple.quicktime-movie"));
+    auto properties = source ? source->metadataWithOptions(std::nullopt) : std::nullopt;
+    return properties.value_or(MCDictionary{{"opened", MCValue(false)}});
+  };
+
+  const MCDictionary control = propertiesWithLocation("-33.8568+151.2153/");
+  ASSERT_NE(MCDictionaryGet(control, kCGImagePropertyGPSDictionary), nullptr) << "the clip's own location";
+  for (const char* location : {"+nan+nan/", "+NAN-nan/", "+inf-inf/", "-33.8568+nan/", "+nan+151.2153/",
+                               "+infinity+0/", "+0x1p4+0x1p5/", "+91.0+151.2153/", "-33.8568+180.5/",
+                               "+1e1+2/", "33.8+151.2/", "+/"}) {
+    const MCDictionary properties = propertiesWithLocation(location);
+    EXPECT_EQ(MCDictionaryGet(properties, "opened"), nullptr) << location;
+    EXPECT_EQ(MCDictionaryGet(properties, kCGImagePropertyGPSDictionary), nullptr) << location;
+  }
+  // The edges of the ranges are places; an altitude that is not a number is left out alone.
+  const MCDictionary edge = propertiesWithLocation("-90+180+nan/");
+  const MCDictionary& gps = group(edge, kCGImagePropertyGPSDictionary);
+  EXPECT_EQ(number(gps, kCGImagePropertyGPSLatitude), 90);
+  EXPECT_EQ(text(gps, kCGImagePropertyGPSLatitudeRef), "S");
+  EXPECT_EQ(number(gps, kCGImagePropertyGPSLongitude), 180);
+  EXPECT_EQ(MCDictionaryGet(gps, kCGImagePropertyGPSAltitude), nullptr);
+  EXPECT_EQ(number(group(propertiesWithLocation("+10.5-020.25-12.5/"), kCGImagePropertyGPSDictionary),
+                   kCGImagePropertyGPSAltitude),
+            12.5);
 }
