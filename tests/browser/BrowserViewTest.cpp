@@ -177,3 +177,21 @@ TEST(BrowserView, ScrollToVisibleRectMovesTheLeastAndAlignsTallRectsAtTheBottom)
   v.scrollToVisibleRect(MCMakeRect(0, v.bounds().size.height - 5, 10, 50));  // held to the content
   EXPECT_EQ(f.scrollY(), v.bounds().size.height - 400);
 }
+
+TEST(BrowserView, IsItsLayoutsDelegateFromTheStart) {
+  auto view = std::make_shared<MCBrowserView>(MCMakeRect(0, 0, 300, 200));
+  std::shared_ptr<MCBrowserViewLayout> layout = view->contentLayout();
+  ASSERT_NE(layout->delegate(), nullptr);
+  EXPECT_EQ(layout->delegate().get(), static_cast<MCBrowserViewLayoutDelegate*>(view.get()));
+
+  // Before any sizing, the layout already measures through the view's cell at the view's scale.
+  view->setItemCell(std::make_shared<FixedCell>(false));
+  layout->layoutWithContentSize({600, 400});
+  EXPECT_EQ(layout->itemSize(), MCMakeSize(100, 100));
+
+  // A layout that outlives its view is left with no delegate, not a dangling one.
+  view.reset();
+  EXPECT_EQ(layout->delegate(), nullptr);
+  layout->layoutWithContentSize({600, 400});
+  EXPECT_EQ(layout->itemSize(), MCMakeSize(0, 0));
+}

@@ -8,23 +8,21 @@
 
 #include <cmath>
 
-MCBrowserView::MCBrowserView(MCRect frame) : MCView(frame) {
+MCBrowserView::MCBrowserView(MCRect frame)
+    // Nothing owns the view through this pointer: it only gives the layout a weak reference that
+    // is valid from the start, before anyone shares the view, and that expires with the view.
+    : MCView(frame), layoutDelegateAnchor_(this, [](MCBrowserView*) {}) {
   contentLayout_ = std::make_shared<MCBrowserViewLayout>();
   contentLayout_->setAlignment(1);
   contentLayout_->setMinHorizontalSpacing(12);
   contentLayout_->setMinVerticalSpacing(24);
+  contentLayout_->setDelegate(layoutDelegateAnchor_);
   registerCommands();
 }
 
 MCBrowserView::~MCBrowserView() {
   if (observedSuperview_) observedSuperview_->removeFrameObserver(superviewObserver_);
   if (MCPreviewPanel::sharedPreviewPanelExists()) MCPreviewPanel::sharedPreviewPanel()->controllerWillGoAway(this);
-}
-
-void MCBrowserView::ensureLayoutDelegate() {
-  // The layout holds its delegate weakly; the view can hand itself over only once it is shared.
-  if (contentLayout_ && !contentLayout_->delegate())
-    contentLayout_->setDelegate(std::static_pointer_cast<MCBrowserView>(shared_from_this()));
 }
 
 bool MCBrowserView::respondsTo(MCBrowserViewDelegateOperation operation) const {
@@ -75,7 +73,6 @@ void MCBrowserView::magnifyWithEvent(const MCEvent& event) {
 }
 
 void MCBrowserView::sizeToFit(bool holdScrollPosition) {
-  ensureLayoutDelegate();
   MCScrollView* scrollView = enclosingScrollView();
   const MCSize area = scrollView ? scrollView->contentSize() : (superview() ? superview()->bounds().size : bounds().size);
   contentLayout_->layoutWithContentSize(area);

@@ -51,6 +51,7 @@ class MCBrowserView : public MCView,
                       public MCPreviewPanelDataSource,
                       public MCPreviewPanelDelegate {
  public:
+  /// The new view is its layout's delegate from the start.
   explicit MCBrowserView(MCRect frame = {});
   ~MCBrowserView() override;
 
@@ -279,7 +280,6 @@ class MCBrowserView : public MCView,
 
  private:
   void registerCommands();
-  void ensureLayoutDelegate();
   bool respondsTo(MCBrowserViewDelegateOperation operation) const;
   bool setIndexes(MCIndexSet& set, const MCIndexSet* indexes, bool extend, bool notify);
   void exchangeSelections();
@@ -320,4 +320,6 @@ class MCBrowserView : public MCView,
 
   MCView* observedSuperview_ = nullptr;
   int superviewObserver_ = 0;
+  /// What the layout's weak delegate reference points through (see the constructor).
+  std::shared_ptr<MCBrowserView> layoutDelegateAnchor_;
 };
