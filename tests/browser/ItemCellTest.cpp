@@ -3,10 +3,15 @@
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/browser/MCBrowserViewItemPlainCell.h>
 #include <vesperon/drawing/MCBadge.h>
+#include <vesperon/platform/MCGraphicsContext.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -20,6 +25,40 @@ class FixedBadge : public MCBadge {
  private:
   MCSize size_;
 };
+
+/// Writes down each rectangle it is drawn in, and paints it.
+class RecordingBadge : public MCBadge {
+ public:
+  RecordingBadge(MCSize size, MCColor colour) : size_(size), colour_(colour) {}
+  MCSize contentSize() const override { return size_; }
+  void drawInRect(const MCRect& rect) override {
+    drawn.push_back(rect);
+    if (MCGraphicsContext* context = MCGraphicsContext::currentContext()) {
+      colour_.setFill(*context);
+      context->fillRect(rect);
+    }
+  }
+  std::vector<MCRect> drawn;
+
+ private:
+  MCSize size_;
+  MCColor colour_;
+};
+
+/// A plain cell that draws its own flags, state and source badges.
+class CustomBadgesCell : public MCBrowserViewItemPlainCell {
+ public:
+  std::vector<std::pair<std::string, MCRect>> calls;
+  void drawBadgeFlagsInRect(const MCRect& rect) override { calls.emplace_back("flags", rect); }
+  void drawBadgeStateInRect(const MCRect& rect) override { calls.emplace_back("state", rect); }
+  void drawBadgeMediaSourceInRect(const MCRect& rect) override { calls.emplace_back("source", rect); }
+};
+
+/// Red, green, blue and alpha (premultiplied) at a point of an image of scale 1.
+std::array<int, 4> pixelAt(const MCImage& image, MCPoint point) {
+  const uint8_t* p = image.CGImage()->row(std::size_t(point.y)) + std::size_t(point.x) * 4;
+  return {p[2], p[1], p[0], p[3]};
+}
 
 double textBand(const MCBrowserViewItemCardCell& cell) {
   return cell.titleInsets.top + MCBrowserViewItemCardCell::defaultTitleHeight() + cell.titleInsets.bottom +
@@ -154,4 +193,60 @@ TEST(PlainCell, TheBlockIsCentredAndOnlyTheImageHits) {
   EXPECT_EQ(cell.badgeLockedRectForContentRect(alone), cell.badgeMarkedRectForContentRect(alone));
   EXPECT_EQ(cell.badgeLockedRectForContentRect(alone).origin,
             MCMakePoint(MCMaxX(alone) - 14, MCMaxY(alone) - 13));
+}
+
+TEST(PlainCell, BadgesDrawThroughOperationsASubclassCanOverride) {
+  const MCRect frame = MCMakeRect(0, 0, 300, 300);
+  auto setUp = [](MCBrowserViewItemPlainCell& cell) {
+    cell.shouldShowTitle = cell.shouldShowSubtitle = false;
+    cell.imageSize = {3000, 2000};
+    cell.flagsBadge = std::make_shared<RecordingBadge>(MCSize{20, 10}, MCColor::greenColor());
+    cell.stateBadge = std::make_shared<RecordingBadge>(MCSize{16, 12}, MCColor::blueColor());
+    cell.mediaSourceBadge = MCImageWithSize({14, 14}, 1.0, [](MCGraphicsContext& context) {
+      MCColor::redColor().setFill(context);
+      context.fillRect(MCMakeRect(0, 0, 14, 14));
+    });
+  };
+  // The subclass is called, in the order of the drawing, with the rectangles placed from the image.
+  CustomBadgesCell custom;
+  setUp(custom);
+  const MCRect image = custom.imageRectForContentRect(custom.contentRectForCellFrame(frame));
+  ASSERT_FALSE(MCIsEmptyRect(image));
+  auto drawn = [&](MCBrowserViewItemPlainCell& cell) {
+    return MCImageWithSize(frame.size, 1.0, [&](MCGraphicsContext&) { cell.drawWithFrame(frame, nullptr); });
+  };
+  drawn(custom);
+  ASSERT_EQ(custom.calls.size(), 3u);
+  EXPECT_EQ(custom.calls[0], std::make_pair(std::string("flags"), custom.badgeFlagsRectForImageRect(image)));
+  EXPECT_EQ(custom.calls[1], std::make_pair(std::string("state"), custom.badgeStateRectForImageRect(image)));
+  EXPECT_EQ(custom.calls[2], std::make_pair(std::string("source"), custom.badgeMediaSourceRectForContentRect(image)));
+  EXPECT_EQ(custom.calls[2].second, MCMakeRect(image.origin.x, image.origin.y, 14, 14));
+  // The override replaces the drawing: the badges themselves were not drawn.
+  EXPECT_TRUE(std::static_pointer_cast<RecordingBadge>(custom.flagsBadge)->drawn.empty());
+  EXPECT_TRUE(std::static_pointer_cast<RecordingBadge>(custom.stateBadge)->drawn.empty());
+  // Hidden badges are not asked for.
+  custom.calls.clear();
+  custom.shouldShowBadgeFlags = custom.shouldShowBadgeScore = custom.shouldShowBadgeState = false;
+  custom.shouldShowBadgeSource = false;
+  drawn(custom);
+  EXPECT_TRUE(custom.calls.empty());
+
+  // The plain cell's own operations draw each badge in that same rectangle.
+  MCBrowserViewItemPlainCell plain;
+  setUp(plain);
+  const MCImageRef picture = drawn(plain);
+  ASSERT_NE(picture, nullptr);
+  const auto& flags = std::static_pointer_cast<RecordingBadge>(plain.flagsBadge)->drawn;
+  const auto& state = std::static_pointer_cast<RecordingBadge>(plain.stateBadge)->drawn;
+  EXPECT_EQ(flags, std::vector<MCRect>{plain.badgeFlagsRectForImageRect(image)});
+  EXPECT_EQ(state, std::vector<MCRect>{plain.badgeStateRectForImageRect(image)});
+  const MCRect source = plain.badgeMediaSourceRectForContentRect(image);
+  const std::array<int, 4> red = pixelAt(*picture, {MCMidX(source), MCMidY(source)});
+  EXPECT_GT(red[0], 200);
+  EXPECT_LT(red[1], 60);
+  EXPECT_EQ(red[3], 255);
+  const MCRect flagsRect = plain.badgeFlagsRectForImageRect(image);
+  const std::array<int, 4> green = pixelAt(*picture, {MCMidX(flagsRect), MCMidY(flagsRect)});
+  EXPECT_GT(green[1], 100);
+  EXPECT_LT(green[0], 60);
 }

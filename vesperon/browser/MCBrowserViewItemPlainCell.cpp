@@ -188,11 +188,23 @@ void MCBrowserViewItemPlainCell::drawContentInRect(const MCRect& content, MCView
 void MCBrowserViewItemPlainCell::drawImageWithBadgesInRect(const MCRect& r) {
   if (shouldDrawImagePlaceholder) drawImagePlaceholderInRect(r);
   else drawImageInRect(r);
-  if ((shouldShowBadgeFlags || shouldShowBadgeScore) && flagsBadge) flagsBadge->drawInRect(badgeFlagsRectForImageRect(r));
-  if (shouldShowBadgeState && stateBadge) stateBadge->drawInRect(badgeStateRectForImageRect(r));
+  if ((shouldShowBadgeFlags || shouldShowBadgeScore) && flagsBadge) drawBadgeFlagsInRect(badgeFlagsRectForImageRect(r));
+  if (shouldShowBadgeState && stateBadge) drawBadgeStateInRect(badgeStateRectForImageRect(r));
   if (shouldShowBadgeLocked && lockedBadge) lockedBadge->drawInRect(badgeLockedRectForContentRect(r));
   if (shouldShowBadgeMarked && markedBadge) markedBadge->drawInRect(badgeMarkedRectForContentRect(r));
-  if (shouldShowBadgeSource && mediaSourceBadge) MCImageDrawInRect(*mediaSourceBadge, badgeMediaSourceRectForContentRect(r));
+  if (shouldShowBadgeSource && mediaSourceBadge) drawBadgeMediaSourceInRect(badgeMediaSourceRectForContentRect(r));
+}
+
+void MCBrowserViewItemPlainCell::drawBadgeFlagsInRect(const MCRect& rect) {
+  if (flagsBadge) flagsBadge->drawInRect(rect);
+}
+
+void MCBrowserViewItemPlainCell::drawBadgeStateInRect(const MCRect& rect) {
+  if (stateBadge) stateBadge->drawInRect(rect);
+}
+
+void MCBrowserViewItemPlainCell::drawBadgeMediaSourceInRect(const MCRect& rect) {
+  if (mediaSourceBadge) MCImageDrawInRect(*mediaSourceBadge, rect);
 }
 
 void MCBrowserViewItemPlainCell::drawImageInRect(const MCRect& rect) {

@@ -79,12 +79,21 @@ class MCBrowserViewItemPlainCell : public MCBrowserViewCell {
   MCRect badgeMarkedRectForContentRect(const MCRect& image) const;
   MCRect badgeMediaSourceRectForContentRect(const MCRect& image) const;
 
-  // Drawing.
-  void drawImageWithBadgesInRect(const MCRect& rect);
-  void drawSelectionInRect(const MCRect& rect);
-  void drawTitleInRect(const MCRect& rect);
-  void drawSubtitleInRect(const MCRect& rect);
-  void drawImageInRect(const MCRect& rect);
-  void drawImagePlaceholderInRect(const MCRect& rect);
-  void drawContentInRect(const MCRect& content, MCView* view);
+  // Drawing. `drawWithFrame` runs through these, so a subclass changes one part of the picture by
+  // overriding its operation; each is given the rectangle worked out above.
+  virtual void drawContentInRect(const MCRect& content, MCView* view);
+  /// The image (or its placeholder), then the flags, state, locked, marked and source badges that
+  /// show and are set, each placed from the image's rectangle.
+  virtual void drawImageWithBadgesInRect(const MCRect& rect);
+  virtual void drawSelectionInRect(const MCRect& rect);
+  virtual void drawTitleInRect(const MCRect& rect);
+  virtual void drawSubtitleInRect(const MCRect& rect);
+  virtual void drawImageInRect(const MCRect& rect);
+  virtual void drawImagePlaceholderInRect(const MCRect& rect);
+  /// `flagsBadge` in `badgeFlagsRectForImageRect`.
+  virtual void drawBadgeFlagsInRect(const MCRect& rect);
+  /// `stateBadge` in `badgeStateRectForImageRect`.
+  virtual void drawBadgeStateInRect(const MCRect& rect);
+  /// `mediaSourceBadge` in `badgeMediaSourceRectForContentRect`.
+  virtual void drawBadgeMediaSourceInRect(const MCRect& rect);
 };
