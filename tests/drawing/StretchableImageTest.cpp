@@ -1,4 +1,5 @@
 // Nine-part images, the image operations under them, and rounded rectangles.
+#include <vesperon/drawing/MCLibraryImages.h>
 #include <vesperon/drawing/MCStretchableImage.h>
 
 #include <gtest/gtest.h>
@@ -74,4 +75,77 @@ TEST(StretchableImage, TintingKeepsAlphaAndRoundedRectanglesRound) {
   // A part cut from an image keeps its pixels.
   MCImageRef part = MCImageFromRect(*ninePatch(), MCMakeRect(10, 10, 10, 10));
   EXPECT_EQ(pixelAt(*part, 5, 5), 0xFF0000FFu);
+}
+
+TEST(StretchableImage, EachPieceIsAPropertyAndSettingOneShowsAtTheNextDrawing) {
+  auto image = MCStretchableImage::create(ninePatch(), {10, 10, 10, 10});
+  ASSERT_NE(image, nullptr);
+  // Each getter answers its own place in the source: corners red, edges green, centre blue.
+  const std::pair<const MCImageRef*, uint32_t> places[] = {
+      {&image->topLeftCorner(), 0xFFFF0000u},   {&image->topEdgeFill(), 0xFF00FF00u},
+      {&image->topRightCorner(), 0xFFFF0000u},  {&image->leftEdgeFill(), 0xFF00FF00u},
+      {&image->centerFill(), 0xFF0000FFu},      {&image->rightEdgeFill(), 0xFF00FF00u},
+      {&image->bottomLeftCorner(), 0xFFFF0000u}, {&image->bottomEdgeFill(), 0xFF00FF00u},
+      {&image->bottomRightCorner(), 0xFFFF0000u},
+  };
+  for (std::size_t i = 0; i < 9; ++i) {
+    ASSERT_NE(*places[i].first, nullptr) << i;
+    EXPECT_EQ(places[i].first->get(), image->pieces()[i].get()) << i;
+    EXPECT_EQ(pixelAt(**places[i].first, 5, 5), places[i].second) << i;
+  }
+
+  auto draw = [&] {
+    return MCImageWithSize({60, 40}, 1.0, [&](MCGraphicsContext&) {
+      image->drawInRect(MCMakeRect(0, 0, 60, 40), MCBlendMode::Normal, 1.0, true);
+    });
+  };
+  EXPECT_EQ(pixelAt(*draw(), 30, 20), 0xFF0000FFu);
+  auto white = MCImageWithSize({10, 10}, 1.0, [](MCGraphicsContext& context) {
+    MCColor::whiteColor().setFill(context);
+    context.fillRect(MCMakeRect(0, 0, 10, 10));
+  });
+  image->setCenterFill(white);
+  image->setBottomRightCorner(white);
+  EXPECT_EQ(image->centerFill(), white);
+  EXPECT_EQ(image->pieces()[8], white);
+  const MCImageRef after = draw();  // same size as before, composed anew
+  EXPECT_EQ(image->numberOfCompositions(), 2);
+  EXPECT_EQ(pixelAt(*after, 30, 20), 0xFFFFFFFFu);
+  EXPECT_EQ(pixelAt(*after, 55, 35), 0xFFFFFFFFu);
+  EXPECT_EQ(pixelAt(*after, 5, 35), 0xFFFF0000u);  // bottom left still red
+  // A piece set to none leaves its place clear.
+  image->setTopLeftCorner(nullptr);
+  EXPECT_EQ(pixelAt(*draw(), 5, 5) >> 24, 0u);
+  EXPECT_EQ(image->copy()->centerFill(), white);
+}
+
+TEST(StretchableImage, TheLibrarysOwnResourcesByName) {
+  const auto path = MCLibraryImagePath("badge-plate");
+  ASSERT_TRUE(path.has_value()) << "looked in " << MCLibraryImagesDirectory();
+  EXPECT_EQ(path->parent_path().filename(), "images");
+  EXPECT_EQ(path->parent_path().parent_path().filename(), "vesperon");
+
+  auto plate = MCStretchableImage::sdkImageNamed("badge-plate", {6, 6, 6, 6});
+  ASSERT_NE(plate, nullptr);
+  EXPECT_EQ(plate->size(), MCMakeSize(24, 24));
+  EXPECT_EQ(MCImagePointSize(*plate->topLeftCorner()), MCMakeSize(6, 6));
+  EXPECT_EQ(MCImagePointSize(*plate->centerFill()), MCMakeSize(12, 12));
+  // The plate is rounded: its very corner is clear, its centre is a translucent dark grey.
+  EXPECT_EQ(pixelAt(*plate->topLeftCorner(), 0, 0) >> 24, 0u);
+  const uint32_t centre = pixelAt(*plate->centerFill(), 6, 6);
+  EXPECT_NEAR(double(centre >> 24), 0.7 * 255, 2);
+  EXPECT_LT((centre >> 16) & 0xFF, 0x40u);
+
+  // Drawn larger, the corners keep their rounding and the middle stretches.
+  MCImageRef drawn = MCImageWithSize({80, 30}, 1.0, [&](MCGraphicsContext&) {
+    plate->drawInRect(MCMakeRect(0, 0, 80, 30), MCBlendMode::Normal, 1.0, true);
+  });
+  EXPECT_EQ(pixelAt(*drawn, 0, 0) >> 24, 0u);
+  EXPECT_EQ(pixelAt(*drawn, 79, 29) >> 24, 0u);
+  EXPECT_NEAR(double(pixelAt(*drawn, 40, 15) >> 24), 0.7 * 255, 2);
+
+  // No such resource, or a name that would leave the folder: none.
+  EXPECT_EQ(MCStretchableImage::sdkImageNamed("no-such-resource", {}), nullptr);
+  for (const char* name : {"", ".", "..", "../images/badge-plate", "/etc/passwd", "images/badge-plate"})
+    EXPECT_FALSE(MCLibraryImagePath(name).has_value()) << name;
 }

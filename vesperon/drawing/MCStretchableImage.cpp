@@ -1,5 +1,6 @@
 #include <vesperon/drawing/MCStretchableImage.h>
 
+#include <vesperon/drawing/MCLibraryImages.h>
 #include <vesperon/pixels/MCImageFiles.h>
 
 #include <algorithm>
@@ -24,6 +25,16 @@ std::shared_ptr<MCStretchableImage> MCStretchableImage::create(const MCImageRef&
 
 std::shared_ptr<MCStretchableImage> MCStretchableImage::imageNamed(const std::filesystem::path& file, MCEdgeInsets insets) {
   return create(MCImageSafeImageWithCGImage(MCCreateImageWithURL(file)), insets);
+}
+
+std::shared_ptr<MCStretchableImage> MCStretchableImage::sdkImageNamed(const std::string& name, MCEdgeInsets insets) {
+  return create(MCLibraryImageNamed(name), insets);
+}
+
+void MCStretchableImage::setPiece(std::size_t index, MCImageRef piece) {
+  pieces_[index] = std::move(piece);
+  cachedImage_ = nullptr;
+  cachedImageSize_ = {};
 }
 
 std::shared_ptr<MCStretchableImage> MCStretchableImage::copy() const {

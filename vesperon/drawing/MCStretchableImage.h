@@ -8,6 +8,7 @@
 
 #include <array>
 #include <filesystem>
+#include <string>
 
 class MCStretchableImage {
  public:
@@ -15,15 +16,36 @@ class MCStretchableImage {
   static std::shared_ptr<MCStretchableImage> create(const MCImageRef& image, MCEdgeInsets insets);
   /// From an image file (PNG, JPEG … through the codec plug-ins) at scale 1.
   static std::shared_ptr<MCStretchableImage> imageNamed(const std::filesystem::path& file, MCEdgeInsets insets);
+  /// From the library's own image resource of that name (see MCLibraryImages.h); none when the
+  /// library has no such resource.
+  static std::shared_ptr<MCStretchableImage> sdkImageNamed(const std::string& name, MCEdgeInsets insets);
 
   MCSize size() const { return size_; }
   const MCEdgeInsets& insets() const { return insets_; }
   /// The nine pieces in the order top left, top, top right, left, centre, right, bottom left,
   /// bottom, bottom right.
   const std::array<MCImageRef, 9>& pieces() const { return pieces_; }
+
+  // The pieces one by one. Setting one drops the composed image, so the next drawing shows it;
+  // a piece set to none leaves its place empty.
   const MCImageRef& topLeftCorner() const { return pieces_[0]; }
+  void setTopLeftCorner(MCImageRef piece) { setPiece(0, std::move(piece)); }
+  const MCImageRef& topEdgeFill() const { return pieces_[1]; }
+  void setTopEdgeFill(MCImageRef piece) { setPiece(1, std::move(piece)); }
+  const MCImageRef& topRightCorner() const { return pieces_[2]; }
+  void setTopRightCorner(MCImageRef piece) { setPiece(2, std::move(piece)); }
+  const MCImageRef& leftEdgeFill() const { return pieces_[3]; }
+  void setLeftEdgeFill(MCImageRef piece) { setPiece(3, std::move(piece)); }
   const MCImageRef& centerFill() const { return pieces_[4]; }
+  void setCenterFill(MCImageRef piece) { setPiece(4, std::move(piece)); }
+  const MCImageRef& rightEdgeFill() const { return pieces_[5]; }
+  void setRightEdgeFill(MCImageRef piece) { setPiece(5, std::move(piece)); }
+  const MCImageRef& bottomLeftCorner() const { return pieces_[6]; }
+  void setBottomLeftCorner(MCImageRef piece) { setPiece(6, std::move(piece)); }
+  const MCImageRef& bottomEdgeFill() const { return pieces_[7]; }
+  void setBottomEdgeFill(MCImageRef piece) { setPiece(7, std::move(piece)); }
   const MCImageRef& bottomRightCorner() const { return pieces_[8]; }
+  void setBottomRightCorner(MCImageRef piece) { setPiece(8, std::move(piece)); }
 
   /// Composes (or reuses) the image of the rectangle's size with the operation and fraction, and
   /// draws it over what is there.
@@ -44,6 +66,7 @@ class MCStretchableImage {
 
  private:
   MCStretchableImage() = default;
+  void setPiece(std::size_t index, MCImageRef piece);
   MCSize size_{};
   MCEdgeInsets insets_{};
   std::array<MCImageRef, 9> pieces_{};
