@@ -104,33 +104,96 @@ TEST(Badges, IconsAreTintedKeepingTheirShape) {
   EXPECT_NEAR(after.colour.redComponent(), 1.0, 0.02);
   EXPECT_NEAR(after.colour.blueComponent(), 0.0, 0.02);
   EXPECT_EQ(MCIconBadge(star, std::nullopt).tintedIcon(), star);
-  // A name the table does not know, or one without a close icon, gives none.
+  // A name the table does not know gives none.
   EXPECT_EQ(MCBadgeFactory::iconNamed("no.such.symbol", 16), nullptr);
-  EXPECT_EQ(MCBadgeFactory::iconNamed("sparkles", 16), nullptr);
+}
+
+TEST(Badges, EveryNamedBadgeAndTheScoreHaveAnIcon) {
+  if (!MCSymbolIconPath("star.fill")) GTEST_SKIP() << "adwaita-icon-theme is not installed";
+  using Maker = std::shared_ptr<MCDecoratedBadge> (*)();
+  struct Named {
+    Maker make;
+    const char* symbol;
+    double pointSize;
+  };
+  const Named named[] = {
+      {MCBadgeFactory::badgeLock, "lock.fill", 18},
+      {MCBadgeFactory::badgeTrash, "trash.fill", 16},
+      {MCBadgeFactory::badgeCloud, "icloud.fill", 16},
+      {MCBadgeFactory::badgeCloudMissing, "icloud.slash.fill", 16},
+      {MCBadgeFactory::badgeFlagged, "flag.fill", 16},
+      {MCBadgeFactory::badgeWarning, "exclamationmark.triangle.fill", 16},
+      {MCBadgeFactory::badgeFavorite, "heart.fill", 16},
+      {MCBadgeFactory::badgeHidden, "eye.slash.fill", 16},
+      {MCBadgeFactory::badgeReferenced, "arrowshape.turn.up.right.fill", 16},
+      {MCBadgeFactory::badgeVirtualCopy, "document.on.document.fill", 16},
+      {MCBadgeFactory::badgeRejected, "flag.slash.fill", 16},
+      {MCBadgeFactory::badgeHDR, "square.stack.3d.up.fill", 16},
+      {MCBadgeFactory::badgeLive, "livephoto.play", 16},
+      {MCBadgeFactory::badgePanorama, "pano.fill", 16},
+      {MCBadgeFactory::badgePortrait, "cube.fill", 16},
+      {MCBadgeFactory::badgeScreenshot, "iphone", 16},
+      {MCBadgeFactory::badgeSlowMotion, "slowmo", 16},
+      {MCBadgeFactory::badgeShared, "person.2.fill", 16},
+      {MCBadgeFactory::badgeTimeLapse, "timelapse", 16},
+      {MCBadgeFactory::badgeVideo, "video.fill", 16},
+  };
+  for (const Named& entry : named) {
+    SCOPED_TRACE(entry.symbol);
+    // The symbol is an icon file of the theme, or one of the two the library draws itself.
+    const std::string symbol = entry.symbol;
+    const auto path = MCSymbolIconPath(symbol);
+    if (symbol == "flag.slash.fill") EXPECT_FALSE(path.has_value());
+    else ASSERT_TRUE(path.has_value());
+    auto badge = entry.make();
+    ASSERT_NE(badge, nullptr);
+    ASSERT_TRUE(badge->shadow().has_value());
+    auto icon = std::static_pointer_cast<MCIconBadge>(badge->badge());
+    ASSERT_NE(icon->icon(), nullptr);
+    EXPECT_EQ(MCImagePointSize(*icon->icon()).height, entry.pointSize);
+    // The badge has no plate: whatever it shows is the icon (and its shadow). A good part of the
+    // icon's square is ink, in the badge's white.
+    const MCImageRef drawn = badge->cachedImage();
+    ASSERT_NE(drawn, nullptr);
+    const Ink plate = inkOf(*drawn);
+    const Ink glyph = inkOf(*icon->icon());
+    const MCRasterImage& iconPixels = *icon->icon()->CGImage();
+    const MCRasterImage& platePixels = *drawn->CGImage();
+    EXPECT_GT(glyph.opaque, int(iconPixels.width() * iconPixels.height() / 8));
+    EXPECT_GT(plate.opaque, int(platePixels.width() * platePixels.height() / 8));
+    EXPECT_NEAR(plate.colour.redComponent(), 1.0, 0.02);
+    EXPECT_NEAR(plate.colour.blueComponent(), 1.0, 0.02);
+  }
+  // Each icon is its own: no two named badges share a picture.
+  for (std::size_t i = 0; i < std::size(named); ++i)
+    for (std::size_t j = i + 1; j < std::size(named); ++j)
+      EXPECT_NE(MCSymbolIconPath(named[i].symbol).value_or(named[i].symbol),
+                MCSymbolIconPath(named[j].symbol).value_or(named[j].symbol))
+          << named[i].symbol << " and " << named[j].symbol;
+
+  // The rejected flag is the flag struck through: it differs from the plain flag along the stroke
+  // and keeps the same pixels away from it.
+  const MCRasterImage& flag = *MCBadgeFactory::iconNamed("flag.fill", 16)->CGImage();
+  const MCRasterImage& rejected = *MCBadgeFactory::iconNamed("flag.slash.fill", 16)->CGImage();
+  ASSERT_EQ(flag.width(), rejected.width());
+  int changed = 0;
+  for (std::size_t y = 0; y < flag.height(); ++y)
+    for (std::size_t x = 0; x < flag.width(); ++x)
+      if (flag.row(y)[x * 4 + 3] != rejected.row(y)[x * 4 + 3]) ++changed;
+  EXPECT_GT(changed, int(flag.width()));
+
+  // The score leads with the sparkles icon, then the score; no text fallback.
+  const MCImageRef sparkles = MCBadgeFactory::iconNamed("sparkles", 12);
+  ASSERT_NE(sparkles, nullptr);
+  EXPECT_GT(inkOf(*sparkles).opaque, 12 * 12);
+  auto score = MCBadgeFactory::badgeScore(3.14159);
+  const MCAttributedString& text = std::static_pointer_cast<MCTextBadge>(score->badge())->attributedString();
+  EXPECT_EQ(text.string().substr(text.string().size() - 4), "3.14");
+  EXPECT_EQ(text.string().find('*'), std::string::npos);
+  EXPECT_NE(text.attributesAtIndex(0).attachment, nullptr);
 }
 
 TEST(Badges, TheCatalogue) {
-  using Maker = std::shared_ptr<MCDecoratedBadge> (*)();
-  const Maker named[] = {
-      MCBadgeFactory::badgeLock,      MCBadgeFactory::badgeTrash,     MCBadgeFactory::badgeCloud,
-      MCBadgeFactory::badgeCloudMissing, MCBadgeFactory::badgeFlagged, MCBadgeFactory::badgeWarning,
-      MCBadgeFactory::badgeFavorite,  MCBadgeFactory::badgeHidden,    MCBadgeFactory::badgeReferenced,
-      MCBadgeFactory::badgeVirtualCopy, MCBadgeFactory::badgeRejected, MCBadgeFactory::badgeHDR,
-      MCBadgeFactory::badgeLive,      MCBadgeFactory::badgePanorama,  MCBadgeFactory::badgePortrait,
-      MCBadgeFactory::badgeScreenshot, MCBadgeFactory::badgeSlowMotion, MCBadgeFactory::badgeShared,
-      MCBadgeFactory::badgeTimeLapse, MCBadgeFactory::badgeVideo,
-  };
-  for (Maker make : named) {
-    auto badge = make();
-    ASSERT_NE(badge, nullptr);
-    ASSERT_TRUE(badge->shadow().has_value());
-    badge->cachedImage();  // draws, with or without an icon
-  }
-  if (MCSymbolIconPath("lock.fill")) {
-    EXPECT_GT(MCBadgeFactory::badgeLock()->contentSize().width, 10);
-  }
-  EXPECT_EQ(MCBadgeFactory::badgeHDR()->contentSize(), MCMakeSize(0, 0));
-
   // Plates: the minimum size holds; the icon is white 0.94.
   auto plate = MCBadgeFactory::badgeLockWithBackgroundColor(MCColor::blueColor());
   EXPECT_GE(plate->size().width, 32);
@@ -158,7 +221,6 @@ TEST(Badges, TheCatalogue) {
   auto compact = MCBadgeFactory::badgeStarsWithCount(4, true);
   EXPECT_EQ(std::static_pointer_cast<MCTextBadge>(compact->badge())->attributedString().string().substr(0, 1), "4");
   auto score = MCBadgeFactory::badgeScore(3.14159);
-  EXPECT_EQ(std::static_pointer_cast<MCTextBadge>(score->badge())->attributedString().string(), "* 3.14");
   EXPECT_EQ(score->cornerRadius(), 4);
   EXPECT_GT(score->size().width, 20);
 }

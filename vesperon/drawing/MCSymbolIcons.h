@@ -21,18 +21,26 @@
 //   video.fill                      camera-video              a video camera
 //   star.fill                       starred                   same meaning
 //   location.fill                   mark-location             same meaning
-//   flag.slash.fill, square.stack.3d.up.fill, pano.fill, cube.fill, slowmo, sparkles
-//                                   none: no icon of the theme comes close, so these give none
-//                                   (the score badge then shows "* %.2f").
+//   square.stack.3d.up.fill         view-paged                stacked sheets, as bracketed exposures
+//   pano.fill                       preferences-desktop-wallpaper   a wide landscape picture
+//   cube.fill                       insert-object             a cube
+//   slowmo                          power-profile-power-saver a gauge at its low end: slow
+//
+// Two symbols have no icon of the theme that comes close, and are drawn here with Cairo in the
+// theme's symbolic style (one ink colour, which a tint replaces):
+//   flag.slash.fill                 the flag of flag.fill, struck through, with a gap cut either
+//                                   side of the stroke
+//   sparkles                        a large four-pointed star and two small ones
 
 #include <vesperon/drawing/MCImageExtensions.h>
 
 #include <optional>
 #include <string>
 
-/// The icon file for a symbol name, or none when the table has no icon for it or the theme is not
-/// installed.
+/// The icon file for a symbol name, or none when the table has no icon for it (a drawn symbol has
+/// none of its own) or the theme is not installed.
 std::optional<std::string> MCSymbolIconPath(const std::string& symbolName);
-/// The symbol drawn `pointSize` points high (width in proportion); none as above, or when the SVG
-/// cannot be read. Results are kept per name and size.
+/// The symbol drawn `pointSize` points high (width in proportion); none for a name neither the
+/// table nor the drawn symbols know, when the theme is not installed (for an icon, or the icon a
+/// drawn symbol starts from), or when the SVG cannot be read. Results are kept per name and size.
 MCImageRef MCSymbolImage(const std::string& symbolName, double pointSize);
