@@ -3,6 +3,7 @@
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/controls/MCHistogramView.h>
 #include <vesperon/controls/MCToolbarItemControl.h>
+#include <vesperon/toolkit/MCMenu.h>
 #include <vesperon/toolkit/MCOffscreenHost.h>
 
 #include <gtest/gtest.h>
@@ -183,4 +184,68 @@ TEST(ColorLabels, MapperControlAndTheFileLabel) {
   EXPECT_FALSE(MCColorLabelMapper::setLabelOfFile(folder / "broken.jpg", 3));
   EXPECT_EQ(MCColorLabelMapper::labelOfFile(folder / "broken.jpg"), 0);
   std::filesystem::remove_all(folder);
+}
+
+TEST(ColorLabels, PickedFromAMenuTheColourEndsTheMenusTracking) {
+  auto window = MCWindow::create({300, 200});
+  MCOffscreenHost host(window);
+  auto control = std::make_shared<MCColorLabelControl>();
+  long picked = -1;
+  int chosenThroughTheMenu = 0;
+  control->action = [&](MCColorLabelControl& c) { picked = c.tag(); };
+  MCMenu menu;
+  menu.addItem(MCMenuItem("Open", "open:"));
+  MCMenuItem labels;
+  labels.view = control;
+  menu.addItem(labels);
+
+  ASSERT_TRUE(window->popUpContextMenu(menu, {20, 20}, window->contentView().get(),
+                                       [&](const MCMenuItem&) { ++chosenThroughTheMenu; }));
+  const MCMenu* shown = host.contextMenu();
+  ASSERT_NE(shown, nullptr);
+  EXPECT_TRUE(shown->isTracking());
+  EXPECT_FALSE(menu.isTracking());  // the program's menu is the model; the host tracks its own copy
+  // The control and its dots know the menu they are in; the control shows in a window of its own.
+  EXPECT_EQ(control->enclosingMenu(), shown);
+  EXPECT_EQ(control->labelItemControls()[0]->enclosingMenu(), shown);
+  MCOffscreenHost* itemHost = host.contextMenuViewHost(*control);
+  ASSERT_NE(itemHost, nullptr);
+  ASSERT_NE(control->window(), nullptr);
+  EXPECT_NE(control->window(), window.get());
+  EXPECT_EQ(control->window()->contentSize(), control->frame().size);
+
+  // The pointer over a dot names it, as outside a menu; a click picks it and the menu closes.
+  const auto& green = control->labelItemControls()[3];
+  const MCPoint over = control->convertPointToView({MCMidX(green->frame()), MCMidY(green->frame())}, nullptr);
+  itemHost->mouseMoved(over);
+  itemHost->run();
+  EXPECT_EQ(control->labelText(), "Set color label to Green");
+  EXPECT_NE(host.contextMenu(), nullptr);
+  itemHost->click(over);
+  itemHost->run();
+  EXPECT_EQ(picked, 4);
+  EXPECT_EQ(host.contextMenu(), nullptr);
+  EXPECT_EQ(host.contextMenuViewHost(*control), nullptr);
+  EXPECT_EQ(control->enclosingMenu(), nullptr);
+  EXPECT_FALSE(host.chooseContextMenuItem("Open"));  // nothing more comes out of the closed menu
+  EXPECT_EQ(chosenThroughTheMenu, 0);
+
+  // Shown again, the menu closes through its other items as before, and the control, out of any
+  // menu, picks without closing anything.
+  ASSERT_TRUE(window->popUpContextMenu(menu, {20, 20}, window->contentView().get(),
+                                       [&](const MCMenuItem&) { ++chosenThroughTheMenu; }));
+  EXPECT_EQ(control->enclosingMenu(), host.contextMenu());
+  EXPECT_TRUE(host.chooseContextMenuItem("Open"));
+  EXPECT_EQ(chosenThroughTheMenu, 1);
+  EXPECT_EQ(control->enclosingMenu(), nullptr);
+  control->chooseItem(*control->labelItemControls()[1]);
+  EXPECT_EQ(picked, 2);
+
+  // Another menu takes the view out of the old menu's window; a menu without it leaves it out.
+  MCMenu plain;
+  plain.addItem(MCMenuItem("Open", "open:"));
+  ASSERT_TRUE(window->popUpContextMenu(plain, {20, 20}, window->contentView().get()));
+  EXPECT_EQ(control->window(), nullptr);
+  EXPECT_EQ(control->superview(), nullptr);
+  EXPECT_EQ(control->enclosingMenu(), nullptr);
 }

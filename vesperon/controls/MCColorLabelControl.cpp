@@ -5,6 +5,7 @@
 #include <vesperon/drawing/MCBadgeFactory.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCAttributedString.h>
+#include <vesperon/toolkit/MCMenu.h>
 
 namespace {
 MCAttributedString lineOf(const std::string& text) {
@@ -108,6 +109,8 @@ void MCColorLabelControl::chooseItem(const MCColorLabelItemControl& item) {
   tag_ = item.tag();
   command_ = item.isClearItem() ? 1 : 0;
   if (action) action(*this);
+  // Picked from a menu: the menu has done its job and closes.
+  if (MCMenu* menu = enclosingMenu()) menu->cancelTracking();
 }
 
 void MCColorLabelControl::drawRect(const MCRect&) {

@@ -3,7 +3,8 @@
 // colour label (1 to 7) or clears it (the last item, tag 0). The line under the dots names the
 // label under the pointer ("color_label_set_to_format" with its name, "color_label_clear_all"),
 // or, with none, "color_label_color_label". Choosing an item sets `tag` to its label and
-// `command` to 1 for the clear item, 0 otherwise, then sends the action.
+// `command` to 1 for the clear item, 0 otherwise, then sends the action; when the control is a
+// menu item's view (MCMenuItem::view), it then ends the menu's tracking, so the menu closes.
 
 #include <vesperon/controls/MCColorLabelItemControl.h>
 

@@ -1,5 +1,7 @@
 #include <vesperon/toolkit/MCMenu.h>
 
+#include <vesperon/toolkit/MCView.h>
+
 #include <algorithm>
 
 bool MCMenu::removeItemWithTag(long tag) {
@@ -13,4 +15,19 @@ bool MCMenu::removeAllItemsWithTag(long tag) {
   const auto before = items_.size();
   std::erase_if(items_, [&](const MCMenuItem& item) { return item.tag == tag; });
   return items_.size() != before;
+}
+
+void MCMenu::cancelTracking() {
+  if (!cancelTracking_) return;
+  // The host's canceller may clear itself (and with it this function) as the menu closes.
+  const std::function<void()> cancel = cancelTracking_;
+  cancelTracking_ = nullptr;
+  cancel();
+}
+
+void MCMenu::setEnclosingMenuOfItemViews(MCMenu* menu) const {
+  for (const MCMenuItem& item : items_) {
+    if (item.view) item.view->setEnclosingMenu(menu);
+    if (item.submenu) item.submenu->setEnclosingMenuOfItemViews(menu);
+  }
 }

@@ -6,12 +6,18 @@
 // Items built by the library's own menus (MCMenu) may also carry a represented object (an
 // application id, a path …), an icon by icon-theme name, and a target: the responder the action
 // goes to, instead of the window's responder chain.
+//
+// An item may hold a view instead (a row of controls, as the colour labels): the host shows the
+// view in the menu in place of the title, in a small window of its own, and the view takes the
+// pointer and clicks itself — choosing happens inside it, not through `chosen`. While the menu is
+// open the view's `enclosingMenu` is that menu, so that the view can end its tracking.
 
 #include <memory>
 #include <string>
 
 class MCMenu;
 class MCResponder;
+class MCView;
 
 struct MCMenuItem {
   MCMenuItem(std::string title = {}, std::string action = {}, long tag = 0, bool enabled = true)
@@ -29,6 +35,8 @@ struct MCMenuItem {
   std::weak_ptr<MCResponder> target;
   /// The items shown beside this one when it is chosen, or none.
   std::shared_ptr<MCMenu> submenu;
+  /// Shown in place of the title, at its own frame size; none for a plain item.
+  std::shared_ptr<MCView> view;
 
   static MCMenuItem separatorItem() {
     MCMenuItem item;

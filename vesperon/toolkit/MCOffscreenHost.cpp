@@ -15,6 +15,8 @@ MCOffscreenHost::MCOffscreenHost(std::shared_ptr<MCWindow> window, double scale)
 }
 
 MCOffscreenHost::~MCOffscreenHost() {
+  closeContextMenu();
+  removeContextMenuViews();
   if (window_->host() == this) window_->setHost(nullptr);
 }
 
@@ -189,11 +191,50 @@ void MCOffscreenHost::endDraggingSession(uint64_t operation) {
 
 bool MCOffscreenHost::popUpContextMenu(const MCMenu& menu, MCPoint location,
                                        std::function<void(const MCMenuItem&)> chosen) {
+  closeContextMenu();
+  removeContextMenuViews();
   menu_ = menu;
   menuLocation_ = location;
   menuChosen_ = std::move(chosen);
   menuShown_ = true;
+  std::function<void(const MCMenu&)> placeViews = [&](const MCMenu& m) {
+    for (const MCMenuItem& item : m.items()) {
+      if (item.submenu) placeViews(*item.submenu);
+      if (!item.view) continue;
+      MenuViewWindow entry;
+      entry.view = item.view;
+      entry.window = MCWindow::create(item.view->frame().size);
+      item.view->setFrameOrigin({0, 0});
+      entry.window->contentView()->addSubview(item.view);
+      entry.host = std::make_unique<MCOffscreenHost>(entry.window, scale_);
+      menuViews_.push_back(std::move(entry));
+    }
+  };
+  placeViews(menu_);
+  menu_.setTrackingCanceller([this] { closeContextMenu(); });
+  menu_.setEnclosingMenuOfItemViews(&menu_);
   return true;
+}
+
+void MCOffscreenHost::closeContextMenu() {
+  if (!menuShown_) return;
+  menuShown_ = false;
+  menuChosen_ = nullptr;
+  menu_.setTrackingCanceller(nullptr);
+  menu_.setEnclosingMenuOfItemViews(nullptr);
+}
+
+void MCOffscreenHost::removeContextMenuViews() {
+  for (MenuViewWindow& entry : menuViews_)
+    if (entry.view->window() == entry.window.get()) entry.view->removeFromSuperview();
+  menuViews_.clear();
+}
+
+MCOffscreenHost* MCOffscreenHost::contextMenuViewHost(const MCView& view) const {
+  if (!menuShown_) return nullptr;
+  for (const MenuViewWindow& entry : menuViews_)
+    if (entry.view.get() == &view) return entry.host.get();
+  return nullptr;
 }
 
 namespace {
@@ -218,7 +259,7 @@ bool MCOffscreenHost::chooseContextMenuItem(const std::string& title) {
   if (!item) return false;
   const MCMenuItem picked = *item;
   auto chosen = std::move(menuChosen_);
-  menuShown_ = false;
+  closeContextMenu();
   if (chosen) chosen(picked);
   return true;
 }

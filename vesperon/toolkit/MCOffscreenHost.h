@@ -63,11 +63,16 @@ class MCOffscreenHost : public MCWindowHost {
   /// Ends the newest drag with `operation` at the pointer.
   void endDraggingSession(uint64_t operation);
 
-  // Context menus: the last one shown stays open until an item of it is chosen.
+  // Context menus: the last one shown stays open until an item of it is chosen, or its tracking
+  // is cancelled (MCMenu::cancelTracking).
   const MCMenu* contextMenu() const { return menuShown_ ? &menu_ : nullptr; }
   MCPoint contextMenuLocation() const { return menuLocation_; }
   /// Chooses the enabled item with this title (in the menu or its submenus); false when none.
   bool chooseContextMenuItem(const std::string& title);
+  /// While the menu is open, the host of the window that shows an item's view (the view at the
+  /// window's origin, the window its size), through which a test clicks the view; none for a view
+  /// of no item of the open menu.
+  MCOffscreenHost* contextMenuViewHost(const MCView& view) const;
 
   // MCWindowHost
   bool popUpContextMenu(const MCMenu& menu, MCPoint location, std::function<void(const MCMenuItem&)> chosen) override;
@@ -96,9 +101,22 @@ class MCOffscreenHost : public MCWindowHost {
   MCPoint lastScriptedMouse_{};
   bool haveInvalidated_ = false;
   MCRect invalidated_{};
+  /// Ends the open menu's tracking: nothing more can be chosen from it.
+  void closeContextMenu();
+  /// Takes the item views out of their windows and drops the windows and their hosts.
+  void removeContextMenuViews();
+
   std::vector<std::shared_ptr<MCDraggingSession>> sessions_;
   bool menuShown_ = false;
   MCMenu menu_;
+  struct MenuViewWindow {
+    std::shared_ptr<MCView> view;
+    std::shared_ptr<MCWindow> window;
+    std::unique_ptr<MCOffscreenHost> host;
+  };
+  // Kept until the next menu or the host's end, not dropped as the menu closes: the close may
+  // come from inside one of these windows' event dispatch.
+  std::vector<MenuViewWindow> menuViews_;
   MCPoint menuLocation_{};
   std::function<void(const MCMenuItem&)> menuChosen_;
 };

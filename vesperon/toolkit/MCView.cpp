@@ -94,6 +94,12 @@ void MCView::replaceSubview(const MCView* oldView, const std::shared_ptr<MCView>
   else addSubview(newView);
 }
 
+MCMenu* MCView::enclosingMenu() const {
+  for (const MCView* v = this; v; v = v->superview_)
+    if (v->enclosingMenu_) return v->enclosingMenu_;
+  return nullptr;
+}
+
 bool MCView::isDescendantOf(const MCView* view) const {
   for (const MCView* v = this; v; v = v->superview_)
     if (v == view) return true;

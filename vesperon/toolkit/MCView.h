@@ -37,6 +37,7 @@ class MCGraphicsContext;
 class MCDraggingSession;
 class MCDraggingSource;
 class MCLayer;
+class MCMenu;
 struct MCDraggingItem;
 struct MCDraggingInfo;
 
@@ -220,6 +221,13 @@ class MCView : public MCResponder {
   /// Whether `point` (view coordinates) lies in `rect`, as the platform's `mouse:inRect:`.
   bool mouseInRect(MCPoint point, const MCRect& rect) const { return MCMouseInRect(point, rect, isFlipped()); }
 
+  // Menus.
+  /// The menu this view is shown in — as a menu item's view, or inside one — while a host shows
+  /// that menu; none otherwise.
+  MCMenu* enclosingMenu() const;
+  /// For hosts (MCMenu::setEnclosingMenuOfItemViews): set on an item's view while its menu shows.
+  void setEnclosingMenu(MCMenu* menu) { enclosingMenu_ = menu; }
+
   // Dragging.
   void registerForDraggedTypes(std::vector<std::string> types) { draggedTypes_ = std::move(types); }
   void unregisterDraggedTypes() { draggedTypes_.clear(); }
@@ -266,6 +274,7 @@ class MCView : public MCResponder {
   std::vector<std::string> draggedTypes_;
   bool wantsLayer_ = false;
   std::shared_ptr<MCLayer> layer_;
+  MCMenu* enclosingMenu_ = nullptr;
 };
 
 using MCViewRef = std::shared_ptr<MCView>;
