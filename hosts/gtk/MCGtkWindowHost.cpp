@@ -192,7 +192,7 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
 }
 
 MCGtkWindowHost::~MCGtkWindowHost() {
-  if (contextMenu_) gtk_widget_unparent(contextMenu_);
+  removeContextMenu();
   if (window_->host() == this) window_->setHost(nullptr);
   if (widget_) g_object_unref(widget_);
 }
@@ -499,7 +499,11 @@ namespace {
 
 // Appends the items to `menu`, a section per run between separators; each item is the action
 // "context.item<index into items>".
-void appendMenuItems(GMenu* menu, const MCMenu& source, std::vector<MCMenuItem>& items, GSimpleActionGroup* actions) {
+/// Item views by the id of their place in the popover.
+using MenuViews = std::vector<std::pair<std::string, std::shared_ptr<MCView>>>;
+
+void appendMenuItems(GMenu* menu, const MCMenu& source, std::vector<MCMenuItem>& items, MenuViews& views,
+                     GSimpleActionGroup* actions) {
   GMenu* section = g_menu_new();
   auto flush = [&] {
     if (g_menu_model_get_n_items(G_MENU_MODEL(section)) > 0) g_menu_append_section(menu, nullptr, G_MENU_MODEL(section));
@@ -513,9 +517,19 @@ void appendMenuItems(GMenu* menu, const MCMenu& source, std::vector<MCMenuItem>&
     }
     if (item.submenu) {
       GMenu* inner = g_menu_new();
-      appendMenuItems(inner, *item.submenu, items, actions);
+      appendMenuItems(inner, *item.submenu, items, views, actions);
       g_menu_append_submenu(section, item.title.c_str(), G_MENU_MODEL(inner));
       g_object_unref(inner);
+      continue;
+    }
+    if (item.view) {
+      // A place the popover fills with the view's widget (gtk_popover_menu_add_child).
+      const std::string id = "view" + std::to_string(views.size());
+      views.emplace_back(id, item.view);
+      GMenuItem* entry = g_menu_item_new(nullptr, nullptr);
+      g_menu_item_set_attribute(entry, "custom", "s", id.c_str());
+      g_menu_append_item(section, entry);
+      g_object_unref(entry);
       continue;
     }
     const std::string name = "item" + std::to_string(items.size());
@@ -549,15 +563,13 @@ void appendMenuItems(GMenu* menu, const MCMenu& source, std::vector<MCMenuItem>&
 bool MCGtkWindowHost::popUpContextMenu(const MCMenu& menu, MCPoint location,
                                        std::function<void(const MCMenuItem&)> chosen) {
   if (!widget_) return false;
-  if (contextMenu_) {
-    gtk_widget_unparent(contextMenu_);
-    contextMenu_ = nullptr;
-  }
+  removeContextMenu();
   contextItems_.clear();
   contextChosen_ = std::move(chosen);
   GSimpleActionGroup* actions = g_simple_action_group_new();
   GMenu* model = g_menu_new();
-  appendMenuItems(model, menu, contextItems_, actions);
+  MenuViews views;
+  appendMenuItems(model, menu, contextItems_, views, actions);
   for (std::size_t i = 0; i < contextItems_.size(); ++i) {
     GAction* action = g_action_map_lookup_action(G_ACTION_MAP(actions), ("item" + std::to_string(i)).c_str());
     g_signal_connect(action, "activate", G_CALLBACK(+[](GSimpleAction* action, GVariant*, gpointer data) {
@@ -578,8 +590,57 @@ bool MCGtkWindowHost::popUpContextMenu(const MCMenu& menu, MCPoint location,
   g_object_unref(model);
   gtk_widget_set_parent(contextMenu_, widget_);
   gtk_popover_set_has_arrow(GTK_POPOVER(contextMenu_), FALSE);
+  for (const auto& [id, view] : views) {
+    auto itemWindow = MCWindow::create(view->frame().size);
+    view->setFrameOrigin({0, 0});
+    itemWindow->contentView()->addSubview(view);
+    // A host takes the desktop clipboard for the general pasteboard; this one is part of the
+    // window's menu, whose host keeps it.
+    auto general = MCPasteboard::generalPasteboard();
+    const std::shared_ptr<MCPasteboardBackend> backend = general->backend();
+    auto host = MCGtkWindowHost::create(itemWindow);
+    general->setBackend(backend);
+    GtkWidget* child = host->widget();
+    gtk_widget_set_hexpand(child, FALSE);
+    gtk_widget_set_vexpand(child, FALSE);
+    gtk_widget_set_size_request(child, int(std::lround(view->frame().size.width)),
+                                int(std::lround(view->frame().size.height)));
+    gtk_popover_menu_add_child(GTK_POPOVER_MENU(contextMenu_), child, id.c_str());
+    contextViews_.push_back(view);
+    contextViewHosts_.push_back(std::move(host));
+  }
+  contextMenuModel_ = menu;
+  contextMenuModel_.setTrackingCanceller([this] {
+    if (contextMenu_) gtk_popover_popdown(GTK_POPOVER(contextMenu_));
+  });
+  contextMenuModel_.setEnclosingMenuOfItemViews(&contextMenuModel_);
+  g_signal_connect(contextMenu_, "closed", G_CALLBACK(+[](GtkPopover*, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->contextMenuClosed();
+                   }),
+                   this);
   const GdkRectangle at{static_cast<int>(location.x), static_cast<int>(window_->contentSize().height - location.y), 1, 1};
   gtk_popover_set_pointing_to(GTK_POPOVER(contextMenu_), &at);
   gtk_popover_popup(GTK_POPOVER(contextMenu_));
   return true;
+}
+
+void MCGtkWindowHost::contextMenuClosed() {
+  contextMenuModel_.setTrackingCanceller(nullptr);
+  contextMenuModel_.setEnclosingMenuOfItemViews(nullptr);
+}
+
+void MCGtkWindowHost::removeContextMenu() {
+  contextMenuClosed();
+  for (const auto& view : contextViews_)
+    if (view->window() && view->superview() == view->window()->contentView().get()) view->removeFromSuperview();
+  contextViews_.clear();
+  if (contextMenu_) {
+    gtk_widget_unparent(contextMenu_);
+    contextMenu_ = nullptr;
+  }
+  // A view's widget and its host hold each other until the widget is disposed, which leaving the
+  // popover does not do.
+  for (const auto& host : contextViewHosts_)
+    if (GtkWidget* child = host->widget()) g_object_run_dispose(G_OBJECT(child));
+  contextViewHosts_.clear();
 }

@@ -72,7 +72,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
-  /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group.
+  /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group. An
+  /// item's view shows in the popover as a widget of its own: a host like this one, of a small
+  /// window that holds the view. The popover's copy of the menu tracks while it is open.
   bool popUpContextMenu(const MCMenu& menu, MCPoint location, std::function<void(const MCMenuItem&)> chosen) override;
 
   // Called by the widget.
@@ -90,6 +92,10 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   explicit MCGtkWindowHost(std::shared_ptr<MCWindow> window);
   MCPoint toWindow(double widgetX, double widgetY) const;
   void deliver(const MCEvent& event);
+  /// The popover closed: its menu no longer tracks, and its views are in no menu.
+  void contextMenuClosed();
+  /// Drops the popover, and takes the item views out of their windows.
+  void removeContextMenu();
 
   std::shared_ptr<MCWindow> window_;
   GtkWidget* widget_ = nullptr;
@@ -113,5 +119,8 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   std::vector<TitleBarButton> titleBarButtons_;
   std::vector<MCMenuItem> contextItems_;
   std::function<void(const MCMenuItem&)> contextChosen_;
+  MCMenu contextMenuModel_;
+  std::vector<std::shared_ptr<MCView>> contextViews_;
+  std::vector<std::shared_ptr<MCGtkWindowHost>> contextViewHosts_;
   GtkWidget* topAccessory_ = nullptr;
 };

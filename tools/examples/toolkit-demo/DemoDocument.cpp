@@ -2,7 +2,7 @@
 
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCAttributedString.h>
-#include <vesperon/toolkit/MCColor.h>
+#include <vesperon/toolkit/MCMenu.h>
 #include <vesperon/toolkit/MCWindow.h>
 
 #include <algorithm>
@@ -21,7 +21,7 @@ std::string describe(MCPoint p) {
 }  // namespace
 
 DemoDocument::DemoDocument(std::function<void(const std::string&)> report)
-    : MCView(MCMakeRect(0, 0, kSide, kSide)), report_(std::move(report)) {
+    : MCView(MCMakeRect(0, 0, kSide, kSide)), report_(std::move(report)), markerColor_(kMarkerColor) {
   const struct {
     const char* command;
     double dx, dy;
@@ -77,7 +77,7 @@ void DemoDocument::drawRect(const MCRect& dirtyRect) {
     }
   }
   if (needsToDrawRect(markerRect(marker_))) {
-    kMarkerColor.setFill(context);
+    markerColor_.setFill(context);
     context.fillEllipseInRect(MCMakeRect(marker_.x - kMarkerRadius, marker_.y - kMarkerRadius, 2 * kMarkerRadius,
                                          2 * kMarkerRadius));
   }
@@ -109,6 +109,34 @@ void DemoDocument::mouseDown(const MCEvent& event) {
   }
   if (this->window()) this->window()->stopPeriodicEvents();
   if (moved) report_("drag-end " + describe(marker_));
+}
+
+void DemoDocument::rightMouseDown(const MCEvent& event) {
+  MCWindow* window = this->window();
+  if (!window) return;
+  if (!colorLabels_) {
+    colorLabels_ = std::make_shared<MCColorLabelControl>();
+    colorLabels_->action = [this](MCColorLabelControl& control) {
+      const auto& colours = MCColorLabelControl::labelMap();
+      const auto colour = colours.find(control.tag());
+      markerColor_ = colour != colours.end() ? colour->second : kMarkerColor;
+      setNeedsDisplayInRect(markerRect(marker_));
+      report_("label " + std::to_string(control.tag()));
+    };
+  }
+  MCMenu menu;
+  menu.addItem(MCMenuItem("Marker colour", "", 0, false));
+  MCMenuItem row;
+  row.view = colorLabels_;
+  menu.addItem(row);
+  const MCPoint at = convertPoint(event.locationInWindow(), nullptr);
+  if (!window->popUpContextMenu(menu, at, this)) return;
+  report_("menu " + describe(at));
+  menuWatch_ = MCTimer::scheduledTimer(0.05, true, [this](MCTimer& timer) {
+    if (colorLabels_->enclosingMenu()) return;
+    timer.invalidate();
+    report_("menu closed");
+  });
 }
 
 void DemoDocument::keyDown(const MCEvent& event) { interpretKeyEvents({event}); }

@@ -1,5 +1,6 @@
 // toolkit-demo: a window with a scroll view over a large drawn document and a marker that follows
-// clicks, drags and the arrow keys; Escape quits.
+// clicks, drags and the arrow keys; a right click opens a menu of colour labels that paint the
+// marker; Escape quits.
 //
 //   toolkit-demo                       on screen, in a GTK 4 window
 //   toolkit-demo --render out.png      offscreen: plays a short script of input, writes a PNG
@@ -33,7 +34,7 @@ struct Options {
 class StatusBar : public MCView {
  public:
   using MCView::MCView;
-  std::string text = "Click, drag, or use the arrow keys; Escape quits.";
+  std::string text = "Click, drag, or use the arrow keys; right-click to colour the marker; Escape quits.";
   bool isOpaque() const override { return true; }
   void drawRect(const MCRect& dirty) override {
     MCGraphicsContext& context = *MCGraphicsContext::currentContext();
