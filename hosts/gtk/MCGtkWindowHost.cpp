@@ -257,6 +257,10 @@ void MCGtkWindowHost::closeWindow() {
   if (toplevel_) gtk_window_destroy(toplevel_);
 }
 
+void MCGtkWindowHost::windowTitleDidChange() {
+  if (toplevel_ && !closing_) gtk_window_set_title(toplevel_, window_->title().c_str());
+}
+
 void MCGtkWindowHost::widgetOriginInSurface(double& x, double& y) const {
   x = y = 0;
   GtkNative* native = gtk_widget_get_native(widget_);

@@ -72,6 +72,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
+  void windowTitleDidChange() override;
   /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group. An
   /// item's view shows in the popover as a widget of its own: a host like this one, of a small
   /// window that holds the view. The popover's copy of the menu tracks while it is open.

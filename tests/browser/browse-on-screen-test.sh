@@ -91,10 +91,30 @@ xdotool mousemove --window "$window" $((ox + dx)) $((oy + dy)) click 1
 wait_for '^label 1 .*/diagram.png$'
 grep -q 'Label' "$work/photos/diagram.xmp" && grep -q 'Red' "$work/photos/diagram.xmp" ||
   { echo "FAIL: the sidecar holds no red label:"; cat "$work/photos/diagram.xmp"; exit 1; }
+# The photo's own pixels replace the thumbnail; Right shows the next photo of the grid, whose
+# selection follows, and the title says where it is; Left comes back; End goes to the last.
+wait_for '^viewer sharp 320x200 .*/diagram.png$'
+xdotool key Right
+wait_for '^viewer open .*/scan.png$'
+wait_for '^selection 1 2$'
+for _ in $(seq 40); do xdotool search --name '^scan.png .* 3 of 3$' >/dev/null && break; sleep 0.05; done
+xdotool search --name '^scan.png .* 3 of 3$' >/dev/null ||
+  { echo "FAIL: the title is '$(xdotool getwindowname "$window")', not scan.png, 3 of 3"; exit 1; }
+wait_for '^viewer sharp [0-9]*x[0-9]* .*/scan.png$'
+xdotool key Left
+wait_for_last() {
+  for _ in $(seq 100); do [ "$(grep "$1" "$work/out" | tail -1)" = "$2" ] && return 0; sleep 0.05; done
+  echo "FAIL: the last '$1' line is '$(grep "$1" "$work/out" | tail -1)', not '$2'"; exit 1
+}
+wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
+xdotool key End
+wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
+# Escape returns to the grid with the photo shown last selected.
 xdotool key Escape
 wait_for '^viewer closed$'
-xdotool key Right
-wait_for '^selection 1 2$'
+wait_for_last '^selection ' 'selection 1 2'
+xdotool key Left
+wait_for_last '^selection ' 'selection 1 1'
 kill "$pid"; wait "$pid" 2>/dev/null || true
 
 # Offscreen: the first screen as a PNG, once its thumbnails arrived.
@@ -107,4 +127,4 @@ top=$(/usr/bin/convert "$work/first.png" -crop 400x10+0+0 -format '%[fx:minima.i
 title=$(/usr/bin/convert "$work/first.png" -crop 400x24+0+12 -format '%[fx:minima.intensity]' info:)
 awk -v t="$top" -v h="$title" 'BEGIN { exit !(t > 0.8 && h < 0.4) }' ||
   { echo "FAIL: the first header is not whole (top rows $top, title rows $title)"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, closed; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, closed on the photo shown last; offscreen render written"

@@ -141,3 +141,35 @@ TEST(ZoomView, GesturesThroughEvents) {
   ASSERT_TRUE(MCMainQueue::runUntil([&] { return !v.isAnimating(); }, std::chrono::seconds(3)));
   EXPECT_NEAR(v.zoom(), 1, 1e-9);
 }
+
+// A drag moves the content with the pointer, by the pointer's own distance, on both axes, in a
+// view that is flipped (y down, as the viewer's) and in one that is not.
+TEST(ZoomView, DragMovesTheContentWithThePointer) {
+  struct FlippedZoomView : MCZoomView {
+    using MCZoomView::MCZoomView;
+    bool isFlipped() const override { return true; }
+  };
+  for (bool flipped : {false, true}) {
+    SCOPED_TRACE(flipped ? "flipped" : "not flipped");
+    Fixture f;
+    if (flipped) {
+      f.view = std::make_shared<FlippedZoomView>(MCMakeRect(0, 0, 400, 300));
+      f.view->setDelegate(f.content);
+      f.view->setMaxZoom(16);
+      f.window->setContentView(f.view);
+    }
+    MCZoomView& v = *f.view;
+    v.setOffset({0, 0}, 4);
+    const MCRect before = v.contentRectFor(v.zoom(), v.offset());
+    // Window points have y up: the pointer goes 40 right and 30 up.
+    f.host.mouseDown({200, 150});
+    f.host.mouseDragged({220, 165});
+    f.host.mouseDragged({240, 180});
+    f.host.mouseUp({240, 180});
+    f.host.run();
+    const MCRect after = v.contentRectFor(v.zoom(), v.offset());
+    EXPECT_DOUBLE_EQ(MCMinX(after) - MCMinX(before), 40);
+    // Up on screen is smaller y in a flipped view, larger y in one that is not.
+    EXPECT_DOUBLE_EQ(MCMinY(after) - MCMinY(before), flipped ? -30 : 30);
+  }
+}

@@ -187,7 +187,39 @@ void Browser::show(BrowseCollection collection) {
         [controller, path](long) {
           if (auto c = controller.lock()) c->itemChanged(path);
         });
+    // Next and previous walk the grid as it shows now: its order, its filter.
+    BrowseViewerSequence sequence;
+    std::size_t position = 0;
+    const auto& groups = b->controller->collection().groups();
+    for (std::size_t g = 0; g < groups.size(); ++g)
+      for (std::size_t i = 0; i < groups[g].files.size(); ++i) {
+        if (g == path.group && i == path.item) position = sequence.paths.size();
+        sequence.paths.push_back(MCIndexPath::indexPathForItem(i, g));
+      }
+    sequence.file = [controller](const MCIndexPath& at) {
+      auto c = controller.lock();
+      return c ? c->collection().file(at.group, at.item) : fs::path();
+    };
+    sequence.thumbnail = [controller](const MCIndexPath& at) {
+      auto c = controller.lock();
+      return c ? c->thumbnailAt(at) : nullptr;
+    };
+    const std::size_t total = sequence.paths.size();
+    sequence.shown = [self, total](const MCIndexPath& at, std::size_t place) {
+      auto b2 = self.lock();
+      if (!b2 || !b2->controller) return;
+      // The grid's selection follows, so that Escape comes back to the photo shown last.
+      b2->view->selectItemAtIndexPath(at, false, true);
+      b2->window->setTitle(b2->controller->collection().file(at.group, at.item).filename().string() + " — " +
+                           std::to_string(place + 1) + " of " + std::to_string(total));
+    };
+    sequence.closed = [self] {
+      if (auto b2 = self.lock()) b2->window->setTitle("Vesperon — " + b2->folder.string());
+    };
+    page->setSequence(std::move(sequence), position);
     b->navigation->pushViewController(page, false);
+    b->window->setTitle(b->controller->collection().file(path.group, path.item).filename().string() + " — " +
+                        std::to_string(position + 1) + " of " + std::to_string(total));
   };
   controller->openItem = open;
   view->openItem = open;

@@ -3,11 +3,15 @@
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/controls/MCNavigationController.h>
 #include <vesperon/drawing/MCBadgeFactory.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pipeline/MCResourceLoader.h>
 #include <vesperon/platform/MCColorSpace.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCImageDrawing.h>
 #include <vesperon/toolkit/MCWindow.h>
+
+#include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -28,15 +32,18 @@ class PhotoView : public MCView {
   }
 };
 
-/// The zoom view of the viewer: takes the keys, so that Escape reaches the page.
+/// The zoom view of the viewer: takes the keys (the viewer's own first, the rest through the
+/// responder chain, so that Escape reaches the page).
 class ViewerZoomView : public MCZoomView {
  public:
   using MCZoomView::MCZoomView;
+  std::function<bool(const MCEvent&)> keyHandler;
+  std::function<double()> oneToOne;
   bool acceptsFirstResponder() const override { return true; }
   bool isFlipped() const override { return true; }
-  void scrollWheel(const MCEvent& event) override {
-    // A plain wheel zooms too: a viewer has nothing to scroll.
-    MCZoomView::scrollWheel(event);
+  void keyDown(const MCEvent& event) override {
+    if (keyHandler && keyHandler(event)) return;
+    MCZoomView::keyDown(event);
   }
   void drawRect(const MCRect& dirty) override {
     MCGraphicsContext* context = MCGraphicsContext::currentContext();
@@ -46,16 +53,11 @@ class ViewerZoomView : public MCZoomView {
   }
   /// A double-click toggles between the whole photo and its pixels one to one, around the click.
   void mouseDown(const MCEvent& event) override {
-    if (event.clickCount() != 2) return;
-    auto photo = delegate();
-    if (!photo) return;
-    const MCSize original = photo->zoomViewOriginalContentSize(*this), fitted = sizeForZoom(1);
-    if (!(fitted.width > 0)) return;
-    const double scale = window() ? window()->backingScaleFactor() : 1.0;
-    const double oneToOne = original.width / (fitted.width * scale);
+    if (event.clickCount() != 2 || !oneToOne) return;
+    const double target = oneToOne();
+    if (!(target > 0)) return;
     const MCPoint anchor = convertPoint(event.locationInWindow(), nullptr);
-    setMaxZoom(std::max(maxZoom(), oneToOne));
-    zoomTo(zoom() > 1.0001 ? 1.0 : std::max(oneToOne, 1.0001), anchor);
+    zoomTo(zoom() > 1.0001 ? 1.0 : std::max(target, 1.0001), anchor);
   }
 };
 
@@ -72,16 +74,52 @@ class Toolbar : public MCView {
 };
 
 /// The pixels in Cairo's own layout, so that every later draw uses them where they lie.
-MCRasterImageRef drawable(const MCRasterImageRef& image) {
+MCRasterImageRef drawable(const MCRasterImageRef& image, int orientation = 1) {
   if (!image) return nullptr;
   auto context = MCGraphicsContext::create(image->width(), image->height(), 8, 0, MCColorSpace::sRGB(),
                                            MCImageAlphaPremultipliedFirst | MCBitmapByteOrder32Little);
   if (!context) return image;
   context->drawImage(MCMakeRect(0, 0, double(image->width()), double(image->height())), image);
-  return context->createImage();
+  return BrowseOrientedImage(context->createImage(), orientation);
+}
+
+int orientationOf(const std::optional<MCDictionary>& metadata) {
+  if (!metadata) return 1;
+  auto it = metadata->find(kCGImagePropertyOrientation);
+  if (it == metadata->end()) return 1;
+  const auto value = it->second.integerValue();
+  return value && *value >= 1 && *value <= 8 ? int(*value) : 1;
 }
 
 }  // namespace
+
+MCRasterImageRef BrowseOrientedImage(const MCRasterImageRef& image, int orientation) {
+  if (!image || orientation < 2 || orientation > 8 || image->bitsPerPixel() != 32) return image;
+  const std::size_t w = image->width(), h = image->height();
+  const bool swaps = orientation >= 5;
+  const std::size_t outW = swaps ? h : w, outH = swaps ? w : h;
+  std::vector<uint8_t> pixels(outW * outH * 4);
+  for (std::size_t y = 0; y < h; ++y) {
+    const uint32_t* in = reinterpret_cast<const uint32_t*>(image->row(y));
+    for (std::size_t x = 0; x < w; ++x) {
+      // Where the stored pixel (x, y) goes when the photo is turned upright.
+      std::size_t ox = x, oy = y;
+      switch (orientation) {
+        case 2: ox = w - 1 - x; break;                      // mirrored
+        case 3: ox = w - 1 - x; oy = h - 1 - y; break;      // upside down
+        case 4: oy = h - 1 - y; break;                      // mirrored, upside down
+        case 5: ox = y; oy = x; break;                      // transposed
+        case 6: ox = h - 1 - y; oy = x; break;              // turned a quarter clockwise
+        case 7: ox = h - 1 - y; oy = w - 1 - x; break;      // transversed
+        case 8: ox = y; oy = w - 1 - x; break;              // turned a quarter counter-clockwise
+      }
+      std::memcpy(pixels.data() + (oy * outW + ox) * 4, &in[x], 4);
+    }
+  }
+  auto turned = MCRasterImage::create(outW, outH, image->bitsPerComponent(), 32, outW * 4, image->colorSpace(),
+                                      image->bitmapInfo(), std::move(pixels));
+  return turned ? turned : image;
+}
 
 BrowseViewerPage::BrowseViewerPage(std::filesystem::path file, MCRasterImageRef thumbnail,
                                    std::function<void(const std::string&)> report, std::function<void(long)> labelChanged)
@@ -99,7 +137,18 @@ void BrowseViewerPage::loadView() {
   toolbar->setAutoresizingMask(MCViewWidthSizable);
   root->addSubview(toolbar);
 
-  zoomView_ = std::make_shared<ViewerZoomView>(MCMakeRect(0, kToolbarHeight, 800, 600 - kToolbarHeight));
+  auto zoomView = std::make_shared<ViewerZoomView>(MCMakeRect(0, kToolbarHeight, 800, 600 - kToolbarHeight));
+  std::weak_ptr<BrowseViewerPage> weakPage = self();
+  zoomView->keyHandler = [weakPage](const MCEvent& event) {
+    auto page = weakPage.lock();
+    return page && page->handleKey(event);
+  };
+  zoomView->oneToOne = [weakPage] {
+    auto page = weakPage.lock();
+    return page ? page->oneToOneZoom() : 0.0;
+  };
+  zoomView_ = zoomView;
+  zoomView_->setMaxZoom(16);
   zoomView_->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
   auto photo = std::make_shared<PhotoView>(zoomView_->bounds());
   photo->image = image_;
@@ -111,7 +160,7 @@ void BrowseViewerPage::loadView() {
   auto addButton = [&](const char* title, const char* symbol, std::function<void()> act) {
     auto button = MCToolbarItemControl::create();
     button->setTitle(std::string(title));
-    button->setImage(MCBadgeFactory::iconNamed(symbol, 18));
+    if (*symbol) button->setImage(MCBadgeFactory::iconNamed(symbol, 18));
     button->setFrameOrigin({x, 4});
     button->action = [act](MCToolbarItemControl&) { act(); };
     toolbar->addSubview(button);
@@ -123,9 +172,16 @@ void BrowseViewerPage::loadView() {
     return z ? MCPoint{MCMidX(z->bounds()), MCMidY(z->bounds())} : MCPoint{0, 0};
   };
   addButton("Back", "arrowshape.turn.up.right.fill", [this] { close(); });
-  addButton("Zoom In", "star.fill", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(0.5, centre()); });
-  addButton("Zoom Out", "star.fill", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(-1.0 / 3.0, centre()); });
-  addButton("Fit", "star.fill", [zoom] { if (auto z = zoom.lock()) z->setOffset({0, 0}, 1.0); });
+  addButton("Previous", "", [weakPage] { if (auto p = weakPage.lock()) p->step(-1); });
+  addButton("Next", "", [weakPage] { if (auto p = weakPage.lock()) p->step(1); });
+  addButton("Zoom In", "", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(0.5, centre()); });
+  addButton("Zoom Out", "", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(-1.0 / 3.0, centre()); });
+  addButton("Fit", "", [zoom] { if (auto z = zoom.lock()) z->setOffset({0, 0}, 1.0); });
+  addButton("1:1", "", [weakPage, zoom, centre] {
+    auto p = weakPage.lock();
+    auto z = zoom.lock();
+    if (p && z) z->zoomTo(p->oneToOneZoom(), centre());
+  });
 
   labelControl_ = std::make_shared<MCColorLabelControl>();
   labelControl_->setFrameOrigin({x + 12, 4});
@@ -164,11 +220,100 @@ void BrowseViewerPage::viewControllerDidAppear(bool) {
   }
   if (!requested_) {
     requested_ = true;
-    MCResourceLoader::sharedInstance().requestImage(std::make_shared<MCImageDescriptor>(file_), self());
+    request(file_);
+  }
+}
+
+void BrowseViewerPage::request(const std::filesystem::path& file) {
+  for (const auto& [uuid, requested] : requests_)
+    if (requested == file) return;
+  auto descriptor = std::make_shared<MCImageDescriptor>(file);
+  // The photo's own pixels and the metadata that says how to turn them.
+  MCImageReadingOptions options;
+  options.metadataOptions = MCMetadataReadingOptions{};
+  descriptor->readingOptions = options;
+  requests_[MCResourceLoader::sharedInstance().requestImage(descriptor, self())] = file;
+}
+
+void BrowseViewerPage::lookAhead() {
+  if (sequence_.paths.empty() || !sequence_.file) return;
+  std::map<std::filesystem::path, MCRasterImageRef> kept;
+  for (long d : {1L, -1L}) {
+    const long at = long(position_) + d;
+    if (at < 0 || at >= long(sequence_.paths.size())) continue;
+    const std::filesystem::path neighbour = sequence_.file(sequence_.paths[std::size_t(at)]);
+    if (auto found = decoded_.find(neighbour); found != decoded_.end()) kept.insert(*found);
+    else request(neighbour);
+  }
+  decoded_ = std::move(kept);  // at most the two neighbours: memory stays flat however far one walks
+}
+
+void BrowseViewerPage::setSequence(BrowseViewerSequence sequence, std::size_t position) {
+  sequence_ = std::move(sequence);
+  position_ = std::min(position, sequence_.paths.empty() ? 0 : sequence_.paths.size() - 1);
+}
+
+void BrowseViewerPage::step(long by) {
+  if (sequence_.paths.empty()) return;
+  const long last = long(sequence_.paths.size()) - 1;
+  showPosition(std::size_t(std::clamp(long(position_) + by, 0L, last)));
+}
+
+void BrowseViewerPage::showPosition(std::size_t position) {
+  if (position >= sequence_.paths.size() || !sequence_.file) return;
+  if (position == position_ && sequence_.file(sequence_.paths[position]) == file_) return;
+  position_ = position;
+  const MCIndexPath path = sequence_.paths[position];
+  file_ = sequence_.file(path);
+  sharp_ = false;
+  if (auto found = decoded_.find(file_); found != decoded_.end() && found->second) {
+    sharp_ = true;
+    show(found->second);
+    reportSharp();
+  } else {
+    show(drawable(sequence_.thumbnail ? sequence_.thumbnail(path) : nullptr));
+    request(file_);
+  }
+  zoomView_->setOffset({0, 0}, 1.0);
+  const long label = MCColorLabelMapper::labelOfFile(file_);
+  labelControl_->setUsedColorLabels(label ? std::set<long>{label} : std::set<long>{});
+  if (sequence_.shown) sequence_.shown(path, position);
+  if (report_) report_("viewer open " + file_.string());
+  if (sharp_) lookAhead();
+}
+
+MCSize BrowseViewerPage::photoSize() const {
+  return image_ ? MCSize{double(image_->width()), double(image_->height())} : MCSize{0, 0};
+}
+
+double BrowseViewerPage::oneToOneZoom() const {
+  if (!zoomView_) return 0;
+  const MCSize original = photoSize(), fitted = zoomView_->sizeForZoom(1);
+  if (!(fitted.width > 0)) return 0;
+  const double scale = zoomView_->window() ? zoomView_->window()->backingScaleFactor() : 1.0;
+  return original.width / (fitted.width * scale);
+}
+
+bool BrowseViewerPage::handleKey(const MCEvent& event) {
+  const std::u32string& keys = event.charactersIgnoringModifiers();
+  if (keys.size() != 1 || !zoomView_) return false;
+  const MCPoint centre = {MCMidX(zoomView_->bounds()), MCMidY(zoomView_->bounds())};
+  switch (keys[0]) {
+    case MCRightArrowFunctionKey: case MCSpaceCharacter: case MCPageDownFunctionKey: step(1); return true;
+    case MCLeftArrowFunctionKey: case MCDeleteCharacter: case MCPageUpFunctionKey: step(-1); return true;
+    case MCHomeFunctionKey: showPosition(0); return true;
+    case MCEndFunctionKey: if (!sequence_.paths.empty()) showPosition(sequence_.paths.size() - 1); return true;
+    case U'+': case U'=': zoomView_->zoomBy(0.5, centre); return true;
+    case U'-': zoomView_->zoomBy(-1.0 / 3.0, centre); return true;
+    case U'0': zoomView_->setOffset({0, 0}, 1.0); return true;
+    case U'1': zoomView_->zoomTo(oneToOneZoom(), centre); return true;
+    case U'h': case U'H': histogramView_->setHidden(!histogramView_->isHidden()); return true;
+    default: return false;
   }
 }
 
 void BrowseViewerPage::viewControllerDidDisappear(bool) {
+  if (sequence_.closed) sequence_.closed();
   if (report_) report_("viewer closed");
 }
 
@@ -182,12 +327,36 @@ MCSize BrowseViewerPage::zoomViewOriginalContentSize(MCZoomView&) {
 
 void BrowseViewerPage::zoomViewDidChange(MCZoomView& view) { view.setNeedsDisplay(true); }
 
-void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary>, const std::string&) {
-  if (!image || !image->CGImage()) return;  // the thumbnail stays
-  show(drawable(image->CGImage()));
+void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,
+                                    const std::string& uuid) {
+  auto requested = requests_.find(uuid);
+  if (requested == requests_.end()) return;
+  const std::filesystem::path file = requested->second;
+  requests_.erase(requested);
+  if (!image || !image->CGImage()) {  // the thumbnail stays
+    if (file == file_ && report_) report_("viewer cannot decode " + file.string());
+    return;
+  }
+  MCRasterImageRef pixels = drawable(image->CGImage(), orientationOf(metadata));
+  if (file != file_) {
+    decoded_[file] = std::move(pixels);
+    return;
+  }
+  sharp_ = true;
+  show(std::move(pixels));
+  reportSharp();
+  lookAhead();
+}
+
+void BrowseViewerPage::reportSharp() {
+  if (report_ && image_)
+    report_("viewer sharp " + std::to_string(image_->width()) + "x" + std::to_string(image_->height()) + " " +
+            file_.string());
 }
 
 void BrowseViewerPage::show(MCRasterImageRef image) {
+  // The zoom is relative to fit, so a sharper image of the same proportions takes the place of
+  // the thumbnail without a jump.
   image_ = std::move(image);
   static_cast<PhotoView&>(*imageView_).image = image_;
   imageView_->setNeedsDisplay(true);

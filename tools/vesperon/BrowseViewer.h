@@ -1,9 +1,11 @@
 #pragma once
-// The viewer page of `vesperon browse`: one photo in a zoom view (pinch, Ctrl+wheel, drag to pan,
-// double-click to toggle fit and 1:1), its histogram, a toolbar (back, zoom in, zoom out, fit)
-// and a colour-label row that writes the file's label to its XMP sidecar. It shows the thumbnail
-// at once and loads the full image through the pipeline on the operation queue; Escape or Back
-// returns to the grid.
+// The viewer page of `vesperon browse`: one photo in a zoom view (pinch, wheel, drag to pan,
+// double-click to toggle fit and 1:1, keys), its histogram, a toolbar (back, previous, next, zoom
+// in, zoom out, fit, 1:1) and a colour-label row that writes the file's label to its XMP sidecar.
+// It shows the thumbnail at once, scaled to the photo's own size so nothing jumps, and replaces it
+// with the photo's own pixels, turned by its orientation, when they arrive from the pipeline; the
+// neighbours in the sequence are decoded ahead. Next and previous walk the sequence the grid gives
+// (its order, its filter); Escape or Back returns to the grid.
 
 #include <vesperon/controls/MCColorLabelControl.h>
 #include <vesperon/controls/MCHistogramView.h>
@@ -12,10 +14,28 @@
 #include <vesperon/controls/MCZoomView.h>
 #include <vesperon/pipeline/MCResourceReceivers.h>
 
+#include <vesperon/core/MCIndexPath.h>
+
 #include <filesystem>
+#include <map>
 #include <functional>
 #include <memory>
 #include <string>
+
+/// The photos next and previous walk, in the grid's order, and what the grid does as they change.
+struct BrowseViewerSequence {
+  std::vector<MCIndexPath> paths;
+  std::function<std::filesystem::path(const MCIndexPath&)> file;
+  std::function<MCRasterImageRef(const MCIndexPath&)> thumbnail;
+  /// Told each photo shown, with its place: the grid selects it, the title names it.
+  std::function<void(const MCIndexPath&, std::size_t position)> shown;
+  /// Told when the viewer goes.
+  std::function<void()> closed;
+};
+
+/// The pixels of `image` (32-bit, Cairo's layout) turned as Exif orientation 1…8 says; the image
+/// itself for orientation 1 or anything else it cannot turn.
+MCRasterImageRef BrowseOrientedImage(const MCRasterImageRef& image, int orientation);
 
 class BrowseViewerPage : public MCViewController,
                          public MCZoomViewDelegate,
@@ -23,6 +43,16 @@ class BrowseViewerPage : public MCViewController,
  public:
   BrowseViewerPage(std::filesystem::path file, MCRasterImageRef thumbnail, std::function<void(const std::string&)> report,
                    std::function<void(long label)> labelChanged);
+  /// Gives the sequence and the place of the photo opened in it.
+  void setSequence(BrowseViewerSequence sequence, std::size_t position);
+  std::size_t position() const { return position_; }
+  /// Shows the photo `step` places on (negative: back), held to the sequence's ends.
+  void step(long step);
+  void showPosition(std::size_t position);
+  /// Zoom that shows the photo's pixels one to one on the window's backing.
+  double oneToOneZoom() const;
+  /// The keys of the viewer; false for a key it leaves to the responder chain.
+  bool handleKey(const MCEvent& event);
 
   void loadView() override;
   void viewControllerDidAppear(bool animated) override;
@@ -31,6 +61,9 @@ class BrowseViewerPage : public MCViewController,
   const std::shared_ptr<MCZoomView>& zoomView() const { return zoomView_; }
   const std::shared_ptr<MCColorLabelControl>& labelControl() const { return labelControl_; }
   const MCRasterImageRef& image() const { return image_; }
+  const std::filesystem::path& file() const { return file_; }
+  /// The photo's size in pixels as shown (turned), once its pixels arrived; else the thumbnail's.
+  MCSize photoSize() const;
   void close();
 
   // MCZoomViewDelegate
@@ -42,6 +75,9 @@ class BrowseViewerPage : public MCViewController,
 
  private:
   void show(MCRasterImageRef image);
+  void request(const std::filesystem::path& file);
+  void lookAhead();
+  void reportSharp();
   std::shared_ptr<BrowseViewerPage> self() { return std::static_pointer_cast<BrowseViewerPage>(shared_from_this()); }
   std::filesystem::path file_;
   MCRasterImageRef image_;
@@ -52,4 +88,10 @@ class BrowseViewerPage : public MCViewController,
   std::shared_ptr<MCHistogramView> histogramView_;
   std::shared_ptr<MCColorLabelControl> labelControl_;
   bool requested_ = false;
+  BrowseViewerSequence sequence_;
+  std::size_t position_ = 0;
+  bool sharp_ = false;  // image_ holds the photo's own pixels
+  // Requests in flight by identifier, and the photos decoded ahead (the current one's neighbours).
+  std::map<std::string, std::filesystem::path> requests_;
+  std::map<std::filesystem::path, MCRasterImageRef> decoded_;
 };

@@ -151,7 +151,11 @@ void MCZoomView::scrollWheel(const MCEvent& event) {
   zoomTo(zoom_ + step * zoom_, convertPoint(event.locationInWindow(), nullptr));
 }
 
-void MCZoomView::mouseDragged(const MCEvent& event) { panWith({event.deltaX(), -event.deltaY()}); }
+void MCZoomView::mouseDragged(const MCEvent& event) {
+  // An event's deltaY grows downward; the offset grows in the view's own sense of y, so the
+  // content follows the pointer whether the view is flipped or not.
+  panWith({event.deltaX(), isFlipped() ? event.deltaY() : -event.deltaY()});
+}
 
 void MCZoomView::mouseDown(const MCEvent& event) {
   // A double click toggles as a double tap does.

@@ -487,3 +487,9 @@ std::shared_ptr<MCDraggingSession> MCWindow::beginDraggingSession(std::vector<MC
   if (!host_->beginDraggingSession(session)) return nullptr;
   return session;
 }
+
+void MCWindow::setTitle(std::string title) {
+  if (title == title_) return;
+  title_ = std::move(title);
+  if (host_) host_->windowTitleDidChange();
+}

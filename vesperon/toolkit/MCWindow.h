@@ -47,7 +47,8 @@ class MCWindow : public MCResponder {
   ~MCWindow() override;
 
   const std::string& title() const { return title_; }
-  void setTitle(std::string title) { title_ = std::move(title); }
+  /// Sets the title and tells the host, which shows it in the title bar.
+  void setTitle(std::string title);
   int windowNumber() const { return windowNumber_; }
 
   // Content.

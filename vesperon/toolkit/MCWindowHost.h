@@ -81,6 +81,8 @@ class MCWindowHost {
 
   /// The window asks to be closed.
   virtual void closeWindow() {}
+  /// The window's title changed; a host that shows it shows the new one.
+  virtual void windowTitleDidChange() {}
 
   /// Shows `menu` as a context menu at the point (base coordinates) and returns at once; `chosen`
   /// hears the item the user picks, later, if any. False when the host shows no menus.
