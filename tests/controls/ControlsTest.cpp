@@ -4,10 +4,13 @@
 #include <vesperon/controls/MCHistogramView.h>
 #include <vesperon/controls/MCToolbarItemControl.h>
 #include <vesperon/toolkit/MCMenu.h>
+#include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCOffscreenHost.h>
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 
@@ -248,4 +251,51 @@ TEST(ColorLabels, PickedFromAMenuTheColourEndsTheMenusTracking) {
   EXPECT_EQ(control->window(), nullptr);
   EXPECT_EQ(control->superview(), nullptr);
   EXPECT_EQ(control->enclosingMenu(), nullptr);
+}
+
+// On a dark toolbar the caption under the dots must be readable: its default ink, made for light
+// backgrounds, gives almost no contrast there, and the light text colour a dark host sets gives
+// at least 4.5:1. The clear item's crossed circle takes the same ink.
+TEST(ColorLabels, TextColourReadsOnADarkBackground) {
+  struct Dark : MCView {
+    using MCView::MCView;
+    void drawRect(const MCRect& dirty) override {
+      MCColor::colorWithHex(0x303030).setFill(*MCGraphicsContext::currentContext());
+      MCGraphicsContext::currentContext()->fillRect(dirty);
+    }
+  };
+  // WCAG's relative luminance of an sRGB grey level.
+  auto luminance = [](double v) {
+    v /= 255;
+    return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+  };
+  auto contrast = [&](const MCColorLabelControl& control, const MCRasterImageRef& image) {
+    // The brightest pixel of the caption rows (below the dots), against the background.
+    double brightest = 0;
+    for (std::size_t y = 26; y < std::size_t(control.frame().size.height); ++y)
+      for (std::size_t x = 0; x < image->width(); ++x) {
+        const uint8_t* p = image->row(y) + x * 4;
+        brightest = std::max(brightest, luminance((p[0] + p[1] + p[2]) / 3.0));
+      }
+    return (brightest + 0.05) / (luminance(0x30) + 0.05);
+  };
+  for (bool light : {false, true}) {
+    auto control = std::make_shared<MCColorLabelControl>();
+    const MCSize size = control->intrinsicContentSize();
+    auto window = MCWindow::create(size);
+    MCOffscreenHost host(window);
+    auto background = std::make_shared<Dark>(MCMakeRect(0, 0, size.width, size.height));
+    window->setContentView(background);
+    control->setFrame(MCMakeRect(0, 0, size.width, size.height));
+    background->addSubview(control);
+    if (light) control->setTextColor(MCColor::colorWithHex(0xE0E0E0));
+    const double ratio = contrast(*control, host.render());
+    if (light) {
+      EXPECT_GE(ratio, 4.5);
+      for (const auto& item : control->labelItemControls())
+        if (item->isClearItem()) EXPECT_EQ(item->inkColor(), MCColor::colorWithHex(0xE0E0E0));
+    } else {
+      EXPECT_LT(ratio, 2.0);
+    }
+  }
 }

@@ -160,7 +160,7 @@ void BrowseViewerPage::loadView() {
   auto addButton = [&](const char* title, const char* symbol, std::function<void()> act) {
     auto button = MCToolbarItemControl::create();
     button->setTitle(std::string(title));
-    if (*symbol) button->setImage(MCBadgeFactory::iconNamed(symbol, 18));
+    button->setImage(MCBadgeFactory::iconNamed(symbol, 18));
     button->setFrameOrigin({x, 4});
     button->action = [act](MCToolbarItemControl&) { act(); };
     toolbar->addSubview(button);
@@ -171,19 +171,20 @@ void BrowseViewerPage::loadView() {
     auto z = zoom.lock();
     return z ? MCPoint{MCMidX(z->bounds()), MCMidY(z->bounds())} : MCPoint{0, 0};
   };
-  addButton("Back", "arrowshape.turn.up.right.fill", [this] { close(); });
-  addButton("Previous", "", [weakPage] { if (auto p = weakPage.lock()) p->step(-1); });
-  addButton("Next", "", [weakPage] { if (auto p = weakPage.lock()) p->step(1); });
-  addButton("Zoom In", "", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(0.5, centre()); });
-  addButton("Zoom Out", "", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(-1.0 / 3.0, centre()); });
-  addButton("Fit", "", [zoom] { if (auto z = zoom.lock()) z->setOffset({0, 0}, 1.0); });
-  addButton("1:1", "", [weakPage, zoom, centre] {
+  addButton("Back", "square.grid.2x2", [this] { close(); });
+  addButton("Previous", "chevron.backward", [weakPage] { if (auto p = weakPage.lock()) p->step(-1); });
+  addButton("Next", "chevron.forward", [weakPage] { if (auto p = weakPage.lock()) p->step(1); });
+  addButton("Zoom In", "plus.magnifyingglass", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(0.5, centre()); });
+  addButton("Zoom Out", "minus.magnifyingglass", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(-1.0 / 3.0, centre()); });
+  addButton("Fit", "arrow.down.right.and.arrow.up.left", [zoom] { if (auto z = zoom.lock()) z->setOffset({0, 0}, 1.0); });
+  addButton("1:1", "1.magnifyingglass", [weakPage, zoom, centre] {
     auto p = weakPage.lock();
     auto z = zoom.lock();
     if (p && z) z->zoomTo(p->oneToOneZoom(), centre());
   });
 
   labelControl_ = std::make_shared<MCColorLabelControl>();
+  labelControl_->setTextColor(MCColor::colorWithHex(0xE0E0E0));  // 9:1 on the toolbar's grey
   labelControl_->setFrameOrigin({x + 12, 4});
   const long current = MCColorLabelMapper::labelOfFile(file_);
   if (current) labelControl_->setUsedColorLabels({current});

@@ -8,10 +8,10 @@
 #include <vesperon/toolkit/MCMenu.h>
 
 namespace {
-MCAttributedString lineOf(const std::string& text) {
+MCAttributedString lineOf(const std::string& text, const MCColor& color = MCColor::secondaryLabelColor()) {
   MCTextAttributes attributes;
   attributes.font = MCFont::systemFontOfSize(11);
-  attributes.foregroundColor = MCColor::secondaryLabelColor();
+  attributes.foregroundColor = color;
   return MCAttributedString(text, attributes);
 }
 constexpr MCLocalizableKey kNameKeys[] = {
@@ -105,6 +105,13 @@ void MCColorLabelControl::mouseDown(const MCEvent& event) {
   if (const MCColorLabelItemControl* item = itemAtPoint(convertPoint(event.locationInWindow(), nullptr))) chooseItem(*item);
 }
 
+void MCColorLabelControl::setTextColor(const MCColor& color) {
+  textColor_ = color;
+  for (const auto& item : items_)
+    if (item->isClearItem()) item->setInkColor(color);
+  setNeedsDisplay(true);
+}
+
 void MCColorLabelControl::chooseItem(const MCColorLabelItemControl& item) {
   tag_ = item.tag();
   command_ = item.isClearItem() ? 1 : 0;
@@ -116,6 +123,6 @@ void MCColorLabelControl::chooseItem(const MCColorLabelItemControl& item) {
 void MCColorLabelControl::drawRect(const MCRect&) {
   MCGraphicsContext* context = MCGraphicsContext::currentContext();
   if (!context) return;
-  const MCAttributedString line = lineOf(labelText());
+  const MCAttributedString line = lineOf(labelText(), textColor_);
   line.drawAtPoint({12, 24}, *context);
 }

@@ -38,6 +38,11 @@ class MCColorLabelControl : public MCView {
   int command() const { return command_; }
   std::function<void(MCColorLabelControl&)> action;
 
+  /// The colour of the text under the dots and of the clear item's ink: the secondary label
+  /// colour by default; a control on a dark background sets a light one.
+  const MCColor& textColor() const { return textColor_; }
+  void setTextColor(const MCColor& color);
+
   /// The text under the dots for the present state.
   std::string labelText() const;
   /// Chooses an item, as a click on it does.
@@ -57,6 +62,7 @@ class MCColorLabelControl : public MCView {
   MCColorLabelItemControl* itemAtPoint(MCPoint point) const;
 
   std::vector<std::shared_ptr<MCColorLabelItemControl>> items_;
+  MCColor textColor_ = MCColor::secondaryLabelColor();
   std::optional<long> activeTag_;
   std::set<long> usedColorLabels_;
   bool enabled_ = true;

@@ -22,6 +22,11 @@ void MCColorLabelItemControl::setHighlighted(bool highlighted) {
   setNeedsDisplay(true);
 }
 
+void MCColorLabelItemControl::setInkColor(const MCColor& color) {
+  inkColor_ = color;
+  setNeedsDisplay(true);
+}
+
 MCRect MCColorLabelItemControl::dotRect() const {
   const MCRect b = bounds();
   const double side = std::min(b.size.width, b.size.height);
@@ -35,7 +40,7 @@ void MCColorLabelItemControl::drawRect(const MCRect&) {
   const MCRect dot = dotRect();
   const double alpha = enabled_ ? 1.0 : 0.4;
   if (clearItem_) {
-    MCColor::labelColor().colorWithAlphaComponent(0.5 * alpha).setStroke(*context);
+    inkColor_.colorWithAlphaComponent(inkColor_.alphaComponent() * alpha).setStroke(*context);
     context->setLineWidth(1);
     context->strokeEllipseInRect(MCInsetRect(dot, 0.5, 0.5));
     context->beginPath();

@@ -19,6 +19,10 @@ class MCColorLabelItemControl : public MCView {
   void setEnabled(bool enabled);
   bool isHighlighted() const { return highlighted_; }
   void setHighlighted(bool highlighted);
+  /// The ink of the clear item's crossed circle; half-transparent label colour by default, a light
+  /// colour on a dark background.
+  const MCColor& inkColor() const { return inkColor_; }
+  void setInkColor(const MCColor& color);
 
   /// The dot: a circle centred in the bounds, inset by 3 unless highlighted.
   MCRect dotRect() const;
@@ -29,5 +33,6 @@ class MCColorLabelItemControl : public MCView {
   long tag_;
   MCColor color_;
   bool clearItem_;
+  MCColor inkColor_ = MCColor::labelColor().colorWithAlphaComponent(0.5);
   bool selected_ = false, enabled_ = true, highlighted_ = false;
 };

@@ -32,6 +32,13 @@ const std::map<std::string, std::string>& iconNames() {
       {"pano.fill", "legacy/preferences-desktop-wallpaper"},
       {"cube.fill", "actions/insert-object"},
       {"slowmo", "status/power-profile-power-saver"},
+      {"square.grid.2x2", "actions/view-grid"},
+      {"chevron.backward", "actions/go-previous"},
+      {"chevron.forward", "actions/go-next"},
+      {"plus.magnifyingglass", "actions/zoom-in"},
+      {"minus.magnifyingglass", "actions/zoom-out"},
+      {"arrow.down.right.and.arrow.up.left", "actions/zoom-fit-best"},
+      {"1.magnifyingglass", "actions/zoom-original"},
   };
   return table;
 }

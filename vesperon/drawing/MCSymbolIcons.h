@@ -26,6 +26,14 @@
 //   cube.fill                       insert-object             a cube
 //   slowmo                          power-profile-power-saver a gauge at its low end: slow
 //
+// and those of a photo viewer's toolbar:
+//   square.grid.2x2                 view-grid                 back to the grid
+//   chevron.backward, .forward      go-previous, go-next      same meaning
+//   plus.magnifyingglass            zoom-in                   same meaning
+//   minus.magnifyingglass           zoom-out                  same meaning
+//   arrow.down.right.and.arrow.up.left  zoom-fit-best         same meaning
+//   1.magnifyingglass               zoom-original             same meaning: one to one
+//
 // Two symbols have no icon of the theme that comes close, and are drawn here with Cairo in the
 // theme's symbolic style (one ink colour, which a tint replaces):
 //   flag.slash.fill                 the flag of flag.fill, struck through, with a gap cut either
