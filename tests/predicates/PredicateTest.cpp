@@ -119,6 +119,59 @@ TEST(Predicates, BadTextsSayWhereAndDeepTextsAreRefused) {
   EXPECT_FALSE(many.predicate->evaluateWithObject(kPhoto));
 }
 
+// LIKE against a table whose answers were worked out apart from the code (runs of stars, ? next to
+// stars, a star that must give back what it took, a backslash that is a plain character), with
+// [c] and [d]; then patterns that a matcher which tries every split per star could not finish:
+// one recursing per star runs out of stack on 120,000 of them, and ten or more stars before a
+// letter that never comes take it hours on sixty characters.
+TEST(Predicates, LikeMatchesWildcardsInBoundedTime) {
+  struct Case {
+    const char* text;
+    const char* pattern;
+    unsigned options;
+    bool matches;
+  };
+  const unsigned c = MCCaseInsensitivePredicateOption, d = MCDiacriticInsensitivePredicateOption;
+  for (const Case& test : {
+           Case{"", "", 0, true},          Case{"", "*", 0, true},           Case{"", "?", 0, false},
+           Case{"abc", "abc", 0, true},    Case{"abc", "ab", 0, false},      Case{"abc", "abcd", 0, false},
+           Case{"abc", "a*", 0, true},     Case{"abc", "*c", 0, true},       Case{"abc", "*b*", 0, true},
+           Case{"abc", "a?c", 0, true},    Case{"abc", "a??c", 0, false},    Case{"abc", "???", 0, true},
+           Case{"abc", "??", 0, false},    Case{"abcbd", "a*b?", 0, true},   Case{"aaab", "*a*b", 0, true},
+           Case{"abab", "*ab", 0, true},   Case{"aab", "*?b", 0, true},      Case{"ab", "*??b", 0, false},
+           Case{"abc", "a**c", 0, true},   Case{"ac", "a***?c", 0, false},   Case{"abcabd", "*abd", 0, true},
+           Case{"abcabc", "*abd", 0, false}, Case{"aXbXc", "a*b*c*", 0, true}, Case{"ab", "a*b*c", 0, false},
+           Case{"mississippi", "m*iss*ppi", 0, true},      Case{"mississippi", "*sip*", 0, true},
+           Case{"mississippi", "m*si*si*pi", 0, true},     Case{"mississippi", "m*si*si*si*pi", 0, false},
+           Case{"x*y", "x*y", 0, true},    Case{"xay", "x\\*y", 0, false}, Case{"x\\ay", "x\\*y", 0, true},
+           Case{"Été à Lyon.JPG", "été*.jpg", 0, false},   Case{"Été à Lyon.JPG", "été*.jpg", c, true},
+           Case{"Été à Lyon.JPG", "Ete a*", 0, false},     Case{"Été à Lyon.JPG", "Ete a*", d, true},
+           Case{"Été à Lyon.JPG", "ete ? l*", d, false},   Case{"Été à Lyon.JPG", "ete ? l*", c | d, true},
+           Case{"Été", "?t?", 0, true},
+       }) {
+    EXPECT_EQ(MCComparisonPredicate::compare(MCValue(test.text), MCValue(test.pattern), MCPredicateOperatorType::Like,
+                                             test.options),
+              test.matches)
+        << '"' << test.text << "\" LIKE \"" << test.pattern << "\" options " << test.options;
+  }
+
+  const std::string stars(120'000, '*');
+  const std::string name = "Été à Lyon.JPG";
+  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars), MCPredicateOperatorType::Like, 0));
+  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars + "x"), MCPredicateOperatorType::Like, c | d));
+  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars + "G"), MCPredicateOperatorType::Like, 0));
+
+  std::string starsAndLetters;
+  for (int i = 0; i < 12; ++i) starsAndLetters += "*a";
+  const std::string as(60, 'a');
+  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(as), MCValue(starsAndLetters + "b"), MCPredicateOperatorType::Like, 0));
+  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(as + "b"), MCValue(starsAndLetters + "b"), MCPredicateOperatorType::Like, 0));
+  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(as), MCValue(starsAndLetters + "?" + as), MCPredicateOperatorType::Like, 0));
+  auto parsed = MCPredicateParser::parse("name LIKE[c] \"" + starsAndLetters + "b\"");
+  ASSERT_TRUE(parsed) << parsed.error;
+  EXPECT_FALSE(parsed.predicate->evaluateWithObject({{"name", std::string(40, 'A')}}));
+}
+
 // Random predicates printed and read back are the same predicates.
 TEST(Predicates, PrintedPredicatesReadBackEqual) {
   std::mt19937 random(20261124);

@@ -106,20 +106,30 @@ int collate(const std::string& a, const std::string& b, unsigned options) {
   return result == UCOL_LESS ? -1 : result == UCOL_GREATER ? 1 : 0;
 }
 
-// Wildcard match: * any run, ? any one character.
-bool like(const icu::UnicodeString& text, int32_t t, const icu::UnicodeString& pattern, int32_t p) {
-  while (p < pattern.length()) {
-    const UChar c = pattern.charAt(p);
-    if (c == '*') {
-      for (int32_t k = t; k <= text.length(); ++k)
-        if (like(text, k, pattern, p + 1)) return true;
+// Wildcard match: * any run, ? any one character (a UTF-16 unit, as the text is held). A loop
+// that, on a mismatch, backs up to the last star and lets it take one character more: an earlier
+// star never needs to take more once a later one has matched, so the cost is at most the text's
+// length times the pattern's, and nothing recurses.
+bool like(const icu::UnicodeString& text, const icu::UnicodeString& pattern) {
+  const int32_t textLength = text.length(), patternLength = pattern.length();
+  int32_t t = 0, p = 0;
+  int32_t starP = -1, starT = 0;  // just after the last star, and where its run ends now
+  while (t < textLength) {
+    if (p < patternLength && pattern.charAt(p) == '*') {
+      starP = ++p;
+      starT = t;
+    } else if (p < patternLength && (pattern.charAt(p) == '?' || pattern.charAt(p) == text.charAt(t))) {
+      ++p;
+      ++t;
+    } else if (starP >= 0) {
+      p = starP;
+      t = ++starT;
+    } else {
       return false;
     }
-    if (t >= text.length() || (c != '?' && c != text.charAt(t))) return false;
-    ++p;
-    ++t;
   }
-  return t == text.length();
+  while (p < patternLength && pattern.charAt(p) == '*') ++p;
+  return p == patternLength;
 }
 
 std::optional<double> numberOf(const MCValue& value) {
@@ -247,7 +257,7 @@ bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, M
       const icu::UnicodeString text = folded(*leftText, options), pattern = folded(*rightText, options);
       if (type == T::BeginsWith) return text.startsWith(pattern);
       if (type == T::EndsWith) return text.endsWith(pattern);
-      return like(text, 0, pattern, 0);
+      return like(text, pattern);
     }
     case T::Contains:
       if (const MCArray* items = left.array()) {

@@ -9,8 +9,9 @@
 // a comparison with no value is false (never an error).
 //
 // Text: the operators compare under ICU's root collation; the option "c" makes a comparison
-// case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ?; "matches"
-// a whole-text ICU regular expression (one that does not compile matches nothing). Numbers
+// case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ? (no escape:
+// a backslash is itself), in time bounded by the text's length times the pattern's; "matches" a
+// whole-text ICU regular expression (one that does not compile matches nothing). Numbers
 // compare as numbers, dates (texts in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both sides,
 // see MCPredicateDate) as the instants they name. "between" takes a two-element array,
 // "in" an array (or a text, for a substring), "contains" a text or an array member.
