@@ -172,6 +172,39 @@ TEST(Predicates, LikeMatchesWildcardsInBoundedTime) {
   EXPECT_FALSE(parsed.predicate->evaluateWithObject({{"name", std::string(40, 'A')}}));
 }
 
+// A pattern that backtracks without end, or that needs a deep backtracking stack, is stopped: the
+// evaluation throws, saying which limit it hit and on which pattern, instead of running for hours
+// or answering false as if nothing had happened. The pattern cached for the thread stays usable.
+TEST(Predicates, MatchesStopsAtItsLimitsAndSaysSo) {
+  struct Case {
+    const char* pattern;
+    std::string text;
+    const char* says;
+  };
+  std::string abs;
+  for (int i = 0; i < 40; ++i) abs += "ab";
+  for (const Case& test : {Case{"(a+)+$", std::string(40, 'a') + "!", "time limit"},
+                           Case{"(.*)*x", std::string(40, 'y'), "time limit"},
+                           Case{"((ab)*)*c", abs + "!", "time limit"},
+                           Case{"(?:a|b)*c", std::string(300'000, 'a'), "memory limit"}}) {
+    const MCComparisonPredicate predicate(MCPredicateExpression::keyPathExpression("name"),
+                                          MCPredicateExpression::constantValue(MCValue(test.pattern)),
+                                          MCPredicateOperatorType::Matches);
+    try {
+      predicate.evaluateWithObject({{"name", test.text}});
+      ADD_FAILURE() << test.pattern << " was answered";
+    } catch (const MCPredicateEvaluationError& error) {
+      const std::string message = error.what();
+      EXPECT_NE(message.find(test.says), std::string::npos) << message;
+      EXPECT_NE(message.find(std::string("\"") + test.pattern + "\""), std::string::npos) << message;
+    }
+  }
+  EXPECT_TRUE(holds("name MATCHES \"(É|E)t.*\\\\.JPG\""));
+  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(std::string(40, 'a')), MCValue("(a+)+$"),
+                                             MCPredicateOperatorType::Matches, 0))
+      << "a text the pattern matches at once is answered";
+}
+
 // Random predicates printed and read back are the same predicates.
 TEST(Predicates, PrintedPredicatesReadBackEqual) {
   std::mt19937 random(20261124);

@@ -4,8 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <string>
 
 namespace {
@@ -107,4 +109,21 @@ TEST(VesperonCommandLine, FindPrintsTheFilesThatSatisfyThePredicate) {
   EXPECT_EQ(bad.status, 2);
   EXPECT_TRUE(contains(bad.output, "does not parse: expected a value or a key path at 17")) << bad.output;
   EXPECT_FALSE(contains(bad.output, dir + "/")) << "no file is printed";
+}
+
+// A pattern that backtracks without end on one file's name stops the search with a message naming
+// the file and the limit, and a failure status, instead of running for hours.
+TEST(VesperonCommandLine, FindStopsAPatternThatRunsPastItsLimit) {
+  const std::filesystem::path folder =
+      std::filesystem::path(VESPERON_TEST_BINARY_DIR) / ("find-runaway-" + std::to_string(::getpid()));
+  std::filesystem::remove_all(folder);
+  std::filesystem::create_directories(folder);
+  const std::filesystem::path runaway = folder / (std::string(40, 'a') + ".jpg");
+  std::filesystem::copy_file(std::filesystem::path(VESPERON_SAMPLES_DIR) / "boat.jpg", runaway);
+  const Outcome stopped = vesperon("find '" + folder.string() + "' --where 'name MATCHES \"(a+)+$\"'");
+  EXPECT_EQ(stopped.status, 1) << stopped.output;
+  EXPECT_TRUE(contains(stopped.output, "vesperon find: the search stopped at " + runaway.string() +
+                                           ": the regular expression \"(a+)+$\" ran past its time limit on \"aaaa"))
+      << stopped.output;
+  std::filesystem::remove_all(folder);
 }

@@ -4,7 +4,9 @@
 // identifier) and "modificationDate" (Exif text, local time), so that
 //     {Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] "nikon"
 //     name LIKE[c] "*.heic" OR size > 1000000
-// both work. A text that does not parse prints the reason with its position, and nothing else.
+// both work. A text that does not parse prints the reason with its position, and nothing else:
+// status 2. A pattern that runs past its match limit on a file ends the search
+// with a message naming the file: status 1.
 
 #include "MediaFiles.h"
 #include "VesperonCommand.h"
@@ -36,7 +38,13 @@ int runFind(const FindSettings& settings) {
     return 1;
   }
   for (const fs::path& file : findMediaFiles(settings.folder)) {
-    if (parsed.predicate->evaluateWithObject(searchablePropertiesOfFile(file))) std::printf("%s\n", file.c_str());
+    try {
+      if (parsed.predicate->evaluateWithObject(searchablePropertiesOfFile(file))) std::printf("%s\n", file.c_str());
+    } catch (const MCPredicateEvaluationError& error) {
+      std::fflush(stdout);
+      std::fprintf(stderr, "vesperon find: the search stopped at %s: %s\n", file.c_str(), error.what());
+      return 1;
+    }
   }
   return 0;
 }

@@ -132,6 +132,23 @@ bool like(const icu::UnicodeString& text, const icu::UnicodeString& pattern) {
   return p == patternLength;
 }
 
+// Bounds of one MATCHES against one text. ICU counts time in steps of ten thousand operations of
+// its match engine, a tenth of a millisecond or two each: a pattern over a name, a model or a
+// caption needs a few, while one that backtracks without end ((a+)+$ against "aaa…!") is stopped
+// after ten million operations, in a fraction of a second. The backtrack stack is heap memory,
+// bounded well below ICU's default of 8 MB.
+constexpr int32_t kMatchTimeLimit = 1000;
+constexpr int32_t kMatchStackLimit = 1 << 20;
+
+// The start of a text for a message, cut at a character's first byte.
+std::string shortened(const std::string& text) {
+  constexpr std::size_t kLength = 60;
+  if (text.size() <= kLength) return text;
+  std::size_t end = kLength;
+  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  return text.substr(0, end) + "…";
+}
+
 std::optional<double> numberOf(const MCValue& value) {
   if (value.isString() || value.isNone() || value.isArray() || value.isDictionary() || value.isData()) return std::nullopt;
   return value.doubleValue();
@@ -251,7 +268,16 @@ bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, M
         const icu::UnicodeString subject = unicode(*leftText);
         std::unique_ptr<icu::RegexMatcher> matcher(pattern->matcher(subject, status));
         if (U_FAILURE(status) || !matcher) return false;
+        matcher->setTimeLimit(kMatchTimeLimit, status);
+        matcher->setStackLimit(kMatchStackLimit, status);
+        if (U_FAILURE(status)) return false;
         const bool whole = matcher->matches(status);
+        if (status == U_REGEX_TIME_OUT || status == U_REGEX_STACK_OVERFLOW) {
+          throw MCPredicateEvaluationError("the regular expression " + quoted(*rightText) +
+                                           (status == U_REGEX_TIME_OUT ? " ran past its time limit"
+                                                                       : " ran past its memory limit") +
+                                           " on " + quoted(shortened(*leftText)));
+        }
         return U_SUCCESS(status) && whole;
       }
       const icu::UnicodeString text = folded(*leftText, options), pattern = folded(*rightText, options);

@@ -11,7 +11,8 @@
 // Text: the operators compare under ICU's root collation; the option "c" makes a comparison
 // case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ? (no escape:
 // a backslash is itself), in time bounded by the text's length times the pattern's; "matches" a
-// whole-text ICU regular expression (one that does not compile matches nothing). Numbers
+// whole-text ICU regular expression (one that does not compile matches nothing). A match is bounded in steps and backtracking memory: one that runs
+// past either throws MCPredicateEvaluationError rather than answer. Numbers
 // compare as numbers, dates (texts in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both sides,
 // see MCPredicateDate) as the instants they name. "between" takes a two-element array,
 // "in" an array (or a text, for a substring), "contains" a text or an array member.
@@ -26,6 +27,7 @@
 
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <variant>
 #include <vector>
@@ -71,12 +73,20 @@ struct MCPredicateExpression {
   friend bool operator==(const MCPredicateExpression&, const MCPredicateExpression&) = default;
 };
 
+/// Thrown by evaluateWithObject when a comparison cannot be answered within its bounds (a
+/// MATCHES that runs past its time or memory limit); what() says which pattern, on which text.
+class MCPredicateEvaluationError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
 class MCPredicateNode;
 using MCPredicateRef = std::shared_ptr<const MCPredicateNode>;
 
 class MCPredicateNode {
  public:
   virtual ~MCPredicateNode() = default;
+  /// May throw MCPredicateEvaluationError (see above).
   virtual bool evaluateWithObject(const MCDictionary& object) const = 0;
   /// The text form, which MCPredicateParser reads back into an equal predicate.
   virtual std::string predicateFormat() const = 0;
@@ -100,7 +110,7 @@ class MCComparisonPredicate : public MCPredicateNode {
   std::string predicateFormat() const override;
   bool isEqual(const MCPredicateNode& other) const override;
 
-  /// The comparison of two values alone.
+  /// The comparison of two values alone. Throws MCPredicateEvaluationError as told above.
   static bool compare(const MCValue& left, const MCValue& right, MCPredicateOperatorType type, unsigned options);
 
  private:
