@@ -33,7 +33,9 @@ TEST(Predicates, OperatorsOnTextsNumbersAndDates) {
   EXPECT_TRUE(holds("{Exif}.FNumber <= 2.8 AND {Exif}.FNumber >= 2.8 AND {Exif}.FNumber == 2.8"));
   EXPECT_FALSE(holds("{Exif}.FNumber > 2.8"));
   EXPECT_TRUE(holds("size BETWEEN {1000000, 3000000}"));
-  EXPECT_FALSE(holds("size BETWEEN {1000000}")) << "between takes two bounds";
+  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(int64_t(5)), MCValue(MCArray{MCValue(int64_t(1))}),
+                                             MCPredicateOperatorType::Between, 0))
+      << "between takes two bounds";
   EXPECT_FALSE(holds("{Exif}.FNumber < \"4\"")) << "a number against a text is no comparison";
   // Texts: case and diacritics only with their options.
   EXPECT_FALSE(holds("{TIFF}.Model BEGINSWITH \"nikon\""));
@@ -47,11 +49,14 @@ TEST(Predicates, OperatorsOnTextsNumbersAndDates) {
   EXPECT_FALSE(holds("name LIKE \"Été*.j?g\""));
   EXPECT_TRUE(holds("name MATCHES[c] \".*lyon\\\\.jpg\""));
   EXPECT_FALSE(holds("name MATCHES \"Lyon\"")) << "the whole text must match";
-  EXPECT_FALSE(holds("name MATCHES \"([unclosed\"")) << "a pattern that does not compile matches nothing";
+  const MCComparisonPredicate unclosed(MCPredicateExpression::keyPathExpression("name"),
+                                       MCPredicateExpression::constantValue(MCValue("([unclosed")),
+                                       MCPredicateOperatorType::Matches);
+  EXPECT_FALSE(unclosed.evaluateWithObject(kPhoto)) << "a pattern that does not compile matches nothing";
   // The same pattern again, then without its option: each pattern and option is its own.
   EXPECT_FALSE(holds("name MATCHES \".*lyon\\\\.jpg\"")) << "without [c] the case counts";
   EXPECT_TRUE(holds("name MATCHES[c] \".*lyon\\\\.jpg\""));
-  EXPECT_FALSE(holds("name MATCHES \"([unclosed\""));
+  EXPECT_FALSE(unclosed.evaluateWithObject(kPhoto));
   EXPECT_TRUE(holds("name MATCHES \".*Lyon\\\\.JPG\""));
   EXPECT_TRUE(holds("{TIFF}.Model < \"Nikon Z 7\"")) << "ordered by collation";
   // Dates in Exif text order as instants.
@@ -84,12 +89,20 @@ TEST(Predicates, BadTextsSayWhereAndDeepTextsAreRefused) {
     std::size_t position;
   };
   for (const Case& bad : {Case{"{Exif}.FNumber <", 16}, Case{"name LOOKS \"x\"", 5}, Case{"name == \"open", 8},
-                          Case{"(size > 1", 9}, Case{"size > 1 size", 9}, Case{"name ==[x] \"a\"", 8}, Case{"", 0}}) {
+                          Case{"(size > 1", 9}, Case{"size > 1 size", 9}, Case{"name ==[x] \"a\"", 8}, Case{"", 0},
+                          Case{"name MATCHES \"[\"", 13}, Case{"name MATCHES[c] \"(a\" OR size > 1", 16},
+                          Case{"size BETWEEN 5", 13}, Case{"size BETWEEN {1, 2, 3}", 13}, Case{"size BETWEEN \"1\"", 13},
+                          Case{"NOT (size > 1 OR size BETWEEN {})", 30}}) {
     auto parsed = MCPredicateParser::parse(bad.text);
     EXPECT_FALSE(parsed) << bad.text;
     EXPECT_EQ(parsed.position, bad.position) << bad.text << ": " << parsed.error;
     EXPECT_NE(parsed.error.find(" at " + std::to_string(bad.position)), std::string::npos) << parsed.error;
   }
+  EXPECT_EQ(MCPredicateParser::parse("name MATCHES \"[\"").error,
+            "the regular expression \"[\" does not compile: missing close bracket at 13");
+  EXPECT_EQ(MCPredicateParser::parse("size BETWEEN 5").error, "BETWEEN takes an array of two values, {low, high} at 13");
+  EXPECT_TRUE(MCPredicateParser::parse("size BETWEEN bounds")) << "a key path's value is known only per object";
+  EXPECT_TRUE(MCPredicateParser::parse("name MATCHES pattern"));
   // Every level of NOT counts, and what is read prints no deeper: NOT of NOT and NOT inside AND
   // need no parentheses, so the deepest text that is read still reads back once printed.
   const std::string nots = std::string(MCPredicateParser::kMaximumDepth, '!') + "size > 1";
@@ -239,8 +252,12 @@ TEST(Predicates, PrintedPredicatesReadBackEqual) {
                              : MCPredicateExpression::constantValue(constant());
     auto right = random() % 4 ? MCPredicateExpression::constantValue(constant())
                               : MCPredicateExpression::keyPathExpression(paths[random() % paths.size()]);
-    return std::make_shared<MCComparisonPredicate>(left, right, operators[random() % operators.size()],
-                                                   MCComparisonPredicateModifier(random() % 3), unsigned(random() % 4));
+    const auto type = operators[random() % operators.size()];
+    // A constant BETWEEN side that is not two bounds does not parse; give it two.
+    if (type == MCPredicateOperatorType::Between && right.kind == MCPredicateExpression::Kind::Constant)
+      right = MCPredicateExpression::constantValue(MCValue(MCArray{constant(), constant()}));
+    return std::make_shared<MCComparisonPredicate>(left, right, type, MCComparisonPredicateModifier(random() % 3),
+                                                   unsigned(random() % 4));
   };
   for (int i = 0; i < 500; ++i) {
     const MCPredicateRef predicate = make(0);

@@ -111,6 +111,27 @@ TEST(VesperonCommandLine, FindPrintsTheFilesThatSatisfyThePredicate) {
   EXPECT_FALSE(contains(bad.output, dir + "/")) << "no file is printed";
 }
 
+// A predicate that could never be evaluated is refused as a text that does not parse is, before
+// any file is read: a regular expression that does not compile, a BETWEEN without two bounds.
+TEST(VesperonCommandLine, FindRefusesPredicatesThatCouldNeverBeEvaluated) {
+  const std::string samples = "'" VESPERON_SAMPLES_DIR "'";
+  struct Case {
+    const char* where;
+    const char* says;
+  };
+  for (const Case& c :
+       {Case{"name MATCHES \"[\"", "the regular expression \"[\" does not compile: missing close bracket at 13"},
+        Case{"name MATCHES[c] \"(\"", "the regular expression \"(\" does not compile: mismatched paren at 16"},
+        Case{"size BETWEEN 5", "BETWEEN takes an array of two values, {low, high} at 13"},
+        Case{"size > 1 AND size BETWEEN {1, 2, 3}", "BETWEEN takes an array of two values, {low, high} at 26"}}) {
+    const Outcome outcome = vesperon("find " + samples + " --where '" + c.where + "'");
+    EXPECT_EQ(outcome.status, 2) << c.where << "\n" << outcome.output;
+    EXPECT_TRUE(contains(outcome.output, std::string("vesperon find: the predicate does not parse: ") + c.says))
+        << c.where << "\n" << outcome.output;
+    EXPECT_FALSE(contains(outcome.output, VESPERON_SAMPLES_DIR "/")) << "no file is printed";
+  }
+}
+
 // A pattern that backtracks without end on one file's name stops the search with a message naming
 // the file and the limit, and a failure status, instead of running for hours.
 TEST(VesperonCommandLine, FindStopsAPatternThatRunsPastItsLimit) {

@@ -4,8 +4,9 @@
 // identifier) and "modificationDate" (Exif text, local time), so that
 //     {Exif}.FNumber < 2.8 AND {TIFF}.Model BEGINSWITH[c] "nikon"
 //     name LIKE[c] "*.heic" OR size > 1000000
-// both work. A text that does not parse prints the reason with its position, and nothing else:
-// status 2. A pattern that runs past its match limit on a file ends the search
+// both work. A text that does not parse, or that could never be evaluated (a MATCHES pattern that
+// does not compile, a BETWEEN without two bounds), prints the reason with its position, and
+// nothing else: status 2. A pattern that runs past its match limit on a file ends the search
 // with a message naming the file: status 1.
 
 #include "MediaFiles.h"

@@ -8,6 +8,7 @@
 #include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <cctype>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -147,6 +148,15 @@ std::string shortened(const std::string& text) {
   std::size_t end = kLength;
   while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
   return text.substr(0, end) + "…";
+}
+
+// "U_REGEX_MISSING_CLOSE_BRACKET" as "missing close bracket".
+std::string regexErrorText(UErrorCode status) {
+  std::string name = u_errorName(status);
+  if (name.rfind("U_REGEX_", 0) == 0) name.erase(0, 8);
+  else if (name.rfind("U_", 0) == 0) name.erase(0, 2);
+  for (char& c : name) c = c == '_' ? ' ' : char(std::tolower(static_cast<unsigned char>(c)));
+  return name;
 }
 
 std::optional<double> numberOf(const MCValue& value) {
@@ -303,6 +313,25 @@ bool MCComparisonPredicate::compare(const MCValue& left, const MCValue& right, M
     case T::CustomSelector: return false;
   }
   return false;
+}
+
+std::string MCComparisonPredicate::validationError() const {
+  if (right_.kind != MCPredicateExpression::Kind::Constant) return {};
+  if (type_ == MCPredicateOperatorType::Matches) {
+    if (const std::string* pattern = right_.constant.string()) {
+      UErrorCode status = U_ZERO_ERROR;
+      UParseError error;
+      const uint32_t flags = (options_ & MCCaseInsensitivePredicateOption) ? UREGEX_CASE_INSENSITIVE : 0;
+      std::unique_ptr<icu::RegexPattern> compiled(icu::RegexPattern::compile(unicode(*pattern), flags, error, status));
+      if (U_FAILURE(status))
+        return "the regular expression " + quoted(*pattern) + " does not compile: " + regexErrorText(status);
+    }
+  }
+  if (type_ == MCPredicateOperatorType::Between) {
+    const MCArray* bounds = right_.constant.array();
+    if (!bounds || bounds->size() != 2) return "BETWEEN takes an array of two values, {low, high}";
+  }
+  return {};
 }
 
 bool MCComparisonPredicate::evaluateWithObject(const MCDictionary& object) const {

@@ -11,7 +11,8 @@
 // Text: the operators compare under ICU's root collation; the option "c" makes a comparison
 // case-insensitive and "d" diacritic-insensitive. "like" takes the wildcards * and ? (no escape:
 // a backslash is itself), in time bounded by the text's length times the pattern's; "matches" a
-// whole-text ICU regular expression (one that does not compile matches nothing). A match is bounded in steps and backtracking memory: one that runs
+// whole-text ICU regular expression (one that does not compile matches nothing; the parser
+// refuses a constant one). A match is bounded in steps and backtracking memory: one that runs
 // past either throws MCPredicateEvaluationError rather than answer. Numbers
 // compare as numbers, dates (texts in Exif form "YYYY:MM:DD HH:MM:SS" or ISO 8601 on both sides,
 // see MCPredicateDate) as the instants they name. "between" takes a two-element array,
@@ -109,6 +110,10 @@ class MCComparisonPredicate : public MCPredicateNode {
   bool evaluateWithObject(const MCDictionary& object) const override;
   std::string predicateFormat() const override;
   bool isEqual(const MCPredicateNode& other) const override;
+
+  /// What makes the comparison unusable whatever the object, or empty: a constant MATCHES
+  /// pattern that does not compile, a constant BETWEEN side that is not an array of two values.
+  std::string validationError() const;
 
   /// The comparison of two values alone. Throws MCPredicateEvaluationError as told above.
   static bool compare(const MCValue& left, const MCValue& right, MCPredicateOperatorType type, unsigned options);

@@ -106,8 +106,15 @@ class Parser {
       }
       if (!symbol("]")) fail("expected ]");
     }
+    skipSpace();
+    const std::size_t rightStart = at_;
     MCPredicateExpression right = expression(depth);
-    return std::make_shared<MCComparisonPredicate>(std::move(left), std::move(right), type, modifier, options);
+    auto made = std::make_shared<MCComparisonPredicate>(std::move(left), std::move(right), type, modifier, options);
+    if (std::string problem = made->validationError(); !problem.empty()) {
+      at_ = rightStart;
+      fail(problem);
+    }
+    return made;
   }
 
   MCPredicateOperatorType operatorType() {

@@ -1,7 +1,9 @@
 #pragma once
 // MCPredicateParser: reads the text form that MCPredicateNode::predicateFormat prints (see
 // MCPredicateNode.h) back into a predicate. A text that does not parse gives no predicate and the
-// reason with its byte position ("expected an operator at 17"). Nesting — NOT, parentheses and
+// reason with its byte position ("expected an operator at 17"); so does a comparison that could
+// never be evaluated — a constant MATCHES pattern that does not compile, a BETWEEN whose constant
+// side is not an array of two values — pointing at that side. Nesting — NOT, parentheses and
 // arrays, each a level — is bounded at kMaximumDepth, so a very deep text is refused rather than
 // exhausting the stack; what is read prints a text no deeper, which reads back.
 
