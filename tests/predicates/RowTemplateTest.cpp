@@ -14,6 +14,10 @@
 
 #include <gtest/gtest.h>
 
+#include <clocale>
+#include <string>
+#include <vector>
+
 namespace {
 
 using Type = MCPredicateOperatorType;
@@ -105,6 +109,42 @@ TEST(RowTemplates, NumbersFractionsDurationsAndSizes) {
   field(again).stringValue = "3";
   EXPECT_EQ(formatOf(again), "size > 3000000000.0");
   EXPECT_EQ(sizeUnits.selectedItem()->tag, 0);
+}
+
+// The duration and size fields read what strtod reads in the C locale, whatever the process's
+// locale: a sign, "+" included, exponents and hexadecimal, but not a comma for the decimal point,
+// white space, or a second sign.
+TEST(RowTemplates, UnitFieldsReadNumbersAsTheCLocaleDoesInEveryLocale) {
+  const std::string saved = std::setlocale(LC_ALL, nullptr);
+  std::vector<const char*> locales{"C"};
+  if (std::setlocale(LC_ALL, "de_DE.UTF-8")) locales.push_back("de_DE.UTF-8");
+  std::setlocale(LC_ALL, saved.c_str());
+  EXPECT_EQ(locales.size(), 2u) << "the de_DE.UTF-8 locale is not installed (scripts/setup.sh makes it)";
+
+  MCPredicateEditorBuilder builder(false);
+  builder.addTimeDurationTemplate({"{Movie}.Duration", "Duration"}, ops({Type::LessThan}));
+  builder.addFileSizeTemplate({"size", "Size"}, ops({Type::GreaterThan}));
+  auto size = lastRow(builder)->copy();
+  auto duration = builder.rowTemplates()[builder.rowTemplates().size() - 2]->copy();
+  popUp(size, 3).selectItemWithTag(1);      // MB
+  popUp(duration, 3).selectItemWithTag(1);  // minutes
+  const std::pair<const char*, const char*> sizes[] = {
+      {"+1.5", "size > 1500000.0"}, {"-2", "size > -2000000.0"},  {"+.5", "size > 500000.0"},
+      {"1e1", "size > 10000000.0"}, {"+0x10", "size > 16000000.0"}, {"1,5", "FALSEPREDICATE"},
+      {"+", "FALSEPREDICATE"},      {"++1", "FALSEPREDICATE"},      {"+-1", "FALSEPREDICATE"},
+      {" +1", "FALSEPREDICATE"},    {"+1 ", "FALSEPREDICATE"},      {"+ 1", "FALSEPREDICATE"},
+      {"+inf", "FALSEPREDICATE"},   {"1e999", "FALSEPREDICATE"},
+  };
+  for (const char* locale : locales) {
+    ASSERT_TRUE(std::setlocale(LC_ALL, locale));
+    for (const auto& [text, expected] : sizes) {
+      field(size).stringValue = text;
+      EXPECT_EQ(formatOf(size), expected) << '"' << text << "\" in " << locale;
+    }
+    field(duration).stringValue = "+2";
+    EXPECT_EQ(formatOf(duration), "{Movie}.Duration < 120.0") << locale;
+  }
+  std::setlocale(LC_ALL, saved.c_str());
 }
 
 // A text row: the text operators ignore case and diacritics; "is empty" compares with the empty

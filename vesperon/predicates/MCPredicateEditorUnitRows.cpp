@@ -2,16 +2,24 @@
 
 #include <vesperon/controls/MCTextFieldModel.h>
 
-#include <charconv>
+#include <clocale>
 #include <cmath>
+#include <cstdlib>
+#include <string>
 
 namespace mc_detail {
 
 std::optional<double> wholeNumberOfText(std::string_view text) {
-  double value = 0;
-  const char* end = text.data() + text.size();
-  const auto [stop, error] = std::from_chars(text.data(), end, value);
-  if (text.empty() || error != std::errc() || stop != end || !std::isfinite(value)) return std::nullopt;
+  // strtod under the C locale whatever the process's own, so "1.5" is a number and "1,5" not in
+  // every language; it takes a sign ("+1.5", "-2") and hexadecimal as strtod does. It would skip
+  // white space before the number, which the field must not have.
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", locale_t(nullptr));
+  if (!cLocale || text.empty() || std::string_view(" \t\n\v\f\r").find(text.front()) != std::string_view::npos)
+    return std::nullopt;
+  const std::string terminated(text);
+  char* end = nullptr;
+  const double value = strtod_l(terminated.c_str(), &end, cLocale);
+  if (end != terminated.c_str() + terminated.size() || !std::isfinite(value)) return std::nullopt;
   return value;
 }
 
