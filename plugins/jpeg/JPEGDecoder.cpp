@@ -2,6 +2,8 @@
 
 #include "ProfileConversion.h"
 
+#include <algorithm>
+#include <climits>
 #include <csetjmp>
 #include <cstdlib>
 #include <cstring>
@@ -151,6 +153,23 @@ unsigned JPEGDecoder::scaleNumeratorCovering(std::size_t pixelSize) const {
 
 bool JPEGDecoder::wasTruncated() const { return state_->error.truncated; }
 
+uint64_t JPEGDecoder::coefficientBufferPixels() const {
+  // After the header, libjpeg knows the scan layout and each component's size in blocks; an image
+  // in several scans keeps every block's coefficients from the first scan to the last, rounded up
+  // to whole sampling units as libjpeg's coefficient controller asks for them.
+  auto& cinfo = state_->cinfo;
+  if (cinfo.global_state != 202 /* DSTATE_READY: header read, not started */ || !jpeg_has_multiple_scans(&cinfo))
+    return 0;
+  uint64_t bytes = 0;
+  for (int i = 0; i < cinfo.num_components; ++i) {
+    const jpeg_component_info& component = cinfo.comp_info[i];
+    const auto roundUp = [](uint64_t value, int unit) { return unit > 0 ? (value + unit - 1) / unit * unit : value; };
+    bytes += roundUp(component.width_in_blocks, component.h_samp_factor) *
+             roundUp(component.height_in_blocks, component.v_samp_factor) * sizeof(JBLOCK);
+  }
+  return (bytes + 3) / 4;
+}
+
 bool JPEGDecoder::decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPixels& out) {
   State& s = *state_;
   if (s.used) return false;
@@ -162,12 +181,20 @@ bool JPEGDecoder::decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPi
   s.cinfo.scale_denom = 8;
   s.cinfo.out_color_space = cmyk ? JCS_CMYK : JCS_EXT_RGBA;
   s.cinfo.dct_method = JDCT_ISLOW;
+  const uint64_t working = coefficientBufferPixels();
   jpeg_calc_output_dimensions(&s.cinfo);
-  if (uint64_t(s.cinfo.output_width) * s.cinfo.output_height > maxPixelCount) {
+  const uint64_t outputPixels = uint64_t(s.cinfo.output_width) * s.cinfo.output_height;
+  if (outputPixels > maxPixelCount || working > maxPixelCount - outputPixels) {
     refusedWidth_ = s.cinfo.output_width;
     refusedHeight_ = s.cinfo.output_height;
+    refusedWorkingPixels_ = working;
     return false;
   }
+  // What libjpeg allocates itself stays within the budget too, with room for its tables and row
+  // buffers: past it, it fails rather than grows.
+  constexpr uint64_t kTablesAndRows = 16u << 20;
+  s.cinfo.mem->max_memory_to_use =
+      long(std::min<uint64_t>(maxPixelCount, (uint64_t(LONG_MAX) - kTablesAndRows) / 4) * 4 + kTablesAndRows);
   out.width = s.cinfo.output_width;
   out.height = s.cinfo.output_height;
   out.bytes.resize(out.width * out.height * 4);

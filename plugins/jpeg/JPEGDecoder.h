@@ -12,8 +12,13 @@
 // photo over grey. A user who sees the top half of a photo recognises it and sees that the file is
 // damaged; a missing thumbnail says neither. `wasTruncated` tells a caller that wants to know.
 //
-// The decode budget: `decode` refuses, before it allocates, an output of more pixels than the
-// limit it is given, measured after DCT scaling, and says so through `refusedPixelCount`.
+// The decode budget: `decode` refuses, before it allocates, what would hold more pixels than the
+// limit it is given: the output, measured after DCT scaling, and for an image in several scans
+// (progressive, or components in scans of their own) libjpeg's whole-image coefficient buffers,
+// which DCT scaling does not shrink: 128 bytes per block of each component, counted as pixels of
+// four bytes. It says so through `refusedWidth`, `refusedHeight` and `refusedWorkingPixels`.
+// libjpeg's own memory is capped at the budget too (`max_memory_to_use`), so that nothing it
+// allocates on its own can pass it.
 //
 // Pixels come out in sRGB: an embedded ICC profile (APP2 "ICC_PROFILE" segments) of the file's
 // model is applied through Little CMS; without one, RGB is taken as sRGB and CMYK is converted by
@@ -59,6 +64,10 @@ class JPEGDecoder {
   /// After a decode refused by the budget: the output size it would have had; 0 × 0 otherwise.
   std::size_t refusedWidth() const { return refusedWidth_; }
   std::size_t refusedHeight() const { return refusedHeight_; }
+  /// ... and the pixels' worth of coefficient buffers it would have needed beside the output.
+  uint64_t refusedWorkingPixels() const { return refusedWorkingPixels_; }
+  /// The pixels' worth of whole-image coefficient buffers a decode needs: 0 for an image in one scan.
+  uint64_t coefficientBufferPixels() const;
   /// After a decode: whether the data ended early and the image is partial.
   bool wasTruncated() const;
 
@@ -70,6 +79,7 @@ class JPEGDecoder {
   std::unique_ptr<State> state_;
   std::size_t width_ = 0, height_ = 0;
   std::size_t refusedWidth_ = 0, refusedHeight_ = 0;
+  uint64_t refusedWorkingPixels_ = 0;
   ColorModel colorModel_ = ColorModel::RGB;
   std::vector<uint8_t> exif_;
   std::vector<uint8_t> icc_;

@@ -1,9 +1,8 @@
 #include "JPEGImageSource.h"
 
-#include <vesperon/core/MCLog.h>
-#include <vesperon/metadata/MCImagePropertyKeys.h>
+#include "DecodeBudget.h"
 
-#include <fmt/format.h>
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <algorithm>
 
@@ -22,9 +21,8 @@ bool JPEGImageSource::decodeWithinBudget(JPEGDecoder& decoder, unsigned scaleNum
                                          RGBAPixels& out) const {
   if (decoder.decode(scaleNumerator, options_.decodePixelLimit(), out)) return true;
   if (decoder.refusedWidth() != 0)
-    MCLog::sdkGraphics()->logError(fmt::format("Refused to decode {} of {}: {} x {} pixels is beyond the limit of {}",
-                                               what, url_.string(), decoder.refusedWidth(), decoder.refusedHeight(),
-                                               options_.decodePixelLimit()));
+    logDecodeRefusal(url_.string(), decoder.refusedWidth(), decoder.refusedHeight(), decoder.refusedWorkingPixels(),
+                     options_.decodePixelLimit(), what);
   return false;
 }
 

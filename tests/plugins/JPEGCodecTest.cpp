@@ -9,7 +9,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cstdlib>
 #include <fstream>
+#include <iterator>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -328,5 +331,54 @@ TEST(JPEGCodec, DecodeBudgetCountsTheScaledSizeAndRefusesWithALogLine) {
       << log.text();
   EXPECT_FALSE(MCImageReader::newThumbnailWithURL(dir / "huge.jpg", "public.jpeg", thumbnailOptions(false, true, true, 0, 256),
                                                   nullptr));
+  fs::remove_all(dir);
+}
+
+// A progressive JPEG keeps the coefficients of the whole frame from its first scan to its last,
+// 128 bytes per 8 × 8 block of each component whatever the output scale, and the budget counts
+// them beside the output: the 64 × 48 picture in three full-size components has 3 × 8 × 6 blocks,
+// 18432 bytes, 4608 pixels' worth. The same picture in one scan needs the output alone. A frame
+// that claims 65500 × 65500 would need 25.7 GB of them for a thumbnail decoded at 1/8: refused,
+// saying so, before libjpeg allocates any.
+TEST(JPEGCodec, ProgressiveCoefficientBuffersCountInTheDecodeBudget) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  const fs::path dir = scratchDirectory("jpeg-progressive");
+  const fs::path progressive = dir / "progressive.jpg";
+  ASSERT_EQ(std::system(("jpegtran -progressive -outfile '" + progressive.string() + "' '" +
+                         fixture("quadrants.jpg").string() + "'").c_str()),
+            0)
+      << "jpegtran comes with libjpeg-turbo-progs (scripts/setup.sh)";
+  const std::vector<uint8_t> bytes = claimed_size::readBytes(progressive);
+  const uint8_t progressiveFrame[] = {0xFF, 0xC2};
+  ASSERT_NE(std::search(bytes.begin(), bytes.end(), std::begin(progressiveFrame), std::end(progressiveFrame)), bytes.end());
+
+  MCImageReadingOptions options;
+  options.maxDecodePixelCount = 3072 + 4608;
+  auto image = MCImageReader::newImageWithURL(progressive, "public.jpeg", options, nullptr);
+  ASSERT_TRUE(image);
+  expectQuadrants(image, 2);
+  options.maxDecodePixelCount = 3072 + 4608 - 1;
+  EXPECT_FALSE(MCImageReader::newImageWithURL(progressive, "public.jpeg", options, nullptr));
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + progressive.string() +
+                           ": 64 x 48 pixels and 4608 more to work in is beyond the limit of 7679"))
+      << log.text();
+  options.maxDecodePixelCount = 3072;
+  EXPECT_TRUE(MCImageReader::newImageWithURL(fixture("quadrants.jpg"), "public.jpeg", options, nullptr))
+      << "one scan: the output alone";
+  // At 1/8 the output is 8 × 6, the coefficients stay those of the full frame.
+  options.scaleFactor = 0.125;
+  options.maxDecodePixelCount = 48 + 4608;
+  EXPECT_TRUE(MCImageReader::newImageWithURL(progressive, "public.jpeg", options, nullptr));
+  options.maxDecodePixelCount = 48 + 4608 - 1;
+  EXPECT_FALSE(MCImageReader::newImageWithURL(progressive, "public.jpeg", options, nullptr));
+
+  const fs::path huge = dir / "huge-progressive.jpg";
+  ASSERT_TRUE(claimed_size::writeJPEGClaiming(progressive, huge, 65500, 65500));
+  EXPECT_FALSE(MCImageReader::newThumbnailWithURL(huge, "public.jpeg", thumbnailOptions(false, true, true, 0, 256), nullptr));
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + huge.string() +
+                           ": 8188 x 8188 pixels and 6436161024 more to work in is beyond the limit of 128000000"))
+      << log.text();
+  EXPECT_FALSE(MCImageReader::newImageWithURL(huge, "public.jpeg", MCImageReadingOptions(), nullptr));
   fs::remove_all(dir);
 }
