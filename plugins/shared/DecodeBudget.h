@@ -4,9 +4,9 @@
 // "Refused to decode <what> of <file>: <w> x <h> pixels is beyond the limit of <n>".
 //
 // What counts is everything a decode holds at once, in pixels of four bytes: the output image,
-// plus what the decoder works in beside it: libjpeg's whole-image coefficient buffers of a
-// progressive JPEG (128 bytes per 8 × 8 block of each component, at the full size whatever the
-// output scale). When such working pixels
+// plus what the decoder works in beside it — the frame an animation's first picture is decoded
+// from, libjpeg's whole-image coefficient buffers of a progressive JPEG (128 bytes per 8 × 8
+// block of each component, at the full size whatever the output scale). When such working pixels
 // count, the line says so: "<w> x <h> pixels and <k> more to work in is beyond the limit of <n>".
 
 #include <cstddef>

@@ -52,36 +52,53 @@ std::shared_ptr<WebPImageSource> WebPImageSource::create(std::shared_ptr<SourceB
   return source;
 }
 
+// The first frame on its canvas, as the animation decoder composes it — a first frame is a key
+// frame, so that is the frame over a transparent canvas — but decoded straight into the output:
+// the animation decoder keeps two canvases of its own and hands out a third, three times the
+// image, where this holds the image and, for a lossless frame, the frame's own pixels beside it.
+bool WebPImageSource::decodeFirstFrame(std::size_t width, std::size_t height, uint64_t pixelLimit, RGBAPixels& out) const {
+  const WebPData data{bytes_->data(), bytes_->size()};
+  WebPDemuxer* demux = WebPDemux(&data);
+  if (!demux) return false;
+  WebPIterator frame;
+  if (!WebPDemuxGetFrame(demux, 1, &frame)) {
+    WebPDemuxDelete(demux);
+    return false;
+  }
+  const std::size_t x = std::size_t(frame.x_offset), y = std::size_t(frame.y_offset);
+  const std::size_t frameWidth = std::size_t(frame.width), frameHeight = std::size_t(frame.height);
+  bool ok = frameWidth && frameHeight && x + frameWidth <= width_ && y + frameHeight <= height_ &&
+            withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit, "the image", uint64_t(frameWidth) * frameHeight);
+  WebPDecoderConfig config;
+  ok = ok && WebPInitDecoderConfig(&config);
+  if (ok) {
+    out.width = width_;
+    out.height = height_;
+    out.bytes.assign(width_ * height_ * 4, 0);
+    config.output.colorspace = MODE_RGBA;
+    config.output.is_external_memory = 1;
+    config.output.u.RGBA.rgba = out.bytes.data() + (y * width_ + x) * 4;
+    config.output.u.RGBA.stride = int(width_ * 4);
+    config.output.u.RGBA.size = (frameHeight - 1) * width_ * 4 + frameWidth * 4;
+    ok = WebPDecode(frame.fragment.bytes, frame.fragment.size, &config) == VP8_STATUS_OK;
+    WebPFreeDecBuffer(&config.output);
+  }
+  WebPDemuxReleaseIterator(&frame);
+  WebPDemuxDelete(demux);
+  if (!ok) return false;
+  if (!icc_.empty()) convertProfiledPixelsToSRGB(out.bytes.data(), width_ * height_, ProfiledLayout::RGBA, icc_);
+  premultiplyRGBA(out.bytes);
+  if (width != width_ || height != height_) out = resampleRGBA(out, width, height);
+  return true;
+}
+
 bool WebPImageSource::decode(std::size_t width, std::size_t height, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (!withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit)) return false;
   if (!width || !height) {
     width = width_;
     height = height_;
   }
-  if (animated_) {
-    // The first frame, composed on the canvas by the animation decoder.
-    const WebPData data{bytes_->data(), bytes_->size()};
-    WebPAnimDecoderOptions options;
-    if (!WebPAnimDecoderOptionsInit(&options)) return false;
-    options.color_mode = MODE_RGBA;
-    options.use_threads = 0;
-    WebPAnimDecoder* decoder = WebPAnimDecoderNew(&data, &options);
-    if (!decoder) return false;
-    uint8_t* canvas = nullptr;
-    int timestamp = 0;
-    const bool ok = WebPAnimDecoderGetNext(decoder, &canvas, &timestamp) && canvas;
-    if (ok) {
-      out.width = width_;
-      out.height = height_;
-      out.bytes.assign(canvas, canvas + width_ * height_ * 4);
-    }
-    WebPAnimDecoderDelete(decoder);
-    if (!ok) return false;
-    if (!icc_.empty()) convertProfiledPixelsToSRGB(out.bytes.data(), width_ * height_, ProfiledLayout::RGBA, icc_);
-    premultiplyRGBA(out.bytes);
-    if (width != width_ || height != height_) out = resampleRGBA(out, width, height);
-    return true;
-  }
+  if (animated_) return decodeFirstFrame(width, height, pixelLimit, out);
+  if (!withinDecodeBudget(bytes_->name(), width_, height_, pixelLimit)) return false;
   WebPDecoderConfig config;
   if (!WebPInitDecoderConfig(&config)) return false;
   config.output.colorspace = icc_.empty() ? MODE_rgbA : MODE_RGBA;  // a profile applies to straight colour

@@ -9,7 +9,8 @@
 //   metadataWithOptions      pixel size, alpha, the EXIF chunk through the library's Exif road,
 //                            and the frame count of an animation (kMCImagePropertyImageCount)
 //
-// Every decode keeps to the options' decode budget; a damaged file gives none.
+// Every decode keeps to the options' decode budget, which counts the canvas and, for an animation,
+// the first frame decoded onto it; a damaged file gives none.
 
 #include "EmbeddedExif.h"
 #include "PixelResampler.h"
@@ -31,6 +32,9 @@ class WebPImageSource : public MCImageSource {
   WebPImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSourceOptions options) : bytes_(std::move(bytes)), options_(std::move(options)) {}
   /// Decoded at `width` × `height` (the canvas size when 0), or none.
   bool decode(std::size_t width, std::size_t height, uint64_t pixelLimit, RGBAPixels& out) const;
+  /// An animation's first frame on its canvas, decoded at the canvas size and resampled to
+  /// `width` × `height`.
+  bool decodeFirstFrame(std::size_t width, std::size_t height, uint64_t pixelLimit, RGBAPixels& out) const;
 
   std::shared_ptr<SourceBytes> bytes_;
   MCImageSourceOptions options_;

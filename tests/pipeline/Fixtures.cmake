@@ -1,7 +1,8 @@
 # The strategy and thumbnail cache tests read real JPEG files through the JPEG plug-in.
 list(APPEND fixture_dependencies vesperon_plugin_jpeg)
-# The `vesperon` program, which the thumbs command test runs.
-list(APPEND fixture_dependencies vesperon_tool)
+# The `vesperon` program, which the thumbs command test runs, and the WebP plug-in it reads an
+# animation with.
+list(APPEND fixture_dependencies vesperon_tool vesperon_plugin_webp)
 list(APPEND fixture_definitions VESPERON_TOOL="$<TARGET_FILE:vesperon_tool>")
 # A codec plug-in that throws for files whose names ask it to, in a fixture folder of its own that
 # the fault tests register.

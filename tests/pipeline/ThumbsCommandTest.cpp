@@ -12,6 +12,7 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -93,6 +94,29 @@ TEST(VesperonThumbs, HugeClaimsAndGarbageAreFailuresAndTheRestIsMade) {
   EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "good.jpg"));
   EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "also-good.jpg"));
   EXPECT_FALSE(fs::exists(folder.path() / "out" / "huge.png.jpg"));
+}
+
+// An animation whose canvas claims 11000 × 11000 pixels (121 million, within the budget) over
+// frames of 320 × 240: its thumbnail is made holding the canvas once, 484 MB, where the animation
+// decoder would keep two canvases of its own and hand out a third (1.45 GB at the peak).
+TEST(VesperonThumbs, AnAnimationOnAHugeCanvasHoldsTheCanvasOnce) {
+  PipelineTestFolder folder("thumbs-canvas");
+  fs::create_directories(folder.path() / "photos");
+  const fs::path red = folder.jpeg("red.jpg", 320, 240, {200, 30, 30});
+  const fs::path green = folder.jpeg("green.jpg", 320, 240, {30, 200, 30});
+  const fs::path animation = folder.path() / "animation.webp";
+  ASSERT_EQ(std::system(("img2webp -loop 0 -d 100 '" + red.string() + "' '" + green.string() + "' -o '" +
+                         animation.string() + "' >/dev/null 2>&1")
+                            .c_str()),
+            0)
+      << "img2webp comes with the webp package (scripts/setup.sh)";
+  ASSERT_TRUE(claimed_size::writeWebPClaimingCanvas(animation, folder.path() / "photos" / "canvas.webp", 11000, 11000));
+  const std::string summary = thumbs(folder, "out");
+  EXPECT_NE(summary.find("1 files, 0 failures"), std::string::npos) << summary;
+  EXPECT_TRUE(MCCreateImageWithURL(folder.path() / "out" / "canvas.webp.jpg"));
+  rusage usage{};
+  ASSERT_EQ(getrusage(RUSAGE_CHILDREN, &usage), 0);
+  EXPECT_LT(usage.ru_maxrss, 900L * 1024) << "the peak in KB of `vesperon thumbs`";
 }
 
 // `kill -9` of a run at random moments: after the next run, the cache holds only whole files and

@@ -1,10 +1,12 @@
 #include "PlugInTestSupport.h"
 
+#include "../support/ClaimedSizeFiles.h"
 #include "../support/LogCapture.h"
 
 #include <vesperon/codecs/MCImageSourceProperties.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
@@ -53,6 +55,51 @@ TEST(WebPCodec, StillAlphaAnimatedAndScaledThumbnails) {
   ASSERT_TRUE(animated);
   expectQuadrants(animated->newImage(), 2);
   EXPECT_EQ(integer(*animated->metadataWithOptions(std::nullopt), kMCImagePropertyImageCount), 2);
+}
+
+// An animation's first frame sits on its canvas at the frame's offset over transparency, as the
+// animation decoder composes it, but without that decoder's own canvases: the budget counts the
+// canvas and the frame beside it, and nothing else. The frame is 64 × 48 at (32, 16) of a canvas
+// claimed as 640 × 480: 307200 + 3072 pixels.
+TEST(WebPCodec, AnAnimationsFirstFrameCostsItsCanvasAndTheFrame) {
+  LogCapture log;
+  ASSERT_TRUE(log.available());
+  const auto dir = scratchDirectory("webp-canvas");
+  const auto quadrants = fixture("quadrants.webp").string();
+  const auto made = dir / "offset.webp";
+  ASSERT_EQ(std::system(("webpmux -frame '" + quadrants + "' +100+32+16 -frame '" + quadrants + "' +100+0+0 -o '" +
+                         made.string() + "' >/dev/null 2>&1").c_str()),
+            0)
+      << "webpmux comes with the webp package (scripts/setup.sh)";
+  const auto claimed = dir / "claimed.webp";
+  ASSERT_TRUE(claimed_size::writeWebPClaimingCanvas(made, claimed, 640, 480));
+
+  auto open = [&](uint64_t limit) {
+    auto options = MCImageSourceOptions::create("org.webmproject.webp");
+    options->maxDecodePixelCount = limit;
+    return codecFor("org.webmproject.webp")->imageSourceWithURL(claimed, *options);
+  };
+  auto image = open(640 * 480 + 64 * 48)->newImage();
+  ASSERT_TRUE(image);
+  ASSERT_EQ(image->width(), 640u);
+  ASSERT_EQ(image->height(), 480u);
+  EXPECT_EQ(pixelAt(image, 31, 16), (std::array<int, 4>{0, 0, 0, 0})) << "left of the frame";
+  EXPECT_EQ(pixelAt(image, 32, 15), (std::array<int, 4>{0, 0, 0, 0})) << "above the frame";
+  EXPECT_EQ(pixelAt(image, 300, 300), (std::array<int, 4>{0, 0, 0, 0}));
+  EXPECT_EQ(pixelAt(image, 32, 16), (std::array<int, 4>{255, 0, 0, 255})) << "the frame's first pixel";
+  EXPECT_EQ(pixelAt(image, 32 + 63, 16 + 47), (std::array<int, 4>{255, 255, 255, 255})) << "its last";
+  EXPECT_EQ(pixelAt(image, 32 + 64, 16 + 47), (std::array<int, 4>{0, 0, 0, 0}));
+  EXPECT_EQ(pixelAt(image, 32 + 63, 16 + 48), (std::array<int, 4>{0, 0, 0, 0}));
+  auto thumbnail = open(640 * 480 + 64 * 48)->newThumbnailWithOptions(thumbnailOptions(false, true, false, 0, 64));
+  ASSERT_TRUE(thumbnail);
+  EXPECT_EQ(thumbnail->width(), 64u);
+  EXPECT_EQ(thumbnail->height(), 48u);
+
+  EXPECT_FALSE(open(640 * 480 + 64 * 48 - 1)->newImage());
+  EXPECT_TRUE(log.contains("Refused to decode the image of " + claimed.string() +
+                           ": 640 x 480 pixels and 3072 more to work in is beyond the limit of 310271"))
+      << log.text();
+  std::filesystem::remove_all(dir);
 }
 
 TEST(WebPCodec, TheExifChunkGivesTagsAndTurnsThumbnails) {

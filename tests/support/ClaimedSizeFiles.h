@@ -1,7 +1,7 @@
 #pragma once
 // Small image files whose headers claim far more pixels than they hold, made by the tests that
-// need them instead of being checked in: a PNG of 100000 × 100000 pixels in about 58 KB, and a
-// JPEG whose frame header is rewritten to claim another size.
+// need them instead of being checked in: a PNG of 100000 × 100000 pixels in about 58 KB, a JPEG
+// whose frame header is rewritten to claim another size, and a WebP animation whose canvas is.
 
 #include <cstdint>
 #include <filesystem>
@@ -79,6 +79,20 @@ inline bool writeJPEGClaiming(const std::filesystem::path& source, const std::fi
     i += 2 + length;
   }
   return false;
+}
+
+/// A copy of the extended-format WebP `source` (an animation, say) whose VP8X header claims a
+/// canvas of width × height (each at most 16384); its frames stay as they were, at their offsets.
+inline bool writeWebPClaimingCanvas(const std::filesystem::path& source, const std::filesystem::path& path, uint32_t width,
+                                    uint32_t height) {
+  std::vector<uint8_t> bytes = readBytes(source);
+  if (bytes.size() < 30 || std::string(bytes.begin() + 12, bytes.begin() + 16) != "VP8X") return false;
+  for (int i = 0; i < 3; ++i) {
+    bytes[24 + i] = uint8_t((width - 1) >> (8 * i));
+    bytes[27 + i] = uint8_t((height - 1) >> (8 * i));
+  }
+  writeBytes(path, bytes);
+  return true;
 }
 
 /// Where the entropy-coded data of the JPEG's first scan begins (just after its SOS segment), or 0.
