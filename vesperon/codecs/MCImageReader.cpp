@@ -4,7 +4,10 @@
 #include <vesperon/core/MCLog.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
+#include <algorithm>
 #include <exception>
+#include <mutex>
+#include <unordered_set>
 
 namespace {
 
@@ -39,6 +42,47 @@ std::optional<std::string> typeOf(const std::filesystem::path& url, const std::o
   return identifier;
 }
 
+// A file whose name lies about its type (a WebP named ".tif", a HEIC named ".webp") fails with
+// every extension of the name's type. Its content may show another type that some extension not
+// yet tried reads: that type, for a second round; none when there is nothing new to try. The
+// mismatch is logged once per file for the process, however often the file is read.
+std::optional<std::string> typeOfContentInstead(const std::filesystem::path& url, const std::string& tried) {
+  auto& manager = MCImageCodecManager::sharedInstance();
+  const auto triedExtensions = manager.sourceExtensionsForUTI(tried);
+  if (!triedExtensions || triedExtensions->empty()) return std::nullopt;  // nothing was tried: the file stays unopened
+  auto content = MCTypeIdentifierForContentsOfURL(url);
+  if (!content || MCTypeEqual(*content, tried)) return std::nullopt;
+  const auto extensions = manager.sourceExtensionsForUTI(*content);
+  if (!extensions) return std::nullopt;
+  const bool somethingNew = std::any_of(extensions->begin(), extensions->end(), [&](const auto& extension) {
+    return std::find(triedExtensions->begin(), triedExtensions->end(), extension) == triedExtensions->end();
+  });
+  if (!somethingNew) return std::nullopt;
+  static std::mutex mutex;
+  static std::unordered_set<std::string> logged;
+  bool first = false;
+  {
+    std::lock_guard lock(mutex);
+    first = logged.insert(url.string()).second;
+  }
+  if (first)
+    MCLog::sdkGraphics()->log("The file " + url.string() + " is named as " + tried + " but its content is " + *content +
+                              "; read as " + *content);
+  return content;
+}
+
+// The same options for another type.
+MCImageSourceOptions retyped(const MCImageSourceOptions& options, const std::string& type) {
+  MCImageSourceOptions out = *MCImageSourceOptions::create(type);
+  out.minThumbnailPixelSize = options.minThumbnailPixelSize;
+  out.maxThumbnailPixelSize = options.maxThumbnailPixelSize;
+  out.shouldAutoRotate = options.shouldAutoRotate;
+  out.subsampleFactor = options.subsampleFactor;
+  out.maxDecodePixelCount = options.maxDecodePixelCount;
+  out.setRawOptions(options.rawOptions());
+  return out;
+}
+
 // The starting raw settings of every read: a thumbnail read uses them as they are.
 MCRAWImageSourceOptions baseRawOptions() {
   MCRAWImageSourceOptions raw;
@@ -71,6 +115,22 @@ MCRasterImageRef firstImage(const std::filesystem::path& url, const std::string&
     }
   }
   return nullptr;
+}
+
+// The present result of the extensions in order: replaced by each that opens the file, until one
+// has at least one entry.
+template <typename Extensions>
+std::optional<MCDictionary> firstMetadata(const std::filesystem::path& url, const Extensions& extensions,
+                                          const MCImageSourceOptions& sourceOptions,
+                                          const std::optional<MCMetadataReadingOptions>& options) {
+  std::optional<MCDictionary> result;
+  for (const auto& extension : extensions) {
+    auto source = guarded(*extension, url, [&] { return extension->imageSourceWithURL(url, sourceOptions); });
+    if (!source) continue;
+    result = guarded(*extension, url, [&] { return source->metadataWithOptions(options); });
+    if (result && !result->empty()) break;
+  }
+  return result;
 }
 
 }  // namespace
@@ -115,8 +175,11 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
   sourceOptions->subsampleFactor = subsampleFactorForScaleFactor(options->scaleFactor);
   sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
-  return firstImage(url, *type, *sourceOptions, [](MCImageSource& source) { return source.newImage(); },
-                    options->metadataOptions, metadata);
+  auto read = [](MCImageSource& source) { return source.newImage(); };
+  if (auto image = firstImage(url, *type, *sourceOptions, read, options->metadataOptions, metadata)) return image;
+  const auto content = typeOfContentInstead(url, *type);
+  if (!content) return nullptr;
+  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataOptions, metadata);
 }
 
 MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
@@ -134,9 +197,11 @@ MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path&
   sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   // A thumbnail read takes no raw settings from the client.
   sourceOptions->setRawOptions(baseRawOptions());
-  return firstImage(url, *type, *sourceOptions,
-                    [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); },
-                    options->metadataReadingOptions, metadata);
+  auto read = [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); };
+  if (auto image = firstImage(url, *type, *sourceOptions, read, options->metadataReadingOptions, metadata)) return image;
+  const auto content = typeOfContentInstead(url, *type);
+  if (!content) return nullptr;
+  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataReadingOptions, metadata);
 }
 
 std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::filesystem::path& url,
@@ -147,12 +212,13 @@ std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::fil
   auto sourceOptions = MCImageSourceOptions::create(*type);
   auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
   if (!sourceOptions || !extensions) return std::nullopt;
-  std::optional<MCDictionary> result;
-  for (const auto& extension : *extensions) {
-    auto source = guarded(*extension, url, [&] { return extension->imageSourceWithURL(url, *sourceOptions); });
-    if (!source) continue;
-    result = guarded(*extension, url, [&] { return source->metadataWithOptions(options); });
-    if (result && !result->empty()) break;
-  }
-  return result;
+  std::optional<MCDictionary> result = firstMetadata(url, *extensions, *sourceOptions, options);
+  if (result) return result;
+  // No extension of the name's type opened the file: perhaps one of the type its content shows.
+  const auto content = typeOfContentInstead(url, *type);
+  if (!content) return result;
+  auto contentOptions = MCImageSourceOptions::create(*content);
+  auto contentExtensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*content);
+  if (!contentOptions || !contentExtensions) return result;
+  return firstMetadata(url, *contentExtensions, *contentOptions, options);
 }

@@ -4,12 +4,22 @@
 // It holds no state and decodes nothing itself: it works out the file's type (from the file's
 // extension when no type is given), builds the MCImageSourceOptions for it, and tries the source
 // extensions that MCImageCodecManager lists for that type, in order, until one gives a result. An
-// extension that cannot open the file, or opens it and gives nothing, is passed over. Failures are
-// answered with none, and the reader itself logs nothing — with one exception: an extension that
-// throws is passed over like one that gave nothing, and that fault of the plug-in is logged once
-// in sdkGraphics ("Codec <identifier> raised reading <file>: <reason>"). The decode budget of the
-// reading options (`maxDecodePixelCount`) reaches the plug-ins in MCImageSourceOptions; they refuse,
-// and log, what would exceed it. Every operation may run on any thread.
+// extension that cannot open the file, or opens it and gives nothing, is passed over.
+//
+// A file whose name lies about its type (a WebP named ".tif") gets a second chance: when every
+// extension of the type failed, the type its first bytes show (MCTypeIdentifierForContentsOfURL)
+// is tried, if that brings an extension not yet tried. A type with no extension at all still
+// leaves the file unopened.
+//
+// Failures are answered with none, and the reader itself logs nothing, with two exceptions, each
+// in sdkGraphics: an extension that throws is passed over like one that gave nothing, and that
+// fault of the plug-in is logged once ("Codec <identifier> raised reading <file>: <reason>"); a
+// file read by its content's type instead of its name's is logged once per file for the process
+// ("The file <file> is named as <type> but its content is <type>; read as <type>").
+//
+// The decode budget of the reading options (`maxDecodePixelCount`) reaches the plug-ins in
+// MCImageSourceOptions; they refuse, and log, what would exceed it. Every operation may run on
+// any thread.
 
 #include <vesperon/codecs/MCImageReadingOptions.h>
 #include <vesperon/codecs/MCImageSourceOptions.h>

@@ -51,3 +51,7 @@ std::optional<std::string> MCTypeCreatePreferredIdentifierForFilenameExtension(c
 /// type of the extension for a file, "public.data" for a file without a known extension. None,
 /// with the reason in `error`, when nothing exists at `url`.
 std::optional<std::string> MCTypeIdentifierForURL(const std::filesystem::path& url, std::string* error = nullptr);
+/// The type the file's first bytes show, whatever its name: shared-mime-info's magic through GIO,
+/// landing on the table's entry for that media type (a PNG named ".jpg" gives "public.png"). None
+/// for what is not a readable regular file, and for content that shows no particular type.
+std::optional<std::string> MCTypeIdentifierForContentsOfURL(const std::filesystem::path& url);
