@@ -54,7 +54,8 @@ TEST(MisnamedFiles, AreReadAsTheirContentShowsAndTheMismatchIsLoggedOncePerFile)
       EXPECT_TRUE(colourNear(image, 0.75, 0.25, kGreen, 24));
       EXPECT_TRUE(colourNear(image, 0.25, 0.75, kBlue, 24));
       EXPECT_EQ(pixelWidthOf(metadata), 64) << c.name << ": the metadata of the source that gave the image";
-      auto thumbnail = MCImageReader::newThumbnailWithURL(file, std::nullopt, thumbnailOptions(false, true, false, 0, 32), nullptr);
+      const auto small = thumbnailOptions(false, true, false, 0, 32);
+      auto thumbnail = MCImageReader::newThumbnailWithURL(file, std::nullopt, small, nullptr);
       ASSERT_TRUE(thumbnail) << c.name;
       EXPECT_EQ(thumbnail->width(), 32u) << c.name;
       EXPECT_EQ(pixelWidthOf(MCImageReader::metadataFromImageAtURL(file, std::nullopt)), 64) << c.name;
@@ -71,9 +72,8 @@ TEST(MisnamedFiles, AreReadAsTheirContentShowsAndTheMismatchIsLoggedOncePerFile)
   fs::copy_file(fixture("quadrants.jpg"), dir / "photo.txt");
   for (const char* name : {"text.jpg", "cut.webp", "photo.txt"}) {
     EXPECT_FALSE(MCImageReader::newImageWithURL(dir / name, std::nullopt, MCImageReadingOptions(), nullptr)) << name;
-    EXPECT_FALSE(MCImageReader::newThumbnailWithURL(dir / name, std::nullopt, thumbnailOptions(false, true, false, 0, 32),
-                                                    nullptr))
-        << name;
+    const auto small = thumbnailOptions(false, true, false, 0, 32);
+    EXPECT_FALSE(MCImageReader::newThumbnailWithURL(dir / name, std::nullopt, small, nullptr)) << name;
   }
   EXPECT_EQ(occurrences(log.text(), " is named as "), 4u) << log.text();
   fs::remove_all(dir);

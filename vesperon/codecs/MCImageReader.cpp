@@ -42,10 +42,10 @@ std::optional<std::string> typeOf(const std::filesystem::path& url, const std::o
   return identifier;
 }
 
-// A file whose name lies about its type (a WebP named ".tif", a HEIC named ".webp") fails with
-// every extension of the name's type. Its content may show another type that some extension not
-// yet tried reads: that type, for a second round; none when there is nothing new to try. The
-// mismatch is logged once per file for the process, however often the file is read.
+// A file whose name lies about its type (a WebP named ".tif", a HEIC named ".webp") is opened by
+// no extension of the name's type. Its content may show another type that some extension not yet
+// tried reads: that type, for a second round; none when there is nothing new to try. The mismatch
+// is logged once per file for the process, however often the file is read.
 std::optional<std::string> typeOfContentInstead(const std::filesystem::path& url, const std::string& tried) {
   auto& manager = MCImageCodecManager::sharedInstance();
   const auto triedExtensions = manager.sourceExtensionsForUTI(tried);
@@ -100,15 +100,18 @@ MCRAWImageSourceOptions baseRawOptions() {
 
 // Tries the source extensions registered for `type` in their order of trial and gives the first
 // image that `read` makes of a source, with that source's metadata when `metadata` is given.
+// `opened` tells whether any extension opened the file at all.
 template <typename Read, typename MetadataOptions>
 MCRasterImageRef firstImage(const std::filesystem::path& url, const std::string& type,
                             const MCImageSourceOptions& sourceOptions, Read read,
-                            const MetadataOptions& metadataOptions, std::optional<MCDictionary>* metadata) {
+                            const MetadataOptions& metadataOptions, std::optional<MCDictionary>* metadata,
+                            bool& opened) {
   auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(type);
   if (!extensions) return nullptr;
   for (const auto& extension : *extensions) {
     auto source = guarded(*extension, url, [&] { return extension->imageSourceWithURL(url, sourceOptions); });
     if (!source) continue;
+    opened = true;
     if (auto image = guarded(*extension, url, [&] { return read(*source); })) {
       if (metadata) *metadata = guarded(*extension, url, [&] { return source->metadataWithOptions(metadataOptions); });
       return image;
@@ -176,10 +179,14 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
   sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
   auto read = [](MCImageSource& source) { return source.newImage(); };
-  if (auto image = firstImage(url, *type, *sourceOptions, read, options->metadataOptions, metadata)) return image;
-  const auto content = typeOfContentInstead(url, *type);
+  bool opened = false;
+  auto image = firstImage(url, *type, *sourceOptions, read, options->metadataOptions, metadata, opened);
+  if (image) return image;
+  // A file that the name's codecs opened is of that type: damaged, or without such an image.
+  const auto content = opened ? std::nullopt : typeOfContentInstead(url, *type);
   if (!content) return nullptr;
-  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataOptions, metadata);
+  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataOptions, metadata,
+                    opened);
 }
 
 MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
@@ -198,10 +205,14 @@ MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path&
   // A thumbnail read takes no raw settings from the client.
   sourceOptions->setRawOptions(baseRawOptions());
   auto read = [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); };
-  if (auto image = firstImage(url, *type, *sourceOptions, read, options->metadataReadingOptions, metadata)) return image;
-  const auto content = typeOfContentInstead(url, *type);
+  bool opened = false;
+  auto image = firstImage(url, *type, *sourceOptions, read, options->metadataReadingOptions, metadata, opened);
+  if (image) return image;
+  // A file that the name's codecs opened is of that type: damaged, or without such an image.
+  const auto content = opened ? std::nullopt : typeOfContentInstead(url, *type);
   if (!content) return nullptr;
-  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataReadingOptions, metadata);
+  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataReadingOptions, metadata,
+                    opened);
 }
 
 std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::filesystem::path& url,
@@ -213,7 +224,7 @@ std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::fil
   auto extensions = MCImageCodecManager::sharedInstance().sourceExtensionsForUTI(*type);
   if (!sourceOptions || !extensions) return std::nullopt;
   std::optional<MCDictionary> result = firstMetadata(url, *extensions, *sourceOptions, options);
-  if (result) return result;
+  if (result) return result;  // an extension opened the file
   // No extension of the name's type opened the file: perhaps one of the type its content shows.
   const auto content = typeOfContentInstead(url, *type);
   if (!content) return result;

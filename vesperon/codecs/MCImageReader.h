@@ -6,9 +6,10 @@
 // extensions that MCImageCodecManager lists for that type, in order, until one gives a result. An
 // extension that cannot open the file, or opens it and gives nothing, is passed over.
 //
-// A file whose name lies about its type (a WebP named ".tif") gets a second chance: when every
-// extension of the type failed, the type its first bytes show (MCTypeIdentifierForContentsOfURL)
-// is tried, if that brings an extension not yet tried. A type with no extension at all still
+// A file whose name lies about its type (a WebP named ".tif") gets a second chance: when no
+// extension of the type could open it, the type its first bytes show
+// (MCTypeIdentifierForContentsOfURL) is tried, if that brings an extension not yet tried. A file
+// that an extension opened is taken to be of its type, and a type with no extension at all still
 // leaves the file unopened.
 //
 // Failures are answered with none, and the reader itself logs nothing, with two exceptions, each
