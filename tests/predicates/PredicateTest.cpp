@@ -144,6 +144,9 @@ TEST(Predicates, LikeMatchesWildcardsInBoundedTime) {
     unsigned options;
     bool matches;
   };
+  const auto like = [](const std::string& text, const std::string& pattern, unsigned options) {
+    return MCComparisonPredicate::compare(MCValue(text), MCValue(pattern), MCPredicateOperatorType::Like, options);
+  };
   const unsigned c = MCCaseInsensitivePredicateOption, d = MCDiacriticInsensitivePredicateOption;
   for (const Case& test : {
            Case{"", "", 0, true},          Case{"", "*", 0, true},           Case{"", "?", 0, false},
@@ -162,24 +165,22 @@ TEST(Predicates, LikeMatchesWildcardsInBoundedTime) {
            Case{"Été à Lyon.JPG", "ete ? l*", d, false},   Case{"Été à Lyon.JPG", "ete ? l*", c | d, true},
            Case{"Été", "?t?", 0, true},
        }) {
-    EXPECT_EQ(MCComparisonPredicate::compare(MCValue(test.text), MCValue(test.pattern), MCPredicateOperatorType::Like,
-                                             test.options),
-              test.matches)
+    EXPECT_EQ(like(test.text, test.pattern, test.options), test.matches)
         << '"' << test.text << "\" LIKE \"" << test.pattern << "\" options " << test.options;
   }
 
   const std::string stars(120'000, '*');
   const std::string name = "Été à Lyon.JPG";
-  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars), MCPredicateOperatorType::Like, 0));
-  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars + "x"), MCPredicateOperatorType::Like, c | d));
-  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(name), MCValue(stars + "G"), MCPredicateOperatorType::Like, 0));
+  EXPECT_TRUE(like(name, stars, 0));
+  EXPECT_FALSE(like(name, stars + "x", c | d));
+  EXPECT_TRUE(like(name, stars + "G", 0));
 
   std::string starsAndLetters;
   for (int i = 0; i < 12; ++i) starsAndLetters += "*a";
   const std::string as(60, 'a');
-  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(as), MCValue(starsAndLetters + "b"), MCPredicateOperatorType::Like, 0));
-  EXPECT_TRUE(MCComparisonPredicate::compare(MCValue(as + "b"), MCValue(starsAndLetters + "b"), MCPredicateOperatorType::Like, 0));
-  EXPECT_FALSE(MCComparisonPredicate::compare(MCValue(as), MCValue(starsAndLetters + "?" + as), MCPredicateOperatorType::Like, 0));
+  EXPECT_FALSE(like(as, starsAndLetters + "b", 0));
+  EXPECT_TRUE(like(as + "b", starsAndLetters + "b", 0));
+  EXPECT_FALSE(like(as, starsAndLetters + "?" + as, 0));
   auto parsed = MCPredicateParser::parse("name LIKE[c] \"" + starsAndLetters + "b\"");
   ASSERT_TRUE(parsed) << parsed.error;
   EXPECT_FALSE(parsed.predicate->evaluateWithObject({{"name", std::string(40, 'A')}}));

@@ -1,8 +1,9 @@
 #pragma once
 // What the duration and file size rows share: a number with a unit. The unit pop-up is appended
 // to the row's views; the field is read as a whole number by strtod in the C locale, in every
-// locale (a sign, "+1.5" too, but no white space before or after, nothing left over) and multiplied by the selected unit's multiplier, so a stored
-// predicate holds seconds or bytes. Unusable text, or no unit, yields the defaultValue predicate.
+// locale (a sign, "+1.5" too, but no white space before or after, nothing left over), and
+// multiplied by the selected unit's multiplier, so a stored predicate holds seconds or bytes.
+// Unusable text, or no unit, yields the defaultValue predicate.
 
 #include <vesperon/controls/MCPopUpModel.h>
 #include <vesperon/core/MCLocalizedString.h>
