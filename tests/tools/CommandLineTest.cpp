@@ -1,33 +1,20 @@
 // The `vesperon` command line: generated help for the program and each command, usage errors that
 // say what is wrong and end with status 2 before any work, and values that are checked.
 
+#include "../support/ProgramOutcome.h"
+
 #include <gtest/gtest.h>
 
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <string>
 
 namespace {
 
-struct Outcome {
-  int status = -1;
-  std::string output;  // standard output and standard error together
-};
+using Outcome = ProgramOutcome;
 
-Outcome vesperon(const std::string& arguments) {
-  Outcome outcome;
-  FILE* pipe = ::popen(("'" VESPERON_TOOL "' " + arguments + " 2>&1").c_str(), "r");
-  if (!pipe) return outcome;
-  char buffer[4096];
-  std::size_t n;
-  while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) outcome.output.append(buffer, n);
-  const int status = ::pclose(pipe);
-  outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-  return outcome;
-}
+Outcome vesperon(const std::string& arguments) { return ProgramOutcome::run("'" VESPERON_TOOL "' " + arguments); }
 
 bool contains(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 

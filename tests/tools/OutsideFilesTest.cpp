@@ -6,14 +6,14 @@
 #include <vesperon/files/MCSandboxHelper.h>
 #include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 
+#include "../support/ProgramOutcome.h"
+
 #include <gtest/gtest.h>
 
 #include <glib.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -24,10 +24,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-struct Outcome {
-  int status = -1;
-  std::string output;  // standard output and standard error together
-};
+using Outcome = ProgramOutcome;
 
 // A private world for the program: its own settings, cache, state and data folders.
 class World {
@@ -48,15 +45,7 @@ class World {
     const std::string environment = "XDG_CONFIG_HOME='" + (root_ / "config").string() + "' XDG_CACHE_HOME='" +
                                     (root_ / "cache").string() + "' XDG_STATE_HOME='" + (root_ / "state").string() +
                                     "' XDG_DATA_HOME='" + (root_ / "data").string() + "' ";
-    Outcome outcome;
-    FILE* pipe = ::popen((environment + "timeout -k 5 60 '" VESPERON_TOOL "' " + arguments + " 2>&1").c_str(), "r");
-    if (!pipe) return outcome;
-    char buffer[4096];
-    std::size_t n;
-    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0) outcome.output.append(buffer, n);
-    const int status = ::pclose(pipe);
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-    return outcome;
+    return ProgramOutcome::run(environment + "timeout -k 5 60 '" VESPERON_TOOL "' " + arguments);
   }
 
   /// Remembers the folders as opened in this order, the way `browse` does.
