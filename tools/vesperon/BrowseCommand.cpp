@@ -33,6 +33,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <optional>
 #include <thread>
 
 namespace fs = std::filesystem;
@@ -42,6 +43,9 @@ namespace {
 struct BrowseSettings {
   fs::path folder;
   fs::path render;
+  fs::path open;             // a photo to show in the viewer at start
+  std::optional<double> zoom;  // the viewer's zoom in percent of the photo's pixels; none: fit
+  bool zoomGiven = false;
   MCSize size{1024, 720};
   bool report = false;
 };
@@ -89,6 +93,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::shared_ptr<BrowseController> controller;
   std::shared_ptr<MCNavigationController> navigation;
   fs::path folder;
+  std::weak_ptr<BrowseViewerPage> viewer;  // the viewer page while it shows
   BrowseCollection all;  // the folder's photos; the grid shows those the filter lets through
   BrowseFilter filter;
   std::jthread propertyReader;
@@ -103,6 +108,10 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void applyFilter();
   void show(BrowseCollection collection);
   void openFolder();
+  /// Shows `file` in the viewer; false when the grid does not show it.
+  bool openFile(const fs::path& file);
+  /// Sets the viewer's zoom: fit for none, else percent of the photo's pixels, centred.
+  void zoomViewer(std::optional<double> percent);
   void trashSelection();
   void showContextMenu(MCPoint pointInView);
 };
@@ -217,6 +226,7 @@ void Browser::show(BrowseCollection collection) {
       if (auto b2 = self.lock()) b2->window->setTitle("Vesperon — " + b2->folder.string());
     };
     page->setSequence(std::move(sequence), position);
+    b->viewer = page;
     b->navigation->pushViewController(page, false);
     b->window->setTitle(b->controller->collection().file(path.group, path.item).filename().string() + " — " +
                         std::to_string(position + 1) + " of " + std::to_string(total));
@@ -233,6 +243,32 @@ void Browser::show(BrowseCollection collection) {
     if (auto b = self.lock()) b->openFolder();
   };
   if (window->host()) controller->attach(view);
+}
+
+bool Browser::openFile(const fs::path& file) {
+  if (!controller || !controller->openItem) return false;
+  std::error_code ec;
+  const fs::path wanted = fs::weakly_canonical(file, ec);
+  const auto& groups = controller->collection().groups();
+  for (std::size_t g = 0; g < groups.size(); ++g)
+    for (std::size_t i = 0; i < groups[g].files.size(); ++i) {
+      std::error_code ignored;
+      if (fs::weakly_canonical(groups[g].files[i], ignored) != wanted) continue;
+      const MCIndexPath path = MCIndexPath::indexPathForItem(i, g);
+      view->selectItemAtIndexPath(path, false, true);
+      controller->openItem(path);
+      return true;
+    }
+  return false;
+}
+
+void Browser::zoomViewer(std::optional<double> percent) {
+  auto page = viewer.lock();
+  if (!page || !page->zoomView()) return;
+  const auto& zoom = page->zoomView();
+  const MCPoint centre = {MCMidX(zoom->bounds()), MCMidY(zoom->bounds())};
+  zoom->setOffset({0, 0}, 1.0);
+  if (percent) zoom->zoomTo(page->oneToOneZoom() * *percent / 100, centre);
 }
 
 void Browser::openFolder() {
@@ -343,11 +379,28 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
   b->controller->attach(b->view);
   // The first screen, once what it shows has arrived (or failed).
   MCMainQueue::runUntil([&] { return b->controller->pendingCount() == 0; }, std::chrono::seconds(60));
+  std::string said = b->controller->statusLine();
+  if (!settings.open.empty()) {
+    // The viewer, once the sharpest image for it arrived (or could not be had).
+    if (!b->openFile(settings.open)) {
+      std::fprintf(stderr, "vesperon browse: %s is not among the photos of %s\n", settings.open.c_str(), folder.c_str());
+      return 1;
+    }
+    auto page = b->viewer.lock();
+    MCMainQueue::runUntil([&] { return !page || page->isSharp() || page->hasFailed(); }, std::chrono::seconds(60));
+    if (!page || !page->isSharp()) {
+      std::fprintf(stderr, "vesperon browse: %s cannot be decoded; the viewer shows its thumbnail\n",
+                   settings.open.c_str());
+    }
+    host.render();  // lays the page out at the window's size before the zoom is worked out
+    b->zoomViewer(settings.zoom);
+    said = page ? page->file().filename().string() + ", " + page->info() : said;
+  }
   if (!host.writePNG(settings.render)) {
     std::fprintf(stderr, "vesperon browse: cannot write %s\n", settings.render.c_str());
     return 1;
   }
-  std::printf("%s: %s\n", settings.render.c_str(), b->controller->statusLine().c_str());
+  std::printf("%s: %s\n", settings.render.c_str(), said.c_str());
   return 0;
 }
 
@@ -415,6 +468,8 @@ int runBrowse(const BrowseSettings& settings) {
     helper->setDialogPresenter(std::make_shared<MCGtkDialogPresenter>(host->toplevel()));
     MCPreviewPanel::sharedPreviewPanel()->setPresenter(std::make_shared<MCGtkPreviewPresenter>());
     b->controller->attach(b->view);
+    if (!settings.open.empty() && !b->openFile(settings.open))
+      std::fprintf(stderr, "vesperon browse: %s is not among the photos of %s\n", settings.open.c_str(), folder.c_str());
     // Tell a watching test where the grid's top left is, once the window shows.
     announcer = MCTimer::scheduledTimer(0.05, true, [&](MCTimer& timer) {
       if (!host->isShown()) return;
@@ -463,9 +518,36 @@ std::function<int()> defineBrowse(CLI::App& command) {
         settings->size = MCMakeSize(width, height);
       },
       "the window's size in points, as WIDTHxHEIGHT (default 1024x720)");
+  command.add_option("--open", settings->open, "show this photo (one under DIR) in the viewer at start");
+  command.add_option_function<std::string>(
+      "--zoom",
+      [settings](const std::string& text) {
+        settings->zoomGiven = true;
+        if (text == "fit") {
+          settings->zoom.reset();
+          return;
+        }
+        if (text == "1:1") {
+          settings->zoom = 100;
+          return;
+        }
+        double percent = 0;
+        char extra = 0, more = 0;
+        const int read = std::sscanf(text.c_str(), "%lf%c%c", &percent, &extra, &more);
+        if (!(read == 1 || (read == 2 && extra == '%')) || !(percent >= 1 && percent <= 6400))
+          throw CLI::ValidationError("--zoom", "'" + text + "' is not fit, 1:1 or a percentage from 1 to 6400");
+        settings->zoom = percent;
+      },
+      "the viewer's zoom with --open: fit (default), 1:1, or a percentage of the photo's pixels");
   command.add_flag("--report", settings->report,
                    "print each thing that happens (selections, the viewer, copies, drags), a line each");
-  return [settings] { return runBrowse(*settings); };
+  return [settings] {
+    if (settings->zoomGiven && settings->open.empty()) {
+      std::fprintf(stderr, "vesperon browse: --zoom needs --open\n");
+      return 2;
+    }
+    return runBrowse(*settings);
+  };
 }
 
 }  // namespace

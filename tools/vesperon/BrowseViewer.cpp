@@ -7,10 +7,13 @@
 #include <vesperon/pipeline/MCResourceLoader.h>
 #include <vesperon/platform/MCColorSpace.h>
 #include <vesperon/platform/MCGraphicsContext.h>
+#include <vesperon/toolkit/MCAttributedString.h>
 #include <vesperon/toolkit/MCImageDrawing.h>
 #include <vesperon/toolkit/MCWindow.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -61,17 +64,40 @@ class ViewerZoomView : public MCZoomView {
   }
 };
 
+/// The toolbar's grey band, with what the photo is along its right end.
 class Toolbar : public MCView {
  public:
   using MCView::MCView;
+  std::string info;
   bool isFlipped() const override { return true; }
   void drawRect(const MCRect& dirty) override {
     MCGraphicsContext* context = MCGraphicsContext::currentContext();
     if (!context) return;
     MCColor::colorWithHex(0x303030).setFill(*context);
     context->fillRect(dirty);
+    if (info.empty()) return;
+    MCTextAttributes attributes;
+    attributes.font = MCFont::systemFontOfSize(12);
+    attributes.foregroundColor = MCColor::colorWithHex(0xE0E0E0);  // 9:1 on the grey
+    const MCAttributedString line(info, attributes);
+    const MCSize size = line.size();
+    line.drawAtPoint({bounds().size.width - size.width - 12, (bounds().size.height - size.height) / 2}, *context);
   }
 };
+
+/// "2.4 MB": a file size with one decimal, in the units people read.
+std::string readableSize(std::uintmax_t bytes) {
+  const char* units[] = {"bytes", "KB", "MB", "GB"};
+  double value = double(bytes);
+  int unit = 0;
+  while (value >= 1000 && unit < 3) {
+    value /= 1000;
+    ++unit;
+  }
+  char text[32];
+  std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", value, units[unit]);
+  return text;
+}
 
 /// The pixels in Cairo's own layout, so that every later draw uses them where they lie.
 MCRasterImageRef drawable(const MCRasterImageRef& image, int orientation = 1) {
@@ -134,6 +160,7 @@ void BrowseViewerPage::loadView() {
   auto root = std::make_shared<PageView>(MCMakeRect(0, 0, 800, 600));
   root->registerCommand("cancelOperation:", [this] { close(); });
   auto toolbar = std::make_shared<Toolbar>(MCMakeRect(0, 0, 800, kToolbarHeight));
+  toolbar_ = toolbar;
   toolbar->setAutoresizingMask(MCViewWidthSizable);
   root->addSubview(toolbar);
 
@@ -267,6 +294,7 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   const MCIndexPath path = sequence_.paths[position];
   file_ = sequence_.file(path);
   sharp_ = false;
+  failed_ = false;
   if (auto found = decoded_.find(file_); found != decoded_.end() && found->second) {
     sharp_ = true;
     show(found->second);
@@ -326,7 +354,32 @@ MCSize BrowseViewerPage::zoomViewOriginalContentSize(MCZoomView&) {
   return image_ ? MCSize{double(image_->width()), double(image_->height())} : MCSize{0, 0};
 }
 
-void BrowseViewerPage::zoomViewDidChange(MCZoomView& view) { view.setNeedsDisplay(true); }
+void BrowseViewerPage::zoomViewDidChange(MCZoomView& view) {
+  view.setNeedsDisplay(true);
+  updateInfo();
+}
+
+double BrowseViewerPage::zoomPercent() const {
+  const double oneToOne = oneToOneZoom();
+  return zoomView_ && oneToOne > 0 ? 100 * zoomView_->zoom() / oneToOne : 0;
+}
+
+std::string BrowseViewerPage::info() const {
+  if (!image_) return {};
+  std::string text = std::to_string(image_->width()) + " × " + std::to_string(image_->height()) + " px";
+  std::error_code ec;
+  const std::uintmax_t bytes = std::filesystem::file_size(file_, ec);
+  if (!ec) text += "   " + readableSize(bytes);
+  if (sharp_) text += "   " + std::to_string(std::lround(zoomPercent())) + "%";
+  return text;
+}
+
+void BrowseViewerPage::updateInfo() {
+  auto toolbar = std::static_pointer_cast<Toolbar>(toolbar_);
+  if (!toolbar) return;
+  toolbar->info = info();
+  toolbar->setNeedsDisplay(true);
+}
 
 void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,
                                     const std::string& uuid) {
@@ -335,7 +388,10 @@ void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::o
   const std::filesystem::path file = requested->second;
   requests_.erase(requested);
   if (!image || !image->CGImage()) {  // the thumbnail stays
-    if (file == file_ && report_) report_("viewer cannot decode " + file.string());
+    if (file == file_) {
+      failed_ = true;
+      if (report_) report_("viewer cannot decode " + file.string());
+    }
     return;
   }
   MCRasterImageRef pixels = drawable(image->CGImage(), orientationOf(metadata));
@@ -362,6 +418,9 @@ void BrowseViewerPage::show(MCRasterImageRef image) {
   static_cast<PhotoView&>(*imageView_).image = image_;
   imageView_->setNeedsDisplay(true);
   histogramView_->setImage(image_);
+  // Room to look closer than the pixels themselves, whatever the photo's size.
+  zoomView_->setMaxZoom(std::max(16.0, 8 * oneToOneZoom()));
   zoomView_->updateLayout();
   zoomView_->setNeedsLayout(true);
+  updateInfo();
 }

@@ -51,6 +51,13 @@ class BrowseViewerPage : public MCViewController,
   void showPosition(std::size_t position);
   /// Zoom that shows the photo's pixels one to one on the window's backing.
   double oneToOneZoom() const;
+  /// The photo's own pixels are shown, or its decoding failed and the thumbnail stays.
+  bool isSharp() const { return sharp_; }
+  bool hasFailed() const { return failed_; }
+  /// The zoom as the share of the photo's pixels a screen pixel shows, in percent.
+  double zoomPercent() const;
+  /// What the toolbar says of the photo: pixel size, file size, zoom.
+  std::string info() const;
   /// The keys of the viewer; false for a key it leaves to the responder chain.
   bool handleKey(const MCEvent& event);
 
@@ -78,6 +85,7 @@ class BrowseViewerPage : public MCViewController,
   void request(const std::filesystem::path& file);
   void lookAhead();
   void reportSharp();
+  void updateInfo();
   std::shared_ptr<BrowseViewerPage> self() { return std::static_pointer_cast<BrowseViewerPage>(shared_from_this()); }
   std::filesystem::path file_;
   MCRasterImageRef image_;
@@ -91,6 +99,8 @@ class BrowseViewerPage : public MCViewController,
   BrowseViewerSequence sequence_;
   std::size_t position_ = 0;
   bool sharp_ = false;  // image_ holds the photo's own pixels
+  bool failed_ = false;
+  std::shared_ptr<MCView> toolbar_;
   // Requests in flight by identifier, and the photos decoded ahead (the current one's neighbours).
   std::map<std::string, std::filesystem::path> requests_;
   std::map<std::filesystem::path, MCRasterImageRef> decoded_;
