@@ -109,6 +109,12 @@ wait_for_last() {
 wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
 xdotool key End
 wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
+# i shows the information panel, and again hides it.
+xdotool key i
+wait_for '^viewer info shown$'
+wait_for '^viewer info-rows scan.png | Dimensions: 200 × 150'
+xdotool key i
+wait_for '^viewer info hidden$'
 # Escape returns to the grid with the photo shown last selected.
 xdotool key Escape
 wait_for '^viewer closed$'
@@ -127,4 +133,4 @@ top=$(/usr/bin/convert "$work/first.png" -crop 400x10+0+0 -format '%[fx:minima.i
 title=$(/usr/bin/convert "$work/first.png" -crop 400x24+0+12 -format '%[fx:minima.intensity]' info:)
 awk -v t="$top" -v h="$title" 'BEGIN { exit !(t > 0.8 && h < 0.4) }' ||
   { echo "FAIL: the first header is not whole (top rows $top, title rows $title)"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, closed on the photo shown last; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, showed its information, closed on the photo shown last; offscreen render written"

@@ -79,3 +79,29 @@ TEST(ViewerRender, OneToOneShowsThePhotosOwnPixels) {
   EXPECT_EQ(vesperon("browse --zoom half", home).status, 2);
   fs::remove_all(home);
 }
+
+// The information panel tells what the library reads of the photo, in the words people use.
+TEST(ViewerRender, TheInformationPanelTellsWhatThePhotoIs) {
+  const fs::path home = fs::temp_directory_path() / ("vesperon-viewer-info-" + std::to_string(::getpid()));
+  fs::remove_all(home);
+  fs::create_directories(home / "photos");
+  const fs::path photo = home / "photos" / "camera.jpg";
+  fs::copy_file(fs::path(VESPERON_SAMPLES_DIR) / "beach.jpg", photo);
+  ASSERT_EQ(std::system(("exiftool -q -overwrite_original -Make='NIKON CORPORATION' -Model='NIKON Z 6' "
+                         "-LensModel='NIKKOR Z 24-70mm f/4 S' -ExposureTime=1/250 -FNumber=5.6 -ISO=400 "
+                         "-FocalLength=35 -EXIF:Flash#=1 -OffsetTimeOriginal=+10:00 '" +
+                         photo.string() + "'")
+                            .c_str()),
+            0)
+      << "exiftool comes with libimage-exiftool-perl (scripts/setup.sh)";
+  const ProgramOutcome outcome = vesperon("browse '" + (home / "photos").string() + "' --open '" + photo.string() +
+                                              "' --render '" + (home / "viewer.png").string() + "' --size 900x600",
+                                          home);
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  for (const char* row : {"  Camera: NIKON Z 6\n", "  Lens: NIKKOR Z 24-70mm f/4 S\n", "  Exposure: 1/250 s\n",
+                          "  Aperture: f/5.6\n", "  ISO: 400\n", "  Focal length: 35 mm\n", "  Flash: fired\n",
+                          "  Taken: 2020-08-14 15:20:05 +10:00\n", "  Position: 33.89080° S, 151.27430° E\n",
+                          "  Dimensions: 1024 × 683\n"})
+    EXPECT_NE(outcome.output.find(row), std::string::npos) << row << " is not in\n" << outcome.output;
+  fs::remove_all(home);
+}

@@ -387,14 +387,18 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
       return 1;
     }
     auto page = b->viewer.lock();
-    MCMainQueue::runUntil([&] { return !page || page->isSharp() || page->hasFailed(); }, std::chrono::seconds(60));
+    MCMainQueue::runUntil([&] { return !page || ((page->isSharp() || page->hasFailed()) && page->hasProperties()); },
+                          std::chrono::seconds(60));
     if (!page || !page->isSharp()) {
       std::fprintf(stderr, "vesperon browse: %s cannot be decoded; the viewer shows its thumbnail\n",
                    settings.open.c_str());
     }
     host.render();  // lays the page out at the window's size before the zoom is worked out
     b->zoomViewer(settings.zoom);
-    said = page ? page->file().filename().string() + ", " + page->info() : said;
+    if (page) {
+      said = page->file().filename().string() + ", " + page->info();
+      for (const auto& [label, value] : page->infoPanel()->rows()) said += "\n  " + label + ": " + value;
+    }
   }
   if (!host.writePNG(settings.render)) {
     std::fprintf(stderr, "vesperon browse: cannot write %s\n", settings.render.c_str());

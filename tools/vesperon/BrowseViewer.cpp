@@ -1,10 +1,14 @@
 #include "BrowseViewer.h"
 
+#include "MediaFiles.h"
+
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/controls/MCNavigationController.h>
 #include <vesperon/drawing/MCBadgeFactory.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pipeline/MCResourceLoader.h>
+#include <vesperon/platform/MCMainQueue.h>
+#include <vesperon/platform/MCUserDefaults.h>
 #include <vesperon/platform/MCColorSpace.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCAttributedString.h>
@@ -210,6 +214,8 @@ void BrowseViewerPage::loadView() {
     if (p && z) z->zoomTo(p->oneToOneZoom(), centre());
   });
 
+  addButton("Info", "info.circle", [weakPage] { if (auto p = weakPage.lock()) p->toggleInfo(); });
+
   labelControl_ = std::make_shared<MCColorLabelControl>();
   labelControl_->setTextColor(MCColor::colorWithHex(0xE0E0E0));  // 9:1 on the toolbar's grey
   labelControl_->setFrameOrigin({x + 12, 4});
@@ -225,11 +231,19 @@ void BrowseViewerPage::loadView() {
   };
   toolbar->addSubview(labelControl_);
 
+  infoPanel_ = std::make_shared<BrowseInfoPanel>(
+      MCMakeRect(800 - BrowseInfoPanel::kWidth, kToolbarHeight, BrowseInfoPanel::kWidth, 600 - kToolbarHeight));
+  infoPanel_->setAutoresizingMask(MCViewMinXMargin | MCViewHeightSizable);
+  const auto shown = MCUserDefaults(MCUserDefaults::defaultFileURL()).objectForKey("ViewerShowsInfo");
+  infoPanel_->setHidden(!(shown && shown->isBool() && shown->integerValue().value_or(0)));
+  root->addSubview(infoPanel_);
+
   histogramView_ = std::make_shared<MCHistogramView>(MCMakeRect(800 - 216, 600 - 116, 200, 100));
   histogramView_->setAutoresizingMask(MCViewMinXMargin | MCViewMinYMargin);
   histogramView_->setImage(image_);
   root->addSubview(histogramView_);
   setView(root);
+  placeHistogram();
 }
 
 void BrowseViewerPage::viewControllerDidAppear(bool) {
@@ -249,7 +263,45 @@ void BrowseViewerPage::viewControllerDidAppear(bool) {
   if (!requested_) {
     requested_ = true;
     request(file_);
+    readProperties();
   }
+}
+
+void BrowseViewerPage::readProperties() {
+  properties_.reset();
+  updateInfo();
+  std::weak_ptr<BrowseViewerPage> weak = self();
+  const std::filesystem::path file = file_;
+  // Joins the reader of the photo shown before, which has little left to do.
+  propertyReader_ = std::jthread([weak, file] {
+    auto properties = mediaPropertiesOfFile(file).value_or(MCDictionary{});
+    MCMainQueue::async([weak, file, properties = std::move(properties)]() mutable {
+      auto page = weak.lock();
+      if (!page || page->file_ != file) return;
+      page->properties_ = std::move(properties);
+      page->updateInfo();
+      if (page->report_) {
+        std::string line = "viewer info-rows " + file.filename().string();
+        for (const auto& [label, value] : page->infoPanel_->rows()) line += " | " + label + ": " + value;
+        page->report_(line);
+      }
+    });
+  });
+}
+
+void BrowseViewerPage::placeHistogram() {
+  // Beside the information panel, not over it.
+  const MCRect page = view()->bounds();
+  MCRect frame = histogramView_->frame();
+  frame.origin.x = MCMaxX(page) - 16 - frame.size.width - (infoPanel_->isHidden() ? 0 : BrowseInfoPanel::kWidth);
+  histogramView_->setFrame(frame);
+}
+
+void BrowseViewerPage::toggleInfo() {
+  infoPanel_->setHidden(!infoPanel_->isHidden());
+  placeHistogram();
+  MCUserDefaults(MCUserDefaults::defaultFileURL()).setObject(MCValue(!infoPanel_->isHidden()), "ViewerShowsInfo");
+  if (report_) report_(std::string("viewer info ") + (infoPanel_->isHidden() ? "hidden" : "shown"));
 }
 
 void BrowseViewerPage::request(const std::filesystem::path& file) {
@@ -307,6 +359,7 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   const long label = MCColorLabelMapper::labelOfFile(file_);
   labelControl_->setUsedColorLabels(label ? std::set<long>{label} : std::set<long>{});
   if (sequence_.shown) sequence_.shown(path, position);
+  readProperties();
   if (report_) report_("viewer open " + file_.string());
   if (sharp_) lookAhead();
 }
@@ -337,6 +390,7 @@ bool BrowseViewerPage::handleKey(const MCEvent& event) {
     case U'0': zoomView_->setOffset({0, 0}, 1.0); return true;
     case U'1': zoomView_->zoomTo(oneToOneZoom(), centre); return true;
     case U'h': case U'H': histogramView_->setHidden(!histogramView_->isHidden()); return true;
+    case U'i': case U'I': toggleInfo(); return true;
     default: return false;
   }
 }
@@ -379,6 +433,11 @@ void BrowseViewerPage::updateInfo() {
   if (!toolbar) return;
   toolbar->info = info();
   toolbar->setNeedsDisplay(true);
+  if (!infoPanel_) return;
+  std::string pixels;
+  if (image_ && sharp_) pixels = std::to_string(image_->width()) + " × " + std::to_string(image_->height());
+  infoPanel_->setRows(properties_ ? BrowseInfoRows(*properties_, pixels)
+                                  : std::vector<std::pair<std::string, std::string>>{});
 }
 
 void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,

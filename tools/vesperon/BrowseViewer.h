@@ -5,7 +5,10 @@
 // It shows the thumbnail at once, scaled to the photo's own size so nothing jumps, and replaces it
 // with the photo's own pixels, turned by its orientation, when they arrive from the pipeline; the
 // neighbours in the sequence are decoded ahead. Next and previous walk the sequence the grid gives
-// (its order, its filter); Escape or Back returns to the grid.
+// (its order, its filter); `i` or the Info button shows what the photo is (BrowseInfoPanel);
+// Escape or Back returns to the grid.
+
+#include "BrowseInfoPanel.h"
 
 #include <vesperon/controls/MCColorLabelControl.h>
 #include <vesperon/controls/MCHistogramView.h>
@@ -18,6 +21,7 @@
 
 #include <filesystem>
 #include <map>
+#include <thread>
 #include <functional>
 #include <memory>
 #include <string>
@@ -54,10 +58,15 @@ class BrowseViewerPage : public MCViewController,
   /// The photo's own pixels are shown, or its decoding failed and the thumbnail stays.
   bool isSharp() const { return sharp_; }
   bool hasFailed() const { return failed_; }
+  /// The photo's properties have been read (for the information panel).
+  bool hasProperties() const { return properties_.has_value(); }
   /// The zoom as the share of the photo's pixels a screen pixel shows, in percent.
   double zoomPercent() const;
   /// What the toolbar says of the photo: pixel size, file size, zoom.
   std::string info() const;
+  /// Shows or hides the information panel; the choice is kept in the settings for the next run.
+  void toggleInfo();
+  const std::shared_ptr<BrowseInfoPanel>& infoPanel() const { return infoPanel_; }
   /// The keys of the viewer; false for a key it leaves to the responder chain.
   bool handleKey(const MCEvent& event);
 
@@ -86,6 +95,8 @@ class BrowseViewerPage : public MCViewController,
   void lookAhead();
   void reportSharp();
   void updateInfo();
+  void readProperties();
+  void placeHistogram();
   std::shared_ptr<BrowseViewerPage> self() { return std::static_pointer_cast<BrowseViewerPage>(shared_from_this()); }
   std::filesystem::path file_;
   MCRasterImageRef image_;
@@ -101,6 +112,9 @@ class BrowseViewerPage : public MCViewController,
   bool sharp_ = false;  // image_ holds the photo's own pixels
   bool failed_ = false;
   std::shared_ptr<MCView> toolbar_;
+  std::shared_ptr<BrowseInfoPanel> infoPanel_;
+  std::optional<MCDictionary> properties_;  // of file_, once read
+  std::jthread propertyReader_;
   // Requests in flight by identifier, and the photos decoded ahead (the current one's neighbours).
   std::map<std::string, std::filesystem::path> requests_;
   std::map<std::filesystem::path, MCRasterImageRef> decoded_;

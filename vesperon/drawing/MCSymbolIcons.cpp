@@ -39,6 +39,7 @@ const std::map<std::string, std::string>& iconNames() {
       {"minus.magnifyingglass", "actions/zoom-out"},
       {"arrow.down.right.and.arrow.up.left", "actions/zoom-fit-best"},
       {"1.magnifyingglass", "actions/zoom-original"},
+      {"info.circle", "status/dialog-information"},
   };
   return table;
 }
