@@ -17,6 +17,8 @@ PACKAGES=(
   libtiff-tools webp libheif-examples ffmpeg
   # the toolkit's GTK 4 host, and what its on-screen test drives it with
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
+  # and the window manager those tests run, as a desktop has one (x11-utils: xprop to wait for it)
+  openbox x11-utils
   # file types and the desktop's applications (GIO), the session bus the tests start, and the
   # desktop portal a GNOME or KDE desktop has (with its FUSE document store), which GTK finds there
   shared-mime-info desktop-file-utils dbus-daemon xdg-desktop-portal-gtk

@@ -257,6 +257,15 @@ void MCGtkWindowHost::closeWindow() {
   if (toplevel_) gtk_window_destroy(toplevel_);
 }
 
+bool MCGtkWindowHost::setFullScreen(bool fullScreen) {
+  if (!toplevel_ || closing_) return false;
+  // The window manager answers later; the request is what the views go by.
+  if (fullScreen) gtk_window_fullscreen(toplevel_);
+  else gtk_window_unfullscreen(toplevel_);
+  fullScreen_ = fullScreen;
+  return true;
+}
+
 void MCGtkWindowHost::windowTitleDidChange() {
   if (toplevel_ && !closing_) gtk_window_set_title(toplevel_, window_->title().c_str());
 }

@@ -73,6 +73,8 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
   void windowTitleDidChange() override;
+  bool setFullScreen(bool fullScreen) override;
+  bool isFullScreen() const override { return fullScreen_; }
   /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group. An
   /// item's view shows in the popover as a widget of its own: a host like this one, of a small
   /// window that holds the view. The popover's copy of the menu tracks while it is open.
@@ -112,6 +114,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   double lastZoomScale_ = 1;
   std::shared_ptr<MCPasteboardBackend> clipboard_;
   bool closing_ = false;
+  bool fullScreen_ = false;
   GtkWidget* contextMenu_ = nullptr;
   struct TitleBarButton {
     std::string iconName, toolTip;

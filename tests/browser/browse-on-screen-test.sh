@@ -77,7 +77,8 @@ kill "$pid"; wait "$pid" 2>/dev/null || true
 # returns. On a copy of three samples, so that the sidecar is written outside the source tree.
 mkdir -p "$work/photos"
 cp "$samples/badge.png" "$samples/diagram.png" "$samples/scan.png" "$work/photos/"
-"$vesperon" browse "$work/photos" --report >"$work/out" 2>"$work/err" &
+screen_test_window_manager  # full screen is the window manager's to grant
+"$vesperon" browse "$work/photos" --report --slideshow-interval 1 >"$work/out" 2>"$work/err" &
 pid=$!
 wait_for '^cell 1 '
 read -r _ ox oy < <(grep '^ready ' "$work/out")
@@ -115,6 +116,31 @@ wait_for '^viewer info shown$'
 wait_for '^viewer info-rows scan.png | Dimensions: 200 × 150'
 xdotool key i
 wait_for '^viewer info hidden$'
+# F5 plays a slideshow from the first photo; any key stops it where it is.
+xdotool key Home
+wait_for_last '^viewer open ' "viewer open $work/photos/badge.png"
+xdotool key F5
+wait_for '^viewer slideshow on$'
+wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
+xdotool key x
+wait_for '^viewer slideshow off$'
+sleep 1.2
+wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
+xdotool key End
+wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
+# F11 fills the screen; the first Escape leaves the full screen, the second the viewer.
+xdotool key F11
+wait_for '^viewer fullscreen on$'
+if [ -n "${wm:-}" ]; then
+  for _ in $(seq 40); do
+    eval "$(xdotool getwindowgeometry --shell "$window")"
+    [ "$WIDTH" = 1400 ] && [ "$HEIGHT" = 1024 ] && break
+    sleep 0.05
+  done
+  [ "$WIDTH" = 1400 ] && [ "$HEIGHT" = 1024 ] || { echo "FAIL: full screen is ${WIDTH}x$HEIGHT, not 1400x1024"; exit 1; }
+fi
+xdotool key Escape
+wait_for '^viewer fullscreen off$'
 # Escape returns to the grid with the photo shown last selected.
 xdotool key Escape
 wait_for '^viewer closed$'
@@ -133,4 +159,4 @@ top=$(/usr/bin/convert "$work/first.png" -crop 400x10+0+0 -format '%[fx:minima.i
 title=$(/usr/bin/convert "$work/first.png" -crop 400x24+0+12 -format '%[fx:minima.intensity]' info:)
 awk -v t="$top" -v h="$title" 'BEGIN { exit !(t > 0.8 && h < 0.4) }' ||
   { echo "FAIL: the first header is not whole (top rows $top, title rows $title)"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, showed its information, closed on the photo shown last; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, showed its information, played and stopped a slideshow, filled the screen, closed on the photo shown last; offscreen render written"

@@ -73,6 +73,19 @@ screen_test_cleanup() {
   exit "$status"
 }
 
+# Starts a window manager (openbox) where one is installed, as a desktop has, and sets `wm`; a
+# test of what a window manager grants (full screen, placing menus) checks that only with one.
+screen_test_window_manager() {
+  wm=""
+  command -v openbox >/dev/null || return 0
+  openbox --sm-disable >/dev/null 2>&1 &
+  wm=$!
+  for _ in $(seq 100); do
+    xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && return 0
+    sleep 0.05
+  done
+}
+
 wait_for() {
   for _ in $(seq 300); do
     grep -q "$1" "$work/out" && return 0

@@ -46,6 +46,7 @@ struct BrowseSettings {
   fs::path open;             // a photo to show in the viewer at start
   std::optional<double> zoom;  // the viewer's zoom in percent of the photo's pixels; none: fit
   bool zoomGiven = false;
+  double slideshowInterval = 4;  // seconds
   MCSize size{1024, 720};
   bool report = false;
 };
@@ -226,6 +227,7 @@ void Browser::show(BrowseCollection collection) {
       if (auto b2 = self.lock()) b2->window->setTitle("Vesperon — " + b2->folder.string());
     };
     page->setSequence(std::move(sequence), position);
+    page->setSlideshowInterval(b->settings.slideshowInterval);
     b->viewer = page;
     b->navigation->pushViewController(page, false);
     b->window->setTitle(b->controller->collection().file(path.group, path.item).filename().string() + " — " +
@@ -543,6 +545,9 @@ std::function<int()> defineBrowse(CLI::App& command) {
         settings->zoom = percent;
       },
       "the viewer's zoom with --open: fit (default), 1:1, or a percentage of the photo's pixels");
+  command.add_option("--slideshow-interval", settings->slideshowInterval,
+                     "seconds each photo shows in the viewer's slideshow (F5)")
+      ->check(CLI::Range(0.2, 3600.0));
   command.add_flag("--report", settings->report,
                    "print each thing that happens (selections, the viewer, copies, drags), a line each");
   return [settings] {

@@ -215,6 +215,7 @@ void BrowseViewerPage::loadView() {
   });
 
   addButton("Info", "info.circle", [weakPage] { if (auto p = weakPage.lock()) p->toggleInfo(); });
+  addButton("Slideshow", "play.rectangle", [weakPage] { if (auto p = weakPage.lock()) p->toggleSlideshow(); });
 
   labelControl_ = std::make_shared<MCColorLabelControl>();
   labelControl_->setTextColor(MCColor::colorWithHex(0xE0E0E0));  // 9:1 on the toolbar's grey
@@ -376,9 +377,55 @@ double BrowseViewerPage::oneToOneZoom() const {
   return original.width / (fitted.width * scale);
 }
 
+void BrowseViewerPage::toggleSlideshow() {
+  if (slideshow_) {
+    slideshow_->invalidate();
+    slideshow_.reset();
+    if (report_) report_("viewer slideshow off");
+    return;
+  }
+  std::weak_ptr<BrowseViewerPage> weak = self();
+  slideshow_ = MCTimer::scheduledTimer(slideshowInterval_, true, [weak](MCTimer&) {
+    auto page = weak.lock();
+    if (!page) return;
+    if (page->position_ + 1 >= page->sequence_.paths.size()) {
+      page->toggleSlideshow();  // the last photo stays
+      return;
+    }
+    page->step(1);
+  });
+  if (report_) report_("viewer slideshow on");
+}
+
+void BrowseViewerPage::setFullScreen(bool fullScreen) {
+  MCWindow* window = zoomView_ ? zoomView_->window() : nullptr;
+  if (!window || window->isFullScreen() == fullScreen) return;
+  if (window->setFullScreen(fullScreen) && report_)
+    report_(std::string("viewer fullscreen ") + (fullScreen ? "on" : "off"));
+}
+
 bool BrowseViewerPage::handleKey(const MCEvent& event) {
   const std::u32string& keys = event.charactersIgnoringModifiers();
   if (keys.size() != 1 || !zoomView_) return false;
+  constexpr char32_t kF5 = MCF1FunctionKey + 4, kF11 = MCF1FunctionKey + 10;
+  // A playing slideshow stops at any key, which does nothing else.
+  if (slideshow_) {
+    toggleSlideshow();
+    return true;
+  }
+  if (keys[0] == kF5) {
+    toggleSlideshow();
+    return true;
+  }
+  if (keys[0] == kF11) {
+    MCWindow* window = zoomView_->window();
+    setFullScreen(!(window && window->isFullScreen()));
+    return true;
+  }
+  if (keys[0] == MCEscapeCharacter && zoomView_->window() && zoomView_->window()->isFullScreen()) {
+    setFullScreen(false);  // the next Escape returns to the grid
+    return true;
+  }
   const MCPoint centre = {MCMidX(zoomView_->bounds()), MCMidY(zoomView_->bounds())};
   switch (keys[0]) {
     case MCRightArrowFunctionKey: case MCSpaceCharacter: case MCPageDownFunctionKey: step(1); return true;
@@ -396,6 +443,7 @@ bool BrowseViewerPage::handleKey(const MCEvent& event) {
 }
 
 void BrowseViewerPage::viewControllerDidDisappear(bool) {
+  if (slideshow_) toggleSlideshow();
   if (sequence_.closed) sequence_.closed();
   if (report_) report_("viewer closed");
 }

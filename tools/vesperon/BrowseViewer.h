@@ -5,8 +5,8 @@
 // It shows the thumbnail at once, scaled to the photo's own size so nothing jumps, and replaces it
 // with the photo's own pixels, turned by its orientation, when they arrive from the pipeline; the
 // neighbours in the sequence are decoded ahead. Next and previous walk the sequence the grid gives
-// (its order, its filter); `i` or the Info button shows what the photo is (BrowseInfoPanel);
-// Escape or Back returns to the grid.
+// (its order, its filter); `i` or the Info button shows what the photo is (BrowseInfoPanel); F5
+// plays a slideshow, F11 fills the screen; Escape leaves the full screen, then returns to the grid.
 
 #include "BrowseInfoPanel.h"
 
@@ -16,6 +16,7 @@
 #include <vesperon/controls/MCViewController.h>
 #include <vesperon/controls/MCZoomView.h>
 #include <vesperon/pipeline/MCResourceReceivers.h>
+#include <vesperon/toolkit/MCTimer.h>
 
 #include <vesperon/core/MCIndexPath.h>
 
@@ -67,6 +68,12 @@ class BrowseViewerPage : public MCViewController,
   /// Shows or hides the information panel; the choice is kept in the settings for the next run.
   void toggleInfo();
   const std::shared_ptr<BrowseInfoPanel>& infoPanel() const { return infoPanel_; }
+  /// The slideshow: the next photo every interval until the last, or until any key is pressed.
+  void toggleSlideshow();
+  bool isPlayingSlideshow() const { return slideshow_ != nullptr; }
+  void setSlideshowInterval(double seconds) { slideshowInterval_ = seconds; }
+  /// The window over the whole screen (F11), or as it was (F11 again, or Escape).
+  void setFullScreen(bool fullScreen);
   /// The keys of the viewer; false for a key it leaves to the responder chain.
   bool handleKey(const MCEvent& event);
 
@@ -115,6 +122,8 @@ class BrowseViewerPage : public MCViewController,
   std::shared_ptr<BrowseInfoPanel> infoPanel_;
   std::optional<MCDictionary> properties_;  // of file_, once read
   std::jthread propertyReader_;
+  std::shared_ptr<MCTimer> slideshow_;
+  double slideshowInterval_ = 4;
   // Requests in flight by identifier, and the photos decoded ahead (the current one's neighbours).
   std::map<std::string, std::filesystem::path> requests_;
   std::map<std::filesystem::path, MCRasterImageRef> decoded_;

@@ -40,6 +40,7 @@ const std::map<std::string, std::string>& iconNames() {
       {"arrow.down.right.and.arrow.up.left", "actions/zoom-fit-best"},
       {"1.magnifyingglass", "actions/zoom-original"},
       {"info.circle", "status/dialog-information"},
+      {"play.rectangle", "actions/media-playback-start"},
   };
   return table;
 }

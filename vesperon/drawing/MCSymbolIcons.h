@@ -34,6 +34,7 @@
 //   arrow.down.right.and.arrow.up.left  zoom-fit-best         same meaning
 //   1.magnifyingglass               zoom-original             same meaning: one to one
 //   info.circle                     dialog-information        same meaning
+//   play.rectangle                  media-playback-start      a slideshow plays
 //
 // Two symbols have no icon of the theme that comes close, and are drawn here with Cairo in the
 // theme's symbolic style (one ink colour, which a tint replaces):

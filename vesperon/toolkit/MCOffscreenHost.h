@@ -82,8 +82,15 @@ class MCOffscreenHost : public MCWindowHost {
   double backingScaleFactor() const override { return scale_; }
   bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
   void closeWindow() override {}
+  /// Remembered only: the offscreen picture keeps its size.
+  bool setFullScreen(bool fullScreen) override {
+    fullScreen_ = fullScreen;
+    return true;
+  }
+  bool isFullScreen() const override { return fullScreen_; }
 
  private:
+  bool fullScreen_ = false;
   struct Step {
     bool isEvent = false;
     MCEvent event;

@@ -493,3 +493,7 @@ void MCWindow::setTitle(std::string title) {
   title_ = std::move(title);
   if (host_) host_->windowTitleDidChange();
 }
+
+bool MCWindow::isFullScreen() const { return host_ && host_->isFullScreen(); }
+
+bool MCWindow::setFullScreen(bool fullScreen) { return host_ && host_->setFullScreen(fullScreen); }

@@ -49,6 +49,9 @@ class MCWindow : public MCResponder {
   const std::string& title() const { return title_; }
   /// Sets the title and tells the host, which shows it in the title bar.
   void setTitle(std::string title);
+  /// Over the whole screen, as the host shows it; false without a host that can.
+  bool isFullScreen() const;
+  bool setFullScreen(bool fullScreen);
   int windowNumber() const { return windowNumber_; }
 
   // Content.

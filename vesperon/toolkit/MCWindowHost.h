@@ -83,6 +83,12 @@ class MCWindowHost {
   virtual void closeWindow() {}
   /// The window's title changed; a host that shows it shows the new one.
   virtual void windowTitleDidChange() {}
+  /// Shows the window over the whole screen, or as it was; false when the host cannot.
+  virtual bool setFullScreen(bool fullScreen) {
+    (void)fullScreen;
+    return false;
+  }
+  virtual bool isFullScreen() const { return false; }
 
   /// Shows `menu` as a context menu at the point (base coordinates) and returns at once; `chosen`
   /// hears the item the user picks, later, if any. False when the host shows no menus.
