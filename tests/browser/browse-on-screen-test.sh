@@ -128,6 +128,14 @@ sleep 1.2
 wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
 xdotool key End
 wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
+# A photo deleted since the grid was read is passed over.
+mv "$work/photos/diagram.png" "$work/diagram.png"
+xdotool key Left
+wait_for "^viewer skipped $work/photos/diagram.png: it is gone$"
+wait_for_last '^viewer open ' "viewer open $work/photos/badge.png"
+mv "$work/diagram.png" "$work/photos/diagram.png"
+xdotool key End
+wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
 # F11 fills the screen; the first Escape leaves the full screen, the second the viewer.
 xdotool key F11
 wait_for '^viewer fullscreen on$'
@@ -159,4 +167,4 @@ top=$(/usr/bin/convert "$work/first.png" -crop 400x10+0+0 -format '%[fx:minima.i
 title=$(/usr/bin/convert "$work/first.png" -crop 400x24+0+12 -format '%[fx:minima.intensity]' info:)
 awk -v t="$top" -v h="$title" 'BEGIN { exit !(t > 0.8 && h < 0.4) }' ||
   { echo "FAIL: the first header is not whole (top rows $top, title rows $title)"; exit 1; }
-echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, showed its information, played and stopped a slideshow, filled the screen, closed on the photo shown last; offscreen render written"
+echo "PASS: selections reported in order; $colours colours in diagram.png's cell; copied and dropped $dropped; viewer opened, labelled, sharp, walked next, previous and to the end, showed its information, passed over a deleted photo, played and stopped a slideshow, filled the screen, closed on the photo shown last; offscreen render written"

@@ -335,9 +335,19 @@ void BrowseViewerPage::setSequence(BrowseViewerSequence sequence, std::size_t po
 }
 
 void BrowseViewerPage::step(long by) {
-  if (sequence_.paths.empty()) return;
+  if (sequence_.paths.empty() || !sequence_.file || by == 0) return;
   const long last = long(sequence_.paths.size()) - 1;
-  showPosition(std::size_t(std::clamp(long(position_) + by, 0L, last)));
+  long at = std::clamp(long(position_) + by, 0L, last);
+  // Photos deleted since the grid was read are passed over, in the direction of the step.
+  const long direction = by > 0 ? 1 : -1;
+  std::error_code ec;
+  while (at != long(position_) && !std::filesystem::exists(sequence_.file(sequence_.paths[std::size_t(at)]), ec)) {
+    if (report_) report_("viewer skipped " + sequence_.file(sequence_.paths[std::size_t(at)]).string() + ": it is gone");
+    const long next = at + direction;
+    if (next < 0 || next > last) return;  // nothing left that way
+    at = next;
+  }
+  showPosition(std::size_t(at));
 }
 
 void BrowseViewerPage::showPosition(std::size_t position) {
@@ -467,6 +477,7 @@ double BrowseViewerPage::zoomPercent() const {
 }
 
 std::string BrowseViewerPage::info() const {
+  if (failed_) return "cannot be decoded: the thumbnail shows";
   if (!image_) return {};
   std::string text = std::to_string(image_->width()) + " × " + std::to_string(image_->height()) + " px";
   std::error_code ec;
