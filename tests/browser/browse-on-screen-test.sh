@@ -78,7 +78,7 @@ kill "$pid"; wait "$pid" 2>/dev/null || true
 mkdir -p "$work/photos"
 cp "$samples/badge.png" "$samples/diagram.png" "$samples/scan.png" "$work/photos/"
 screen_test_window_manager  # full screen is the window manager's to grant
-"$vesperon" browse "$work/photos" --report --slideshow-interval 1 >"$work/out" 2>"$work/err" &
+"$vesperon" browse "$work/photos" --report --slideshow-interval 2 >"$work/out" 2>"$work/err" &
 pid=$!
 wait_for '^cell 1 '
 read -r _ ox oy < <(grep '^ready ' "$work/out")
@@ -124,7 +124,7 @@ wait_for '^viewer slideshow on$'
 wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
 xdotool key x
 wait_for '^viewer slideshow off$'
-sleep 1.2
+sleep 2.4
 wait_for_last '^viewer open ' "viewer open $work/photos/diagram.png"
 xdotool key End
 wait_for_last '^viewer open ' "viewer open $work/photos/scan.png"
