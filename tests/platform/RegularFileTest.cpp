@@ -53,10 +53,22 @@ TEST(MCRegularFile, ReadsOnlyRegularFilesWithinTheBoundToTheirRealEnd) {
                                  Refused{root, Status::NotRegular, "is a folder, not a file"},
                                  Refused{root / "missing", Status::Missing, "does not exist"},
                                  Refused{root / "file" / "under", Status::Failed, "cannot be read (Not a directory)"}}) {
-    const auto result = MCRegularFile::read(refused.path, 1024);
-    EXPECT_EQ(result.status, refused.status) << refused.path;
-    EXPECT_EQ(result.reason, refused.reason) << refused.path;
-    EXPECT_TRUE(result.bytes.empty()) << refused.path;
+    for (const auto& result : {MCRegularFile::read(refused.path, 1024), MCRegularFile::readHead(refused.path, 1024)}) {
+      EXPECT_EQ(result.status, refused.status) << refused.path;
+      EXPECT_EQ(result.reason, refused.reason) << refused.path;
+      EXPECT_TRUE(result.bytes.empty()) << refused.path;
+    }
   }
+
+  // The head of a file is its first bytes however large the file, and all of a shorter one.
+  const std::string numbered = "0123456789";
+  std::ofstream(root / "numbers") << numbered;
+  const auto head = MCRegularFile::readHead(root / "numbers", 4);
+  ASSERT_TRUE(head) << head.reason;
+  EXPECT_EQ(std::string(head.bytes.begin(), head.bytes.end()), "0123");
+  const auto all = MCRegularFile::readHead(root / "numbers", 64);
+  EXPECT_EQ(std::string(all.bytes.begin(), all.bytes.end()), numbered);
+  const auto proc = MCRegularFile::readHead("/proc/self/status", 4);
+  EXPECT_EQ(std::string(proc.bytes.begin(), proc.bytes.end()), "Name");
   fs::remove_all(root);
 }

@@ -1,37 +1,14 @@
 #include <vesperon/codecs/MCImageCodecManifest.h>
 
-#include <nlohmann/json.hpp>
+#include <vesperon/platform/MCRegularFile.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
+#include <nlohmann/json.hpp>
 
 #include <string>
 
 namespace fs = std::filesystem;
 
 namespace {
-
-// The whole file, or none when it is not a regular file of bounded size. O_NONBLOCK keeps a FIFO
-// put in its place from blocking the start-up of every program that loads codecs.
-std::optional<std::string> readSmallRegularFile(const fs::path& url, uintmax_t limit) {
-  int fd = ::open(url.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (fd < 0) return std::nullopt;
-  struct stat st {};
-  std::optional<std::string> text;
-  if (::fstat(fd, &st) == 0 && S_ISREG(st.st_mode) && static_cast<uintmax_t>(st.st_size) <= limit) {
-    std::string bytes(static_cast<size_t>(st.st_size), '\0');
-    size_t done = 0;
-    while (done < bytes.size()) {
-      ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
-      if (n <= 0) break;
-      done += static_cast<size_t>(n);
-    }
-    if (done == bytes.size()) text = std::move(bytes);
-  }
-  ::close(fd);
-  return text;
-}
 
 std::vector<std::string> stringList(const nlohmann::json& object, const char* key) {
   std::vector<std::string> list;
@@ -64,12 +41,12 @@ fs::path MCImageCodecManifest::urlForPlugInAtURL(const fs::path& plugIn) {
 }
 
 std::optional<MCImageCodecManifest> MCImageCodecManifest::read(const fs::path& url) {
-  auto text = readSmallRegularFile(url, maximumFileSize);
-  if (!text) return std::nullopt;
+  const auto file = MCRegularFile::read(url, maximumFileSize);
+  if (!file) return std::nullopt;
   // A flat object of strings, a number, a flag and lists of strings: depth is bounded by the shape
   // checks below, and the parser's own depth by the size limit above.
   try {
-    auto object = nlohmann::json::parse(*text);
+    auto object = nlohmann::json::parse(file.bytes.begin(), file.bytes.end());
     if (!object.is_object()) return std::nullopt;
     MCImageCodecManifest manifest;
     manifest.abiVersion = object.at("abiVersion").get<uint32_t>();

@@ -41,12 +41,20 @@ std::string sizeText(std::size_t bytes) {
 }  // namespace
 
 MCRegularFile::Result MCRegularFile::read(const std::filesystem::path& path, std::size_t maxSize) {
+  return readUpTo(path, maxSize, true);
+}
+
+MCRegularFile::Result MCRegularFile::readHead(const std::filesystem::path& path, std::size_t maxSize) {
+  return readUpTo(path, maxSize, false);
+}
+
+MCRegularFile::Result MCRegularFile::readUpTo(const std::filesystem::path& path, std::size_t maxSize, bool wholeOnly) {
   const std::string tooLarge = "is larger than " + sizeText(maxSize);
   // Looked at before opening: opening some devices has effects of its own.
   struct stat st {};
   if (::stat(path.c_str(), &st) != 0) return failureFromErrno(errno);
   if (!S_ISREG(st.st_mode)) return failure(Status::NotRegular, kindOf(st.st_mode));
-  if (st.st_size > 0 && std::size_t(st.st_size) > maxSize) return failure(Status::TooLarge, tooLarge);
+  if (wholeOnly && st.st_size > 0 && std::size_t(st.st_size) > maxSize) return failure(Status::TooLarge, tooLarge);
 
   const int fd = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY);
   if (fd < 0) return failureFromErrno(errno);
@@ -76,8 +84,8 @@ MCRegularFile::Result MCRegularFile::read(const std::filesystem::path& path, std
       used += std::size_t(n);
     }
     if (result.status == Status::Read) {
-      if (used > maxSize) result = failure(Status::TooLarge, tooLarge);
-      else result.bytes.resize(used);
+      if (used > maxSize && wholeOnly) result = failure(Status::TooLarge, tooLarge);
+      else result.bytes.resize(std::min(used, maxSize));
     }
   }
   ::close(fd);

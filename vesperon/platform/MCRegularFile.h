@@ -38,4 +38,10 @@ class MCRegularFile {
   /// The file's bytes when it is a regular file of at most `maxSize` bytes; otherwise the status
   /// and reason, and no bytes.
   static Result read(const std::filesystem::path& path, std::size_t maxSize);
+  /// The first `maxSize` bytes (all of a shorter file) when it is a regular file, whatever its
+  /// size; otherwise as `read`. For looking at what a file holds without reading it whole.
+  static Result readHead(const std::filesystem::path& path, std::size_t maxSize);
+
+ private:
+  static Result readUpTo(const std::filesystem::path& path, std::size_t maxSize, bool wholeOnly);
 };

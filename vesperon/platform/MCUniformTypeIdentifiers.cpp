@@ -1,10 +1,9 @@
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
-#include <fcntl.h>
+#include <vesperon/platform/MCRegularFile.h>
+
 #include <gio/gio.h>
 #include <strings.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
@@ -242,18 +241,11 @@ std::optional<std::string> MCTypeIdentifierForURL(const fs::path& url, std::stri
 }
 
 std::optional<std::string> MCTypeIdentifierForContentsOfURL(const fs::path& url) {
-  // Only a regular file is read: a FIFO or a device would block or never end. O_NONBLOCK keeps the
-  // open itself from waiting on a FIFO put there since the check.
-  const int descriptor = ::open(url.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-  if (descriptor < 0) return std::nullopt;
-  struct stat status {};
-  unsigned char head[4096];
-  ssize_t length = -1;
-  if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode)) length = ::read(descriptor, head, sizeof head);
-  ::close(descriptor);
-  if (length <= 0) return std::nullopt;
+  // Only a regular file is read: a FIFO or a device would block or never end.
+  const auto head = MCRegularFile::readHead(url, 4096);
+  if (!head || head.bytes.empty()) return std::nullopt;
   gboolean uncertain = FALSE;
-  gchar* contentType = g_content_type_guess(nullptr, head, gsize(length), &uncertain);
+  gchar* contentType = g_content_type_guess(nullptr, head.bytes.data(), gsize(head.bytes.size()), &uncertain);
   if (!contentType) return std::nullopt;
   gchar* mime = uncertain ? nullptr : g_content_type_get_mime_type(contentType);
   g_free(contentType);
