@@ -120,6 +120,20 @@ MCRasterImageRef firstImage(const std::filesystem::path& url, const std::string&
   return nullptr;
 }
 
+// The first image as `firstImage` makes it by the name's type; when no extension of that type
+// opened the file, by the type its content shows, if that brings another extension.
+template <typename Read, typename MetadataOptions>
+MCRasterImageRef imageByNameOrContent(const std::filesystem::path& url, const std::string& type,
+                                      const MCImageSourceOptions& sourceOptions, Read read,
+                                      const MetadataOptions& metadataOptions, std::optional<MCDictionary>* metadata) {
+  bool opened = false;
+  if (auto image = firstImage(url, type, sourceOptions, read, metadataOptions, metadata, opened)) return image;
+  // A file that the name's codecs opened is of that type: damaged, or without such an image.
+  const auto content = opened ? std::nullopt : typeOfContentInstead(url, type);
+  if (!content) return nullptr;
+  return firstImage(url, *content, retyped(sourceOptions, *content), read, metadataOptions, metadata, opened);
+}
+
 // The present result of the extensions in order: replaced by each that opens the file, until one
 // has at least one entry.
 template <typename Extensions>
@@ -178,15 +192,8 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
   sourceOptions->subsampleFactor = subsampleFactorForScaleFactor(options->scaleFactor);
   sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
-  auto read = [](MCImageSource& source) { return source.newImage(); };
-  bool opened = false;
-  auto image = firstImage(url, *type, *sourceOptions, read, options->metadataOptions, metadata, opened);
-  if (image) return image;
-  // A file that the name's codecs opened is of that type: damaged, or without such an image.
-  const auto content = opened ? std::nullopt : typeOfContentInstead(url, *type);
-  if (!content) return nullptr;
-  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataOptions, metadata,
-                    opened);
+  return imageByNameOrContent(url, *type, *sourceOptions, [](MCImageSource& source) { return source.newImage(); },
+                              options->metadataOptions, metadata);
 }
 
 MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
@@ -204,15 +211,9 @@ MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path&
   sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
   // A thumbnail read takes no raw settings from the client.
   sourceOptions->setRawOptions(baseRawOptions());
-  auto read = [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); };
-  bool opened = false;
-  auto image = firstImage(url, *type, *sourceOptions, read, options->metadataReadingOptions, metadata, opened);
-  if (image) return image;
-  // A file that the name's codecs opened is of that type: damaged, or without such an image.
-  const auto content = opened ? std::nullopt : typeOfContentInstead(url, *type);
-  if (!content) return nullptr;
-  return firstImage(url, *content, retyped(*sourceOptions, *content), read, options->metadataReadingOptions, metadata,
-                    opened);
+  return imageByNameOrContent(url, *type, *sourceOptions,
+                              [&](MCImageSource& source) { return source.newThumbnailWithOptions(*options); },
+                              options->metadataReadingOptions, metadata);
 }
 
 std::optional<MCDictionary> MCImageReader::metadataFromImageAtURL(const std::filesystem::path& url,
