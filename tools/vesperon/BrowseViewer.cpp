@@ -316,6 +316,16 @@ void BrowseViewerPage::request(const std::filesystem::path& file) {
   requests_[MCResourceLoader::sharedInstance().requestImage(descriptor, self())] = file;
 }
 
+bool BrowseViewerPage::isNeighbour(const std::filesystem::path& file) const {
+  if (!sequence_.file) return false;
+  for (long d : {1L, -1L}) {
+    const long at = long(position_) + d;
+    if (at >= 0 && at < long(sequence_.paths.size()) && sequence_.file(sequence_.paths[std::size_t(at)]) == file)
+      return true;
+  }
+  return false;
+}
+
 void BrowseViewerPage::lookAhead() {
   if (sequence_.paths.empty() || !sequence_.file) return;
   std::map<std::filesystem::path, MCRasterImageRef> kept;
@@ -353,6 +363,8 @@ void BrowseViewerPage::step(long by) {
 void BrowseViewerPage::showPosition(std::size_t position) {
   if (position >= sequence_.paths.size() || !sequence_.file) return;
   if (position == position_ && sequence_.file(sequence_.paths[position]) == file_) return;
+  // The photo left stays at hand: one step back shows it without decoding it again.
+  if (sharp_ && image_) decoded_[file_] = image_;
   position_ = position;
   const MCIndexPath path = sequence_.paths[position];
   file_ = sequence_.file(path);
@@ -514,7 +526,8 @@ void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::o
   }
   MCRasterImageRef pixels = drawable(image->CGImage(), orientationOf(metadata));
   if (file != file_) {
-    decoded_[file] = std::move(pixels);
+    // A neighbour decoded ahead; one that stopped being a neighbour while it decoded is dropped.
+    if (isNeighbour(file)) decoded_[file] = std::move(pixels);
     return;
   }
   sharp_ = true;

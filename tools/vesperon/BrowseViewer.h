@@ -100,6 +100,7 @@ class BrowseViewerPage : public MCViewController,
   void show(MCRasterImageRef image);
   void request(const std::filesystem::path& file);
   void lookAhead();
+  bool isNeighbour(const std::filesystem::path& file) const;
   void reportSharp();
   void updateInfo();
   void readProperties();
