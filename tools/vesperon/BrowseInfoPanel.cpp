@@ -115,7 +115,7 @@ void BrowseInfoPanel::setRows(std::vector<std::pair<std::string, std::string>> r
 void BrowseInfoPanel::drawRect(const MCRect& dirty) {
   MCGraphicsContext* context = MCGraphicsContext::currentContext();
   if (!context) return;
-  MCColor::colorWithHex(0x1E1E1E, 0.92).setFill(*context);
+  MCColor::colorWithHex(0x1E1E1E).setFill(*context);
   context->fillRect(dirty);
   // Labels in a lighter grey than the values, both above 4.5:1 on the panel.
   MCTextAttributes label, value;

@@ -23,6 +23,7 @@ class BrowseInfoPanel : public MCView {
   void setRows(std::vector<std::pair<std::string, std::string>> rows);
   const std::vector<std::pair<std::string, std::string>>& rows() const { return rows_; }
   bool isFlipped() const override { return true; }
+  bool isOpaque() const override { return true; }
   void drawRect(const MCRect& dirtyRect) override;
 
  private:

@@ -244,7 +244,7 @@ void BrowseViewerPage::loadView() {
   histogramView_->setImage(image_);
   root->addSubview(histogramView_);
   setView(root);
-  placeHistogram();
+  placeBesidePanel();
 }
 
 void BrowseViewerPage::viewControllerDidAppear(bool) {
@@ -290,17 +290,23 @@ void BrowseViewerPage::readProperties() {
   });
 }
 
-void BrowseViewerPage::placeHistogram() {
-  // Beside the information panel, not over it.
+void BrowseViewerPage::placeBesidePanel() {
+  // The photo and its histogram make room for the information panel rather than lie under it.
   const MCRect page = view()->bounds();
+  const double panel = infoPanel_->isHidden() ? 0 : BrowseInfoPanel::kWidth;
+  MCRect zoom = zoomView_->frame();
+  zoom.size.width = std::max(0.0, page.size.width - panel);
+  zoomView_->setFrame(zoom);
   MCRect frame = histogramView_->frame();
-  frame.origin.x = MCMaxX(page) - 16 - frame.size.width - (infoPanel_->isHidden() ? 0 : BrowseInfoPanel::kWidth);
+  frame.origin.x = MCMaxX(page) - 16 - frame.size.width - panel;
   histogramView_->setFrame(frame);
+  zoomView_->updateLayout();
+  updateInfo();  // fit has another size now, and so the zoom in percent
 }
 
 void BrowseViewerPage::toggleInfo() {
   infoPanel_->setHidden(!infoPanel_->isHidden());
-  placeHistogram();
+  placeBesidePanel();
   MCUserDefaults(MCUserDefaults::defaultFileURL()).setObject(MCValue(!infoPanel_->isHidden()), "ViewerShowsInfo");
   if (report_) report_(std::string("viewer info ") + (infoPanel_->isHidden() ? "hidden" : "shown"));
 }

@@ -104,7 +104,7 @@ class BrowseViewerPage : public MCViewController,
   void reportSharp();
   void updateInfo();
   void readProperties();
-  void placeHistogram();
+  void placeBesidePanel();
   std::shared_ptr<BrowseViewerPage> self() { return std::static_pointer_cast<BrowseViewerPage>(shared_from_this()); }
   std::filesystem::path file_;
   MCRasterImageRef image_;
