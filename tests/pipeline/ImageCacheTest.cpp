@@ -213,11 +213,13 @@ TEST_F(ImageCacheFiles, SavesAreNeverLostToAClean) {
   std::atomic<bool> saving{true};
   std::atomic<int> cleans{0};
   std::thread cleaner([&] {
-    while (saving.load()) {
+    do {
       cache.clean();
       ++cleans;
-    }
+    } while (saving.load());
   });
+  // The saves start once the cleaner is under way, so the two overlap on a busy machine too.
+  while (cleans.load() == 0) std::this_thread::yield();
   const auto image = solid(24, 200);
   for (int64_t id = 0; id < 150; ++id) cache.addImage(image, id, 256);
   saving = false;
