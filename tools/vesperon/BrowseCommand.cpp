@@ -8,10 +8,10 @@
 // filter bar (the title bar's button, Ctrl+F) narrows the grid by name, camera model, capture
 // date, file size, ISO and f-number.
 
-#include "BrowseController.h"
-#include "BrowseFilter.h"
-#include "BrowseFilterBar.h"
-#include "BrowseViewer.h"
+#include "browse/BrowseController.h"
+#include "browse/BrowseFilter.h"
+#include "browse/BrowseFilterBar.h"
+#include "browse/BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/controls/MCNavigationController.h>

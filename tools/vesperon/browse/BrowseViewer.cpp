@@ -1,6 +1,6 @@
 #include "BrowseViewer.h"
 
-#include "MediaFiles.h"
+#include "../MediaFiles.h"
 
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/controls/MCNavigationController.h>

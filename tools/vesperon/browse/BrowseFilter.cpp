@@ -1,6 +1,6 @@
 #include "BrowseFilter.h"
 
-#include "MediaFiles.h"
+#include "../MediaFiles.h"
 
 #include <vesperon/controls/MCPopUpModel.h>
 #include <vesperon/predicates/MCPredicateEditorBuilder.h>

@@ -1,6 +1,6 @@
 #include "BrowseCollection.h"
 
-#include "MediaFiles.h"
+#include "../MediaFiles.h"
 
 #include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCExif.h>
