@@ -207,11 +207,69 @@ bool JPEGDecoder::decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPi
   if (s.error.truncated && !s.error.usable) return false;
   // The rest of the stream (trailing markers) is not needed.
   jpeg_abort_decompress(&s.cinfo);
+  finishPixels(out);
+  return true;
+}
 
+bool JPEGDecoder::decodeRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height,
+                               uint64_t maxPixelCount, RGBAPixels& out) {
+  State& s = *state_;
+  if (s.used || x >= width_ || y >= height_ || width == 0 || height == 0) return false;
+  width = std::min(width, width_ - x);
+  height = std::min(height, height_ - y);
+  s.used = true;
+  const bool cmyk = colorModel_ == ColorModel::CMYK;
+  if (setjmp(s.error.jump)) return false;
+  s.cinfo.scale_num = 8;
+  s.cinfo.scale_denom = 8;
+  s.cinfo.out_color_space = cmyk ? JCS_CMYK : JCS_EXT_RGBA;
+  s.cinfo.dct_method = JDCT_ISLOW;
+  const uint64_t working = coefficientBufferPixels();
+  jpeg_calc_output_dimensions(&s.cinfo);
+  // Crop widens the columns to whole blocks of the sampling unit; the budget counts what it decodes.
+  const uint64_t decodedPixels = uint64_t(std::min<std::size_t>(width + 64, width_)) * (height + 32);
+  if (decodedPixels > maxPixelCount || working > maxPixelCount - decodedPixels) {
+    refusedWidth_ = width;
+    refusedHeight_ = height;
+    refusedWorkingPixels_ = working;
+    return false;
+  }
+  constexpr uint64_t kTablesAndRows = 16u << 20;
+  s.cinfo.mem->max_memory_to_use =
+      long(std::min<uint64_t>(maxPixelCount, (uint64_t(LONG_MAX) - kTablesAndRows) / 4) * 4 + kTablesAndRows);
+  jpeg_start_decompress(&s.cinfo);
+  // Chroma is upsampled from its neighbours, which a cut would drop: a margin of whole sampling
+  // units around the region is decoded too, so its pixels are the whole decode's.
+  constexpr std::size_t kMargin = 16;
+  const std::size_t top = y > kMargin ? y - kMargin : 0, bottom = std::min(height_, y + height + kMargin);
+  const std::size_t left = x > kMargin ? x - kMargin : 0, right = std::min(width_, x + width + kMargin);
+  JDIMENSION cropX = JDIMENSION(left), cropWidth = JDIMENSION(right - left);
+  jpeg_crop_scanline(&s.cinfo, &cropX, &cropWidth);  // widened to block edges: cropX <= left
+  const std::size_t inset = x - cropX;
+  if (top > 0 && jpeg_skip_scanlines(&s.cinfo, JDIMENSION(top)) != JDIMENSION(top)) return false;
+  std::vector<uint8_t> row(std::size_t(cropWidth) * 4);
+  out.width = width;
+  out.height = height;
+  out.bytes.resize(width * height * 4);
+  for (std::size_t r = top; r < bottom; ++r) {
+    if (s.error.truncated && !s.error.usable) return false;
+    JSAMPROW rows = row.data();
+    if (jpeg_read_scanlines(&s.cinfo, &rows, 1) != 1) return false;
+    if (r >= y && r < y + height) std::memcpy(out.bytes.data() + (r - y) * width * 4, row.data() + inset * 4, width * 4);
+  }
+  if (s.error.truncated && !s.error.usable) return false;
+  jpeg_abort_decompress(&s.cinfo);
+  finishPixels(out);
+  return true;
+}
+
+void JPEGDecoder::finishPixels(RGBAPixels& out) const {
+  const State& s = *state_;
+  const bool cmyk = colorModel_ == ColorModel::CMYK;
   const bool inverted = cmyk && s.cinfo.saw_Adobe_marker;
   if (!icc_.empty()) {
     const ProfiledLayout layout = !cmyk ? ProfiledLayout::RGBA : inverted ? ProfiledLayout::InvertedCMYK : ProfiledLayout::CMYK;
-    if (convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, layout, icc_)) return true;
+    if (convertProfiledPixelsToSRGB(out.bytes.data(), out.width * out.height, layout, icc_)) return;
   }
   if (cmyk) {
     // Photoshop writes CMYK inverted (its Adobe segment says so); others store plain ink values.
@@ -230,7 +288,6 @@ bool JPEGDecoder::decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPi
       p[3] = 255;
     }
   }
-  return true;
 }
 
 }  // namespace mc_detail

@@ -61,6 +61,15 @@ class JPEGDecoder {
   /// Decodes the image at scale n/8 into RGBA; false on any error, on data that ends before the
   /// first row of blocks, and on an output of more than `maxPixelCount` pixels. Call once per decoder.
   bool decode(unsigned scaleNumerator, uint64_t maxPixelCount, RGBAPixels& out);
+  /// Decodes only the pixels of the full-size image inside the rectangle (x, y, width, height),
+  /// cut to the image: rows above it are skipped without being turned into pixels and columns
+  /// beside it are not transformed (libjpeg-turbo's skip and crop), so the centre of a
+  /// 100-megapixel photo costs a fraction of the whole. The same pixels as the whole decode's: a
+  /// margin around the region is decoded for the neighbours its chroma is upsampled from. False
+  /// as `decode` is, and for a rectangle outside the image or empty; the budget counts the region
+  /// with its margin and, for an image in several scans, the coefficient buffers.
+  bool decodeRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height, uint64_t maxPixelCount,
+                    RGBAPixels& out);
   /// After a decode refused by the budget: the output size it would have had; 0 × 0 otherwise.
   std::size_t refusedWidth() const { return refusedWidth_; }
   std::size_t refusedHeight() const { return refusedHeight_; }
@@ -75,6 +84,8 @@ class JPEGDecoder {
   struct State;
   explicit JPEGDecoder(std::unique_ptr<State> state);
   bool readHeader();
+  /// Turns decoded rows (RGBA or CMYK as libjpeg gave them) into sRGB RGBA.
+  void finishPixels(RGBAPixels& out) const;
 
   std::unique_ptr<State> state_;
   std::size_t width_ = 0, height_ = 0;

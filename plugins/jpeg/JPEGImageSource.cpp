@@ -85,6 +85,19 @@ MCRasterImageRef JPEGImageSource::newImage() {
   return rasterImage(std::move(pixels));
 }
 
+MCRasterImageRef JPEGImageSource::newImageInRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height) {
+  auto decoder = imageDecoder();
+  if (!decoder) return nullptr;
+  RGBAPixels pixels;
+  if (!decoder->decodeRegion(x, y, width, height, options_.decodePixelLimit(), pixels)) {
+    if (decoder->refusedWidth() != 0)
+      logDecodeRefusal(url_.string(), decoder->refusedWidth(), decoder->refusedHeight(),
+                       decoder->refusedWorkingPixels(), options_.decodePixelLimit(), "a region of the image");
+    return nullptr;
+  }
+  return rasterImage(std::move(pixels));
+}
+
 bool JPEGImageSource::embeddedThumbnail(std::size_t minPixelSize, std::size_t maxPixelSize, RGBAPixels& out) const {
   if (!exif_) return false;
   const std::vector<uint8_t> data = exif_->thumbnailData();

@@ -3,6 +3,8 @@
 //
 //   newImage                 the full image as 8-bit RGBA in sRGB, at 1/subsampleFactor through
 //                            libjpeg-turbo's DCT scaling when the factor is 2, 4 or 8
+//   newImageInRegion         a rectangle of the full image, skipping the rows above it and
+//                            leaving the blocks beside it untransformed
 //   newThumbnailWithOptions  the embedded Exif (IFD 1) thumbnail or one made from the image, by the
 //                            platform's rules (see the .cpp), oriented on request
 //   metadataWithOptions      the Exif block's nested property dictionary as MCExif presents it
@@ -39,6 +41,7 @@ class JPEGImageSource : public MCImageSource {
 
   MCRasterImageRef newImage() override;
   MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
+  MCRasterImageRef newImageInRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height) override;
   std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) override;
 
  private:

@@ -382,3 +382,59 @@ TEST(JPEGCodec, ProgressiveCoefficientBuffersCountInTheDecodeBudget) {
   EXPECT_FALSE(MCImageReader::newImageWithURL(huge, "public.jpeg", MCImageReadingOptions(), nullptr));
   fs::remove_all(dir);
 }
+
+// A region decodes the same pixels as the whole image (its chroma is upsampled from the same neighbours),
+// in baseline and progressive files, cut to the image, and counts in the budget by its own size.
+TEST(JPEGCodec, RegionsMatchTheWholeImage) {
+  const fs::path dir = scratchDirectory("jpeg-region");
+  constexpr std::size_t kWidth = 517, kHeight = 389;  // not whole blocks, 4:2:0 sampled
+  std::vector<uint8_t> pixels(kWidth * kHeight * 4);
+  uint32_t noise = 12345;
+  for (std::size_t i = 0; i < kWidth * kHeight; ++i) {
+    noise = noise * 1103515245 + 12345;
+    const std::size_t x = i % kWidth, y = i / kWidth;
+    pixels[i * 4 + 0] = uint8_t(x * 255 / kWidth);
+    pixels[i * 4 + 1] = uint8_t(y * 255 / kHeight);
+    pixels[i * 4 + 2] = uint8_t(noise >> 24);
+    pixels[i * 4 + 3] = 255;
+  }
+  const fs::path baseline = dir / "baseline.jpg", progressive = dir / "progressive.jpg";
+  auto destination = destinationAt(baseline);
+  ASSERT_TRUE(destination->addImage(MCRasterImage::createRGBA8(kWidth, kHeight, pixels), nullptr));
+  ASSERT_TRUE(destination->finalize());
+  ASSERT_EQ(std::system(("jpegtran -progressive -outfile '" + progressive.string() + "' '" + baseline.string() + "'").c_str()), 0);
+
+  for (const fs::path& file : {baseline, progressive}) {
+    SCOPED_TRACE(file.filename().string());
+    auto whole = openSource("public.jpeg", file)->newImage();
+    ASSERT_TRUE(whole);
+    struct Case { std::size_t x, y, w, h, expectW, expectH; };
+    for (const Case c : {Case{0, 0, 40, 30, 40, 30}, Case{203, 151, 97, 61, 97, 61}, Case{13, 377, 600, 100, 504, 12},
+                         Case{516, 388, 5, 5, 1, 1}}) {
+      SCOPED_TRACE(testing::Message() << c.x << "," << c.y);
+      auto region = openSource("public.jpeg", file)->newImageInRegion(c.x, c.y, c.w, c.h);
+      ASSERT_TRUE(region);
+      ASSERT_EQ(region->width(), c.expectW);
+      ASSERT_EQ(region->height(), c.expectH);
+      int worst = 0;
+      for (std::size_t y = 0; y < c.expectH; ++y)
+        for (std::size_t x = 0; x < c.expectW; ++x)
+          for (int k = 0; k < 3; ++k)
+            worst = std::max(worst, std::abs(int(region->row(y)[x * 4 + k]) - int(whole->row(c.y + y)[(c.x + x) * 4 + k])));
+      EXPECT_EQ(worst, 0);
+    }
+    EXPECT_FALSE(openSource("public.jpeg", file)->newImageInRegion(517, 0, 10, 10));
+    EXPECT_FALSE(openSource("public.jpeg", file)->newImageInRegion(0, 0, 0, 10));
+  }
+
+  // The reader's front turns nothing: the region is in the file's stored orientation.
+  MCImageReadingOptions options;
+  auto region = MCImageReader::newImageInRegionWithURL(baseline, std::nullopt, 100, 50, 20, 10, options, nullptr);
+  ASSERT_TRUE(region);
+  EXPECT_EQ(region->width(), 20u);
+  // A budget that takes the region but not the whole image.
+  options.maxDecodePixelCount = 100 * 100;
+  EXPECT_TRUE(MCImageReader::newImageInRegionWithURL(baseline, std::nullopt, 0, 0, 30, 30, options, nullptr));
+  EXPECT_FALSE(MCImageReader::newImageInRegionWithURL(baseline, std::nullopt, 0, 0, 300, 300, options, nullptr));
+  fs::remove_all(dir);
+}

@@ -36,6 +36,14 @@ class MCImageSource {
   virtual MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) = 0;
   /// The nested image property dictionary, or none.
   virtual std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) = 0;
+  /// The pixels of the full-size image inside the rectangle from (x, y), `width` × `height`, in the
+  /// stored orientation and cut to the image, decoding no more of the file than the format lets a
+  /// reader skip; the decode budget counts what is decoded. None by default, for a source that can
+  /// only decode the whole: MCImageReader then decodes the whole and cuts.
+  virtual MCRasterImageRef newImageInRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height) {
+    (void)x, (void)y, (void)width, (void)height;
+    return nullptr;
+  }
 };
 
 /// One file being written. `finalize` writes it; false on failure, with no partial file left.
@@ -84,7 +92,7 @@ class MCImageCodec {
 };
 
 /// Bumped whenever MCImageCodec, MCImageSource, MCImageDestination or the records they take change.
-inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 3;
+inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 4;
 
 extern "C" {
 struct MCImageCodecPlugInInfo {

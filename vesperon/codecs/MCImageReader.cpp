@@ -196,6 +196,28 @@ MCRasterImageRef MCImageReader::newImageWithURL(const std::filesystem::path& url
                               options->metadataOptions, metadata);
 }
 
+MCRasterImageRef MCImageReader::newImageInRegionWithURL(const std::filesystem::path& url,
+                                                        const std::optional<std::string>& fileType, std::size_t x,
+                                                        std::size_t y, std::size_t width, std::size_t height,
+                                                        const std::optional<MCImageReadingOptions>& options,
+                                                        std::optional<MCDictionary>* metadata) {
+  if (url.empty() || !options || width == 0 || height == 0) return nullptr;
+  auto type = typeOf(url, fileType);
+  if (!type) return nullptr;
+  auto sourceOptions = MCImageSourceOptions::create(*type);
+  if (!sourceOptions) return nullptr;
+  sourceOptions->shouldAutoRotate = false;
+  sourceOptions->subsampleFactor = 1;
+  sourceOptions->maxDecodePixelCount = options->maxDecodePixelCount;
+  sourceOptions->setRawOptions(rawSourceOptionsForReadingOptions(options));
+  const auto read = [&](MCImageSource& source) -> MCRasterImageRef {
+    if (auto region = source.newImageInRegion(x, y, width, height)) return region;
+    return MCRasterImage::createWithImageInRect(source.newImage(),
+                                                MCMakeRect(double(x), double(y), double(width), double(height)));
+  };
+  return imageByNameOrContent(url, *type, *sourceOptions, read, options->metadataOptions, metadata);
+}
+
 MCRasterImageRef MCImageReader::newThumbnailWithURL(const std::filesystem::path& url,
                                                     const std::optional<std::string>& fileType,
                                                     const std::optional<MCThumbnailReadingOptions>& options,

@@ -45,6 +45,15 @@ class MCImageReader {
                                           const std::optional<MCImageReadingOptions>& options,
                                           std::optional<MCDictionary>* metadata);
 
+  /// The pixels of the full-size image inside the rectangle from (x, y), `width` × `height`, in
+  /// the file's stored orientation (the metadata's orientation is not applied) and cut to the
+  /// image: decoded alone where the plug-in can (JPEG skips the rows above and the columns
+  /// beside), else cut from the whole image. Metadata and failures as for newImageWithURL.
+  static MCRasterImageRef newImageInRegionWithURL(const std::filesystem::path& url, const std::optional<std::string>& fileType,
+                                                  std::size_t x, std::size_t y, std::size_t width, std::size_t height,
+                                                  const std::optional<MCImageReadingOptions>& options,
+                                                  std::optional<MCDictionary>* metadata);
+
   /// A thumbnail as `options` ask (auto-rotation on, no raw settings from the client), with the
   /// metadata as for newImageWithURL.
   static MCRasterImageRef newThumbnailWithURL(const std::filesystem::path& url, const std::optional<std::string>& fileType,
