@@ -389,14 +389,17 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
       return 1;
     }
     auto page = b->viewer.lock();
+    // The photo's size is known once its decode at fit arrived; the zoom is worked out from it on
+    // the page laid out at the window's size, and then the pixels for that zoom are awaited.
+    MCMainQueue::runUntil([&] { return !page || page->isLoaded(); }, std::chrono::seconds(60));
+    host.render();
+    b->zoomViewer(settings.zoom);
     MCMainQueue::runUntil([&] { return !page || ((page->isSharp() || page->hasFailed()) && page->hasProperties()); },
                           std::chrono::seconds(60));
     if (!page || !page->isSharp()) {
       std::fprintf(stderr, "vesperon browse: %s cannot be decoded; the viewer shows its thumbnail\n",
                    settings.open.c_str());
     }
-    host.render();  // lays the page out at the window's size before the zoom is worked out
-    b->zoomViewer(settings.zoom);
     if (page) {
       said = page->file().filename().string() + ", " + page->info();
       for (const auto& [label, value] : page->infoPanel()->rows()) said += "\n  " + label + ": " + value;

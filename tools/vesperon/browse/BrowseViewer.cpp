@@ -24,18 +24,29 @@ namespace {
 
 constexpr double kToolbarHeight = 56;
 
-/// The photo, drawn to fill its bounds (the zoom view sizes it to the image's proportions).
+/// The photo, drawn to fill its bounds (the zoom view sizes it to the photo's proportions), and
+/// over it the part decoded at the photo's own pixels, where it lies.
 class PhotoView : public MCView {
  public:
   using MCView::MCView;
   MCRasterImageRef image;
+  MCRasterImageRef detail;
+  MCRect detailRect;  // in the photo's full-size pixels
+  MCSize photoSize;
   bool isFlipped() const override { return true; }
   bool isOpaque() const override { return false; }
   void drawRect(const MCRect&) override {
     MCGraphicsContext* context = MCGraphicsContext::currentContext();
     if (!context || !image) return;
+    // The fit decode has the size the view needs, so a good filter is enough; the best one costs
+    // a tenth of a second per frame on a large window.
     context->setInterpolationQuality(MCInterpolationQuality::Medium);
     MCDrawImageInRect(*context, image, bounds());
+    if (!detail || !(photoSize.width > 0)) return;
+    const double sx = bounds().size.width / photoSize.width, sy = bounds().size.height / photoSize.height;
+    MCDrawImageInRect(*context, detail,
+                      MCMakeRect(detailRect.origin.x * sx, detailRect.origin.y * sy, detailRect.size.width * sx,
+                                 detailRect.size.height * sy));
   }
 };
 
@@ -103,57 +114,11 @@ std::string readableSize(std::uintmax_t bytes) {
   return text;
 }
 
-/// The pixels in Cairo's own layout, so that every later draw uses them where they lie.
-MCRasterImageRef drawable(const MCRasterImageRef& image, int orientation = 1) {
-  if (!image) return nullptr;
-  auto context = MCGraphicsContext::create(image->width(), image->height(), 8, 0, MCColorSpace::sRGB(),
-                                           MCImageAlphaPremultipliedFirst | MCBitmapByteOrder32Little);
-  if (!context) return image;
-  context->drawImage(MCMakeRect(0, 0, double(image->width()), double(image->height())), image);
-  return BrowseOrientedImage(context->createImage(), orientation);
-}
-
-int orientationOf(const std::optional<MCDictionary>& metadata) {
-  if (!metadata) return 1;
-  auto it = metadata->find(kCGImagePropertyOrientation);
-  if (it == metadata->end()) return 1;
-  const auto value = it->second.integerValue();
-  return value && *value >= 1 && *value <= 8 ? int(*value) : 1;
-}
-
 }  // namespace
-
-MCRasterImageRef BrowseOrientedImage(const MCRasterImageRef& image, int orientation) {
-  if (!image || orientation < 2 || orientation > 8 || image->bitsPerPixel() != 32) return image;
-  const std::size_t w = image->width(), h = image->height();
-  const bool swaps = orientation >= 5;
-  const std::size_t outW = swaps ? h : w, outH = swaps ? w : h;
-  std::vector<uint8_t> pixels(outW * outH * 4);
-  for (std::size_t y = 0; y < h; ++y) {
-    const uint32_t* in = reinterpret_cast<const uint32_t*>(image->row(y));
-    for (std::size_t x = 0; x < w; ++x) {
-      // Where the stored pixel (x, y) goes when the photo is turned upright.
-      std::size_t ox = x, oy = y;
-      switch (orientation) {
-        case 2: ox = w - 1 - x; break;                      // mirrored
-        case 3: ox = w - 1 - x; oy = h - 1 - y; break;      // upside down
-        case 4: oy = h - 1 - y; break;                      // mirrored, upside down
-        case 5: ox = y; oy = x; break;                      // transposed
-        case 6: ox = h - 1 - y; oy = x; break;              // turned a quarter clockwise
-        case 7: ox = h - 1 - y; oy = w - 1 - x; break;      // transversed
-        case 8: ox = y; oy = w - 1 - x; break;              // turned a quarter counter-clockwise
-      }
-      std::memcpy(pixels.data() + (oy * outW + ox) * 4, &in[x], 4);
-    }
-  }
-  auto turned = MCRasterImage::create(outW, outH, image->bitsPerComponent(), 32, outW * 4, image->colorSpace(),
-                                      image->bitmapInfo(), std::move(pixels));
-  return turned ? turned : image;
-}
 
 BrowseViewerPage::BrowseViewerPage(std::filesystem::path file, MCRasterImageRef thumbnail,
                                    std::function<void(const std::string&)> report, std::function<void(long)> labelChanged)
-    : file_(std::move(file)), image_(drawable(thumbnail)), report_(std::move(report)), labelChanged_(std::move(labelChanged)) {}
+    : file_(std::move(file)), image_(BrowseDrawableImage(thumbnail, 1)), report_(std::move(report)), labelChanged_(std::move(labelChanged)) {}
 
 void BrowseViewerPage::loadView() {
   class PageView : public MCView {
@@ -263,7 +228,12 @@ void BrowseViewerPage::viewControllerDidAppear(bool) {
   }
   if (!requested_) {
     requested_ = true;
-    request(file_);
+    std::weak_ptr<BrowseViewerPage> weak = self();
+    loader_ = std::make_unique<BrowsePhotoLoader>([weak](BrowsePhotoPixels pixels) {
+      if (auto page = weak.lock()) page->receive(std::move(pixels));
+    });
+    wantOnly();
+    loader_->loadFit(file_, fitPixelSize(photoSize()));
     readProperties();
   }
 }
@@ -301,7 +271,8 @@ void BrowseViewerPage::placeBesidePanel() {
   frame.origin.x = MCMaxX(page) - 16 - frame.size.width - panel;
   histogramView_->setFrame(frame);
   zoomView_->updateLayout();
-  updateInfo();  // fit has another size now, and so the zoom in percent
+  updateSharpness();  // a wider view may need more pixels than the fit decode has
+  updateInfo();       // fit has another size now, and so the zoom in percent
 }
 
 void BrowseViewerPage::toggleInfo() {
@@ -311,15 +282,29 @@ void BrowseViewerPage::toggleInfo() {
   if (report_) report_(std::string("viewer info ") + (infoPanel_->isHidden() ? "hidden" : "shown"));
 }
 
-void BrowseViewerPage::request(const std::filesystem::path& file) {
-  for (const auto& [uuid, requested] : requests_)
-    if (requested == file) return;
-  auto descriptor = std::make_shared<MCImageDescriptor>(file);
-  // The photo's own pixels and the metadata that says how to turn them.
-  MCImageReadingOptions options;
-  options.metadataOptions = MCMetadataReadingOptions{};
-  descriptor->readingOptions = options;
-  requests_[MCResourceLoader::sharedInstance().requestImage(descriptor, self())] = file;
+std::size_t BrowseViewerPage::fitPixelSize(MCSize photo) const {
+  // The photo at fit fills the view along one side. Its proportions come from what is shown (the
+  // thumbnail, before the photo itself); without them, the view's larger side is always enough.
+  const double scale = zoomView_ && zoomView_->window() ? zoomView_->window()->backingScaleFactor() : 1.0;
+  const MCSize view = zoomView_ ? zoomView_->bounds().size : MCSize{800, 600};
+  double side = std::max(view.width, view.height);
+  if (photo.width > 0 && photo.height > 0 && view.width > 0 && view.height > 0) {
+    const double fit = std::min(view.width / photo.width, view.height / photo.height);
+    side = std::max(photo.width, photo.height) * fit;
+  }
+  return std::size_t(std::ceil(side * scale));
+}
+
+void BrowseViewerPage::wantOnly() {
+  if (!loader_) return;
+  // The photo shown and its neighbours; every other load still queued is dropped.
+  std::set<std::filesystem::path> wanted{file_};
+  if (sequence_.file)
+    for (long d : {1L, -1L}) {
+      const long at = long(position_) + d;
+      if (at >= 0 && at < long(sequence_.paths.size())) wanted.insert(sequence_.file(sequence_.paths[std::size_t(at)]));
+    }
+  loader_->setWanted(std::move(wanted));
 }
 
 bool BrowseViewerPage::isNeighbour(const std::filesystem::path& file) const {
@@ -333,14 +318,18 @@ bool BrowseViewerPage::isNeighbour(const std::filesystem::path& file) const {
 }
 
 void BrowseViewerPage::lookAhead() {
-  if (sequence_.paths.empty() || !sequence_.file) return;
-  std::map<std::filesystem::path, MCRasterImageRef> kept;
+  if (sequence_.paths.empty() || !sequence_.file || !loader_ || !looksAhead_) return;
+  std::map<std::filesystem::path, BrowsePhotoPixels> kept;
   for (long d : {1L, -1L}) {
     const long at = long(position_) + d;
     if (at < 0 || at >= long(sequence_.paths.size())) continue;
     const std::filesystem::path neighbour = sequence_.file(sequence_.paths[std::size_t(at)]);
     if (auto found = decoded_.find(neighbour); found != decoded_.end()) kept.insert(*found);
-    else request(neighbour);
+    else {
+      const MCRasterImageRef thumbnail = sequence_.thumbnail ? sequence_.thumbnail(sequence_.paths[std::size_t(at)]) : nullptr;
+      loader_->loadFit(neighbour, fitPixelSize(thumbnail ? MCSize{double(thumbnail->width()), double(thumbnail->height())}
+                                                         : MCSize{0, 0}));
+    }
   }
   decoded_ = std::move(kept);  // at most the two neighbours: memory stays flat however far one walks
 }
@@ -369,32 +358,45 @@ void BrowseViewerPage::step(long by) {
 void BrowseViewerPage::showPosition(std::size_t position) {
   if (position >= sequence_.paths.size() || !sequence_.file) return;
   if (position == position_ && sequence_.file(sequence_.paths[position]) == file_) return;
-  // The photo left stays at hand: one step back shows it without decoding it again.
-  if (sharp_ && image_) decoded_[file_] = image_;
+  // The photo left stays at hand at fit: one step back shows it without decoding it again.
+  if (loaded_ && fitPixels_.image) decoded_[file_] = fitPixels_;
   position_ = position;
   const MCIndexPath path = sequence_.paths[position];
   file_ = sequence_.file(path);
-  sharp_ = false;
-  failed_ = false;
-  if (auto found = decoded_.find(file_); found != decoded_.end() && found->second) {
-    sharp_ = true;
-    show(found->second);
-    reportSharp();
-  } else {
-    show(drawable(sequence_.thumbnail ? sequence_.thumbnail(path) : nullptr));
-    request(file_);
-  }
+  sharp_ = failed_ = loaded_ = whole_ = wholeRequested_ = regionFailed_ = reportedSharp_ = false;
+  regionRequested_.reset();
+  photoSize_ = {0, 0};
+  fitPixels_ = {};
+  wantOnly();
   zoomView_->setOffset({0, 0}, 1.0);
+  if (auto found = decoded_.find(file_); found != decoded_.end() && found->second.image) {
+    showFit(found->second);
+  } else {
+    show(BrowseDrawableImage(sequence_.thumbnail ? sequence_.thumbnail(path) : nullptr, 1));
+    if (loader_) loader_->loadFit(file_, fitPixelSize(photoSize()));
+  }
   const long label = MCColorLabelMapper::labelOfFile(file_);
   labelControl_->setUsedColorLabels(label ? std::set<long>{label} : std::set<long>{});
   if (sequence_.shown) sequence_.shown(path, position);
   readProperties();
   if (report_) report_("viewer open " + file_.string());
-  if (sharp_) lookAhead();
+  if (loaded_) lookAhead();
 }
 
 MCSize BrowseViewerPage::photoSize() const {
+  if (photoSize_.width > 0 && photoSize_.height > 0) return photoSize_;
   return image_ ? MCSize{double(image_->width()), double(image_->height())} : MCSize{0, 0};
+}
+
+MCRect BrowseViewerPage::visiblePhotoRect() const {
+  const MCSize photo = photoSize();
+  if (!zoomView_ || !(photo.width > 0)) return MCZeroRect;
+  const MCRect content = zoomView_->contentRectFor(zoomView_->zoom(), zoomView_->offset());
+  const MCRect seen = MCIntersectionRect(content, zoomView_->bounds());
+  if (MCIsEmptyRect(seen) || !(content.size.width > 0)) return MCZeroRect;
+  const double sx = photo.width / content.size.width, sy = photo.height / content.size.height;
+  return MCMakeRect((MCMinX(seen) - MCMinX(content)) * sx, (MCMinY(seen) - MCMinY(content)) * sy,
+                    seen.size.width * sx, seen.size.height * sy);
 }
 
 double BrowseViewerPage::oneToOneZoom() const {
@@ -480,12 +482,11 @@ void BrowseViewerPage::close() {
   if (MCNavigationController* navigation = navigationController()) navigation->popViewControllerAnimated(false);
 }
 
-MCSize BrowseViewerPage::zoomViewOriginalContentSize(MCZoomView&) {
-  return image_ ? MCSize{double(image_->width()), double(image_->height())} : MCSize{0, 0};
-}
+MCSize BrowseViewerPage::zoomViewOriginalContentSize(MCZoomView&) { return photoSize(); }
 
 void BrowseViewerPage::zoomViewDidChange(MCZoomView& view) {
   view.setNeedsDisplay(true);
+  updateSharpness();
   updateInfo();
 }
 
@@ -497,11 +498,12 @@ double BrowseViewerPage::zoomPercent() const {
 std::string BrowseViewerPage::info() const {
   if (failed_) return "cannot be decoded: the thumbnail shows";
   if (!image_) return {};
-  std::string text = std::to_string(image_->width()) + " × " + std::to_string(image_->height()) + " px";
+  const MCSize photo = photoSize();
+  std::string text = std::to_string(long(photo.width)) + " × " + std::to_string(long(photo.height)) + " px";
   std::error_code ec;
   const std::uintmax_t bytes = std::filesystem::file_size(file_, ec);
   if (!ec) text += "   " + readableSize(bytes);
-  if (sharp_) text += "   " + std::to_string(std::lround(zoomPercent())) + "%";
+  if (loaded_) text += "   " + std::to_string(std::lround(zoomPercent())) + "%";
   return text;
 }
 
@@ -512,39 +514,104 @@ void BrowseViewerPage::updateInfo() {
   toolbar->setNeedsDisplay(true);
   if (!infoPanel_) return;
   std::string pixels;
-  if (image_ && sharp_) pixels = std::to_string(image_->width()) + " × " + std::to_string(image_->height());
+  if (loaded_) pixels = std::to_string(long(photoSize_.width)) + " × " + std::to_string(long(photoSize_.height));
   infoPanel_->setRows(properties_ ? BrowseInfoRows(*properties_, pixels)
                                   : std::vector<std::pair<std::string, std::string>>{});
 }
 
-void BrowseViewerPage::receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,
-                                    const std::string& uuid) {
-  auto requested = requests_.find(uuid);
-  if (requested == requests_.end()) return;
-  const std::filesystem::path file = requested->second;
-  requests_.erase(requested);
-  if (!image || !image->CGImage()) {  // the thumbnail stays
-    if (file == file_) {
-      failed_ = true;
-      if (report_) report_("viewer cannot decode " + file.string());
+void BrowseViewerPage::receive(BrowsePhotoPixels pixels) {
+  using Kind = BrowsePhotoPixels::Kind;
+  if (pixels.file != file_) {
+    // A neighbour decoded ahead; one that stopped being a neighbour while it decoded is dropped.
+    if (pixels.kind == Kind::Fit && pixels.image && isNeighbour(pixels.file)) decoded_[pixels.file] = std::move(pixels);
+    return;
+  }
+  if (!pixels.image) {
+    if (pixels.kind == Kind::Region) {
+      regionRequested_.reset();
+      regionFailed_ = true;  // asking again would fail again; what is shown stays
+      if (report_) report_("viewer cannot decode a region of " + file_.string());
+    } else if (pixels.kind == Kind::Whole) {
+      // The visible parts will do instead.
+      updateSharpness();
+    } else {
+      failed_ = true;  // the thumbnail stays
+      if (report_) report_("viewer cannot decode " + file_.string());
+      updateInfo();
     }
     return;
   }
-  MCRasterImageRef pixels = drawable(image->CGImage(), orientationOf(metadata));
-  if (file != file_) {
-    // A neighbour decoded ahead; one that stopped being a neighbour while it decoded is dropped.
-    if (isNeighbour(file)) decoded_[file] = std::move(pixels);
-    return;
+  switch (pixels.kind) {
+    case Kind::Fit:
+      if (!whole_) showFit(pixels);
+      return;
+    case Kind::Whole:
+      whole_ = true;
+      show(std::move(pixels.image));
+      break;
+    case Kind::Region: {
+      regionRequested_.reset();
+      if (whole_) return;
+      auto& photo = static_cast<PhotoView&>(*imageView_);
+      photo.detail = std::move(pixels.image);
+      photo.detailRect = pixels.rect;
+      imageView_->setNeedsDisplay(true);
+      break;
+    }
   }
-  sharp_ = true;
-  show(std::move(pixels));
-  reportSharp();
+  updateSharpness();
+}
+
+void BrowseViewerPage::showFit(const BrowsePhotoPixels& pixels) {
+  fitPixels_ = pixels;
+  photoSize_ = pixels.photoSize;
+  orientation_ = pixels.orientation;
+  loaded_ = true;
+  // A photo no larger than the screen needs came whole.
+  whole_ = pixels.image && double(pixels.image->width()) >= photoSize_.width;
+  show(pixels.image);
+  updateSharpness();
   lookAhead();
 }
 
+void BrowseViewerPage::updateSharpness() {
+  if (!loaded_ || failed_ || !zoomView_ || !image_) return;
+  const MCSize photo = photoSize();
+  const double scale = zoomView_->window() ? zoomView_->window()->backingScaleFactor() : 1.0;
+  // Screen pixels across the photo's width now, against the pixels the fit decode has there.
+  const double shownWidth = zoomView_->sizeForZoom(zoomView_->zoom()).width * scale;
+  const MCRect visible = visiblePhotoRect();
+  const auto& view = static_cast<const PhotoView&>(*imageView_);
+  bool sharp = whole_ || shownWidth <= double(image_->width()) * 1.05;
+  if (!sharp && view.detail && MCContainsRect(MCInsetRect(view.detailRect, -1, -1), visible)) sharp = true;
+  if (!sharp) reportedSharp_ = false;  // told again once it is
+  sharp_ = sharp;
+  if (sharp_) {
+    if (!reportedSharp_) {
+      reportedSharp_ = true;
+      reportSharp();
+    }
+    return;
+  }
+  if (!loader_) return;
+  if (!wholeRequested_ && photo.width * photo.height <= kWholeDecodeLimit) {
+    wholeRequested_ = true;
+    loader_->loadWhole(file_);
+  }
+  // The visible part comes first, with room to pan around it, so the pixels one looks at are sharp
+  // long before the whole photo is decoded (or when it is too large to be).
+  if (regionFailed_ || MCIsEmptyRect(visible)) return;
+  if (regionRequested_ && MCContainsRect(*regionRequested_, visible)) return;
+  const MCRect wanted = MCIntersectionRect(MCInsetRect(visible, -visible.size.width / 2, -visible.size.height / 2),
+                                           MCMakeRect(0, 0, photo.width, photo.height));
+  regionRequested_ = MCIntegralRect(wanted);
+  loader_->loadRegion(file_, *regionRequested_, photo, orientation_);
+}
+
 void BrowseViewerPage::reportSharp() {
+  const MCSize photo = photoSize();
   if (report_ && image_)
-    report_("viewer sharp " + std::to_string(image_->width()) + "x" + std::to_string(image_->height()) + " " +
+    report_("viewer sharp " + std::to_string(long(photo.width)) + "x" + std::to_string(long(photo.height)) + " " +
             file_.string());
 }
 
@@ -552,7 +619,10 @@ void BrowseViewerPage::show(MCRasterImageRef image) {
   // The zoom is relative to fit, so a sharper image of the same proportions takes the place of
   // the thumbnail without a jump.
   image_ = std::move(image);
-  static_cast<PhotoView&>(*imageView_).image = image_;
+  auto& photo = static_cast<PhotoView&>(*imageView_);
+  photo.image = image_;
+  photo.detail = nullptr;
+  photo.photoSize = photoSize();
   imageView_->setNeedsDisplay(true);
   histogramView_->setImage(image_);
   // Room to look closer than the pixels themselves, whatever the photo's size.

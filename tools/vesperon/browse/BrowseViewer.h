@@ -3,19 +3,21 @@
 // double-click to toggle fit and 1:1, keys), its histogram, a toolbar (back, previous, next, zoom
 // in, zoom out, fit, 1:1) and a colour-label row that writes the file's label to its XMP sidecar.
 // It shows the thumbnail at once, scaled to the photo's own size so nothing jumps, and replaces it
-// with the photo's own pixels, turned by its orientation, when they arrive from the pipeline; the
-// neighbours in the sequence are decoded ahead. Next and previous walk the sequence the grid gives
+// with the photo decoded at the size the screen needs (BrowsePhotoLoader, off the main thread);
+// zoomed in beyond what that resolves, the visible part comes at the photo's own pixels, and the
+// whole photo after it when it is not too large to hold. The neighbours in the sequence are
+// decoded ahead at fit, so the next photo is sharp as it appears. Next and previous walk the sequence the grid gives
 // (its order, its filter); `i` or the Info button shows what the photo is (BrowseInfoPanel); F5
 // plays a slideshow, F11 fills the screen; Escape leaves the full screen, then returns to the grid.
 
 #include "BrowseInfoPanel.h"
+#include "BrowsePhotoLoader.h"
 
 #include <vesperon/controls/MCColorLabelControl.h>
 #include <vesperon/controls/MCHistogramView.h>
 #include <vesperon/controls/MCToolbarItemControl.h>
 #include <vesperon/controls/MCViewController.h>
 #include <vesperon/controls/MCZoomView.h>
-#include <vesperon/pipeline/MCResourceReceivers.h>
 #include <vesperon/toolkit/MCTimer.h>
 
 #include <vesperon/core/MCIndexPath.h>
@@ -38,13 +40,7 @@ struct BrowseViewerSequence {
   std::function<void()> closed;
 };
 
-/// The pixels of `image` (32-bit, Cairo's layout) turned as Exif orientation 1…8 says; the image
-/// itself for orientation 1 or anything else it cannot turn.
-MCRasterImageRef BrowseOrientedImage(const MCRasterImageRef& image, int orientation);
-
-class BrowseViewerPage : public MCViewController,
-                         public MCZoomViewDelegate,
-                         public MCImageReceiver {
+class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
  public:
   BrowseViewerPage(std::filesystem::path file, MCRasterImageRef thumbnail, std::function<void(const std::string&)> report,
                    std::function<void(long label)> labelChanged);
@@ -56,8 +52,17 @@ class BrowseViewerPage : public MCViewController,
   void showPosition(std::size_t position);
   /// Zoom that shows the photo's pixels one to one on the window's backing.
   double oneToOneZoom() const;
-  /// The photo's own pixels are shown, or its decoding failed and the thumbnail stays.
+  /// What is shown resolves the photo at the present zoom: the fit decode at fit, the photo's own
+  /// pixels (the whole, or the visible part) when zoomed in beyond it.
   bool isSharp() const { return sharp_; }
+  /// The photo's decode at fit arrived (its full size is known), or it failed.
+  bool isLoaded() const { return loaded_ || failed_; }
+  /// The visible part of the photo, in its upright full-size pixels.
+  MCRect visiblePhotoRect() const;
+  /// Whether the neighbours are decoded ahead (on by default; off only to measure what it brings).
+  void setLooksAhead(bool looksAhead) { looksAhead_ = looksAhead; }
+  /// Decodes whole photos up to this many pixels when zoomed in (beyond, only the visible parts).
+  static constexpr double kWholeDecodeLimit = 50e6;
   bool hasFailed() const { return failed_; }
   /// The photo's properties have been read (for the information panel).
   bool hasProperties() const { return properties_.has_value(); }
@@ -85,20 +90,25 @@ class BrowseViewerPage : public MCViewController,
   const std::shared_ptr<MCColorLabelControl>& labelControl() const { return labelControl_; }
   const MCRasterImageRef& image() const { return image_; }
   const std::filesystem::path& file() const { return file_; }
-  /// The photo's size in pixels as shown (turned), once its pixels arrived; else the thumbnail's.
+  /// The photo's full size in pixels, upright, once its first decode arrived; else the thumbnail's.
   MCSize photoSize() const;
   void close();
 
   // MCZoomViewDelegate
   MCSize zoomViewOriginalContentSize(MCZoomView& view) override;
   void zoomViewDidChange(MCZoomView& view) override;
-  // MCImageReceiver
-  void receiveImage(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,
-                    const std::string& uuid) override;
 
  private:
   void show(MCRasterImageRef image);
-  void request(const std::filesystem::path& file);
+  void receive(BrowsePhotoPixels pixels);
+  /// Applies a decode at fit of the photo shown.
+  void showFit(const BrowsePhotoPixels& pixels);
+  /// Works out whether what is shown resolves the present zoom, and asks for more if not.
+  void updateSharpness();
+  /// The larger side, in pixels, a photo of these proportions needs at fit in the zoom view (the
+  /// view's larger side when they are not known).
+  std::size_t fitPixelSize(MCSize photo) const;
+  void wantOnly();
   void lookAhead();
   bool isNeighbour(const std::filesystem::path& file) const;
   void reportSharp();
@@ -115,6 +125,17 @@ class BrowseViewerPage : public MCViewController,
   std::shared_ptr<MCHistogramView> histogramView_;
   std::shared_ptr<MCColorLabelControl> labelControl_;
   bool requested_ = false;
+  std::unique_ptr<BrowsePhotoLoader> loader_;
+  MCSize photoSize_{0, 0};  // full, upright; 0 × 0 until the first decode says
+  int orientation_ = 1;
+  bool loaded_ = false;     // the decode at fit (or the whole) of file_ arrived
+  bool whole_ = false;      // image_ holds every pixel of the photo
+  bool wholeRequested_ = false;
+  std::optional<MCRect> regionRequested_;  // the part asked for and not yet arrived
+  bool regionFailed_ = false;
+  bool reportedSharp_ = false;
+  bool looksAhead_ = true;
+  BrowsePhotoPixels fitPixels_;  // the decode at fit of file_, kept for a step back
   BrowseViewerSequence sequence_;
   std::size_t position_ = 0;
   bool sharp_ = false;  // image_ holds the photo's own pixels
@@ -125,7 +146,6 @@ class BrowseViewerPage : public MCViewController,
   std::jthread propertyReader_;
   std::shared_ptr<MCTimer> slideshow_;
   double slideshowInterval_ = 4;
-  // Requests in flight by identifier, and the photos decoded ahead (the current one's neighbours).
-  std::map<std::string, std::filesystem::path> requests_;
-  std::map<std::filesystem::path, MCRasterImageRef> decoded_;
+  // The photos decoded ahead at fit (the current one's neighbours, and the one just left).
+  std::map<std::filesystem::path, BrowsePhotoPixels> decoded_;
 };
