@@ -10,6 +10,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -103,5 +105,93 @@ TEST(ViewerRender, TheInformationPanelTellsWhatThePhotoIs) {
                           "  Taken: 2020-08-14 15:20:05 +10:00\n", "  Position: 33.89080° S, 151.27430° E\n",
                           "  Dimensions: 1024 × 683\n"})
     EXPECT_NE(outcome.output.find(row), std::string::npos) << row << " is not in\n" << outcome.output;
+  fs::remove_all(home);
+}
+
+namespace {
+
+// The peak signal-to-noise ratio in dB of the colour channels of `a` over the rectangle (x, y, w, h)
+// against `b` over the same size from (bx, by).
+double psnr(const MCRasterImage& a, long x, long y, const MCRasterImage& b, long bx, long by, long w, long h) {
+  const std::size_t sa = a.bitsPerPixel() / 8, sb = b.bitsPerPixel() / 8;
+  double squares = 0;
+  for (long j = 0; j < h; ++j)
+    for (long i = 0; i < w; ++i) {
+      const uint8_t* pa = a.row(std::size_t(y + j)) + std::size_t(x + i) * sa;
+      const uint8_t* pb = b.row(std::size_t(by + j)) + std::size_t(bx + i) * sb;
+      for (int c = 0; c < 3; ++c) squares += double(pa[c] - pb[c]) * double(pa[c] - pb[c]);
+    }
+  const double mean = squares / double(w * h * 3);
+  return mean > 0 ? 10 * std::log10(255.0 * 255.0 / mean) : 99;
+}
+
+}  // namespace
+
+// At fit the viewer shows the photo decoded at the size of the screen, as sharp as libvips scales
+// it; at 1:1 a photo stored turned (Exif orientation 6) shows its own pixels upright.
+TEST(ViewerRender, FitIsAsSharpAsAReferenceScalingAndOneToOneIsUpright) {
+  const fs::path home = fs::temp_directory_path() / ("vesperon-viewer-fit-" + std::to_string(::getpid()));
+  fs::remove_all(home);
+  fs::create_directories(home / "photos");
+  // Detail at every scale, as in a photo of foliage or fine print.
+  const fs::path photo = home / "photos" / "detail.png";
+  ASSERT_EQ(std::system(("/usr/bin/convert -seed 3 -size 750x500 plasma:fractal -resize 3000x2000! -seed 5 "
+                         "-attenuate 0.6 +noise Gaussian -type TrueColor '" + photo.string() + "' 2>/dev/null")
+                            .c_str()),
+            0);
+  // The view is 900 × 544 under the toolbar: the photo fits as 816 × 544 from x = 42.
+  const fs::path render = home / "fit.png", reference = home / "reference.png";
+  const ProgramOutcome fit = vesperon("browse '" + (home / "photos").string() + "' --open '" + photo.string() +
+                                          "' --zoom fit --render '" + render.string() + "' --size 900x600",
+                                      home);
+  ASSERT_EQ(fit.status, 0) << fit.output;
+  ASSERT_EQ(std::system(("vips resize '" + photo.string() + "' '" + reference.string() + "' 0.272 2>/dev/null").c_str()), 0);
+  auto shown = MCCreateImageWithURL(render);
+  auto expected = MCCreateImageWithURL(reference);
+  ASSERT_TRUE(shown && expected);
+  ASSERT_EQ(expected->width(), 816u);
+  // The left half of the photo, clear of the histogram in the bottom right corner.
+  const double sharpness = psnr(*shown, 42 + 4, 56 + 4, *expected, 4, 4, 400, 536);
+  EXPECT_GE(sharpness, 38) << "the fit view is blurrier than a reference scaling";
+  // What an enlarged thumbnail would give, for scale: far below.
+  const fs::path blurred = home / "blurred.png";
+  ASSERT_EQ(std::system(("/usr/bin/convert '" + reference.string() + "' -resize 256x -resize 816x544! '" +
+                         blurred.string() + "'").c_str()),
+            0);
+  const double thumbnailSharpness = psnr(*MCCreateImageWithURL(blurred), 4, 4, *expected, 4, 4, 400, 536);
+  std::printf("fit against libvips: %.1f dB; an enlarged thumbnail: %.1f dB\n", sharpness, thumbnailSharpness);
+  EXPECT_LT(thumbnailSharpness, sharpness - 6);
+
+  // Stored a quarter turn counter-clockwise, with orientation 6 to turn it back.
+  const fs::path turned = home / "photos" / "turned.jpg";
+  ASSERT_EQ(std::system(("/usr/bin/convert '" + photo.string() + "' -rotate -90 -quality 95 '" + turned.string() +
+                         "' && exiftool -q -overwrite_original -Orientation#=6 '" + turned.string() + "'")
+                            .c_str()),
+            0);
+  const ProgramOutcome one = vesperon("browse '" + (home / "photos").string() + "' --open '" + turned.string() +
+                                          "' --zoom 1:1 --render '" + render.string() + "' --size 900x600",
+                                      home);
+  ASSERT_EQ(one.status, 0) << one.output;
+  EXPECT_NE(one.output.find("turned.jpg, 3000 × 2000 px"), std::string::npos) << one.output;
+  auto stored = MCCreateImageWithURL(turned);  // as stored: 2000 × 3000
+  shown = MCCreateImageWithURL(render);
+  ASSERT_TRUE(stored && shown);
+  ASSERT_EQ(stored->width(), 2000u);
+  // Upright (u, v) was stored at (v, 2999 - u); the view's centre shows the upright centre.
+  const long cx = 450, cy = 56 + 544 / 2;
+  int best = 255;
+  for (long sy = -1; sy <= 1; ++sy)
+    for (long sx = -1; sx <= 1; ++sx) {
+      int worst = 0;
+      for (long dy = -16; dy < 16; ++dy)
+        for (long dx = -16; dx < 16; ++dx) {
+          const long u = 1500 + dx, v = 1000 + dy;
+          const uint8_t* a = shown->row(std::size_t(cy + sy + dy)) + std::size_t(cx + sx + dx) * (shown->bitsPerPixel() / 8);
+          const uint8_t* b = stored->row(std::size_t(2999 - u)) + std::size_t(v) * (stored->bitsPerPixel() / 8);
+          for (int c = 0; c < 3; ++c) worst = std::max(worst, std::abs(int(a[c]) - int(b[c])));
+        }
+      best = std::min(best, worst);
+    }
+  EXPECT_LE(best, 2) << "the centre at 1:1 is not the photo's own pixels, upright";
   fs::remove_all(home);
 }
