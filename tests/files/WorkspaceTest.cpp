@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fstream>
+#include <thread>
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -129,4 +133,26 @@ TEST(Workspace, TrashMovesARealFileAndSaysWhereAndAMissingOneFails) {
   EXPECT_FALSE(trashItemAtURL(folder / "missing.jpg", &where, &error));
   EXPECT_FALSE(error.empty());
   EXPECT_TRUE(log.contains("Couldn't move " + (folder / "missing.jpg").string() + " to the trash: ")) << log.text();
+}
+
+// A URI goes to the desktop's handler of its scheme, which receives it whole; a URI with no scheme
+// or no handler is refused.
+TEST(Workspace, URIsOpenWithTheHandlerOfTheirScheme) {
+  const fs::path applications = filesTestHome() / "data" / "applications";
+  const fs::path received = freshFolder("map") / "received";
+  writeText(applications / "map-viewer.desktop",
+            "[Desktop Entry]\nType=Application\nName=Map Viewer\nExec=sh -c 'printf %s \"$1\" > " + received.string() +
+                "' sh %u\nMimeType=x-scheme-handler/geo;\n");
+  ASSERT_EQ(std::system(("update-desktop-database " + applications.string()).c_str()), 0);
+  writeText(filesTestHome() / "config" / "mimeapps.list", "[Default Applications]\nx-scheme-handler/geo=map-viewer.desktop\n");
+  std::string error;
+  ASSERT_TRUE(openURI("geo:-33.89080,151.27430", &error)) << error;
+  for (int i = 0; i < 200 && !fs::exists(received); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  std::string text;
+  std::getline(std::ifstream(received), text);
+  EXPECT_EQ(text, "geo:-33.89080,151.27430");
+  EXPECT_FALSE(openURI("no scheme at all", &error));
+  EXPECT_EQ(error, "it has no scheme");
+  EXPECT_FALSE(openURI("vesperon-nothing:x", &error));
+  EXPECT_EQ(error, "no application handles it");
 }

@@ -103,7 +103,7 @@ TEST(ViewerRender, TheInformationPanelTellsWhatThePhotoIs) {
   for (const char* row : {"  Camera: NIKON Z 6\n", "  Lens: NIKKOR Z 24-70mm f/4 S\n", "  Exposure: 1/250 s\n",
                           "  Aperture: f/5.6\n", "  ISO: 400\n", "  Focal length: 35 mm\n", "  Flash: fired\n",
                           "  Taken: 2020-08-14 15:20:05 +10:00\n", "  Position: 33.89080° S, 151.27430° E\n",
-                          "  Dimensions: 1024 × 683\n"})
+                          "  Dimensions: 1024 × 683\n", "  Map: geo:-33.89080,151.27430\n"})
     EXPECT_NE(outcome.output.find(row), std::string::npos) << row << " is not in\n" << outcome.output;
   fs::remove_all(home);
 }

@@ -403,6 +403,7 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
     if (page) {
       said = page->file().filename().string() + ", " + page->info();
       for (const auto& [label, value] : page->infoPanel()->rows()) said += "\n  " + label + ": " + value;
+      if (!page->infoPanel()->mapURI().empty()) said += "\n  Map: " + page->infoPanel()->mapURI();
     }
   }
   if (!host.writePNG(settings.render)) {

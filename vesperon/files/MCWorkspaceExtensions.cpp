@@ -228,6 +228,30 @@ std::optional<std::filesystem::path> newlyTrashed(const std::map<std::filesystem
 
 }  // namespace
 
+bool openURI(const std::string& uri, std::string* error) {
+  const auto fail = [&](const std::string& reason) {
+    MCLog::sdkFileSystem()->logError("Couldn't open " + uri + ": " + reason);
+    if (error) *error = reason;
+    return false;
+  };
+  gchar* scheme = g_uri_parse_scheme(uri.c_str());
+  if (!scheme) return fail("it has no scheme");
+  GAppInfo* handler = g_app_info_get_default_for_uri_scheme(scheme);
+  g_free(scheme);
+  if (!handler) return fail("no application handles it");
+  GList* uris = g_list_append(nullptr, const_cast<char*>(uri.c_str()));
+  GError* launchError = nullptr;
+  const bool launched = g_app_info_launch_uris(handler, uris, nullptr, &launchError);
+  g_list_free(uris);
+  g_object_unref(handler);
+  if (!launched) {
+    const std::string reason = launchError ? launchError->message : "the application did not start";
+    if (launchError) g_error_free(launchError);
+    return fail(reason);
+  }
+  return true;
+}
+
 bool trashItemAtURL(const std::filesystem::path& url, std::optional<std::filesystem::path>* resultingItemURL,
                     std::string* error) {
   std::error_code ec;

@@ -37,6 +37,11 @@ std::optional<std::string> iconNameOfApplication(const std::string& bundleIdenti
 bool openURLsWithApplication(const std::vector<std::filesystem::path>& urls, const std::string& bundleIdentifier,
                              std::string* error = nullptr);
 
+/// Opens a URI with the desktop's handler for its scheme ("geo:" a map, "https:" the browser):
+/// GIO's default application for "x-scheme-handler/SCHEME". False, with the reason logged and in
+/// `error`, when the URI has no scheme, no application handles it, or it cannot be started.
+bool openURI(const std::string& uri, std::string* error = nullptr);
+
 /// Moves the item to the user's trash (GIO's g_file_trash; the call blocks until it is done). True on success, with where the item now lies in the trash's files/ folder in
 /// `resultingItemURL` when it is given and found; false with the reason logged and in `error`.
 bool trashItemAtURL(const std::filesystem::path& url, std::optional<std::filesystem::path>* resultingItemURL,

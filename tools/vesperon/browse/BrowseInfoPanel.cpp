@@ -1,6 +1,7 @@
 #include "BrowseInfoPanel.h"
 
 #include <vesperon/codecs/MCMovieProperties.h>
+#include <vesperon/files/MCWorkspaceExtensions.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCAttributedString.h>
@@ -107,6 +108,32 @@ std::vector<std::pair<std::string, std::string>> BrowseInfoRows(const MCDictiona
   return rows;
 }
 
+std::string BrowseGeoURI(const MCDictionary& properties) {
+  const auto latitude = number(find(properties, kCGImagePropertyGPSDictionary, kCGImagePropertyGPSLatitude));
+  const auto longitude = number(find(properties, kCGImagePropertyGPSDictionary, kCGImagePropertyGPSLongitude));
+  if (!latitude || !longitude || !std::isfinite(*latitude) || !std::isfinite(*longitude) || std::fabs(*latitude) > 90 ||
+      std::fabs(*longitude) > 180)
+    return {};
+  // Exif keeps the magnitude and the hemisphere apart; a signed value already says it.
+  const std::string latRef = text(find(properties, kCGImagePropertyGPSDictionary, kCGImagePropertyGPSLatitudeRef));
+  const std::string lonRef = text(find(properties, kCGImagePropertyGPSDictionary, kCGImagePropertyGPSLongitudeRef));
+  const double lat = latRef == "S" ? -std::fabs(*latitude) : *latitude;
+  const double lon = lonRef == "W" ? -std::fabs(*longitude) : *longitude;
+  return formatted("geo:%.5f,", lat) + formatted("%.5f", lon);
+}
+
+void BrowseInfoPanel::setMapURI(std::string uri) {
+  mapURI_ = std::move(uri);
+  setNeedsDisplay(true);
+}
+
+void BrowseInfoPanel::mouseDown(const MCEvent& event) {
+  const MCPoint point = convertPoint(event.locationInWindow(), nullptr);
+  if (mapURI_.empty() || !MCPointInRect(point, mapLink_)) return MCView::mouseDown(event);
+  if (openMap) openMap(mapURI_);
+  else openURI(mapURI_);
+}
+
 void BrowseInfoPanel::setRows(std::vector<std::pair<std::string, std::string>> rows) {
   rows_ = std::move(rows);
   setNeedsDisplay(true);
@@ -117,6 +144,7 @@ void BrowseInfoPanel::drawRect(const MCRect& dirty) {
   if (!context) return;
   MCColor::colorWithHex(0x1E1E1E).setFill(*context);
   context->fillRect(dirty);
+  mapLink_ = MCZeroRect;
   // Labels in a lighter grey than the values, both above 4.5:1 on the panel.
   MCTextAttributes label, value;
   label.font = MCFont::systemFontOfSize(11);
@@ -129,6 +157,17 @@ void BrowseInfoPanel::drawRect(const MCRect& dirty) {
     caption.drawAtPoint({14, y}, *context);
     y += caption.size().height + 1;
     line.drawAtPoint({14, y}, *context);
-    y += line.size().height + 10;
+    y += line.size().height;
+    if (name == "Position" && !mapURI_.empty()) {
+      MCTextAttributes link = value;
+      link.foregroundColor = MCColor::colorWithHex(0x8AB4F8);  // 8:1 on the panel
+      const MCAttributedString show("Show on map", link);
+      mapLink_ = MCMakeRect(14, y + 2, show.size().width, show.size().height);
+      show.drawAtPoint(mapLink_.origin, *context);
+      link.foregroundColor->setFill(*context);
+      context->fillRect(MCMakeRect(14, MCMaxY(mapLink_), show.size().width, 1));  // underlined, as links are
+      y += show.size().height + 2;
+    }
+    y += 10;
   }
 }

@@ -517,6 +517,7 @@ void BrowseViewerPage::updateInfo() {
   if (loaded_) pixels = std::to_string(long(photoSize_.width)) + " × " + std::to_string(long(photoSize_.height));
   infoPanel_->setRows(properties_ ? BrowseInfoRows(*properties_, pixels)
                                   : std::vector<std::pair<std::string, std::string>>{});
+  infoPanel_->setMapURI(properties_ ? BrowseGeoURI(*properties_) : std::string());
 }
 
 void BrowseViewerPage::receive(BrowsePhotoPixels pixels) {
