@@ -83,20 +83,30 @@ class ViewerZoomView : public MCZoomView {
 class Toolbar : public MCView {
  public:
   using MCView::MCView;
-  std::string info;
+  /// What the photo is, its parts from the most to the least needed; as many are drawn as fit
+  /// between `minX` (right of the controls) and the right end.
+  std::vector<std::string> info;
+  double minX = 0;
   bool isFlipped() const override { return true; }
   void drawRect(const MCRect& dirty) override {
     MCGraphicsContext* context = MCGraphicsContext::currentContext();
     if (!context) return;
     MCColor::colorWithHex(0x303030).setFill(*context);
     context->fillRect(dirty);
-    if (info.empty()) return;
     MCTextAttributes attributes;
     attributes.font = MCFont::systemFontOfSize(12);
     attributes.foregroundColor = MCColor::colorWithHex(0xE0E0E0);  // 9:1 on the grey
-    const MCAttributedString line(info, attributes);
-    const MCSize size = line.size();
-    line.drawAtPoint({bounds().size.width - size.width - 12, (bounds().size.height - size.height) / 2}, *context);
+    // A narrow window drops the parts at the end (zoom, then file size) rather than overlap.
+    for (std::size_t parts = info.size(); parts > 0; --parts) {
+      std::string text;
+      for (std::size_t i = 0; i < parts; ++i) text += (i ? "   " : "") + info[i];
+      const MCAttributedString line(text, attributes);
+      const MCSize size = line.size();
+      const double x = bounds().size.width - size.width - 12;
+      if (x < minX) continue;
+      line.drawAtPoint({x, (bounds().size.height - size.height) / 2}, *context);
+      return;
+    }
   }
 };
 
@@ -196,6 +206,7 @@ void BrowseViewerPage::loadView() {
     }
   };
   toolbar->addSubview(labelControl_);
+  toolbar->minX = MCMaxX(labelControl_->frame()) + 16;
 
   infoPanel_ = std::make_shared<BrowseInfoPanel>(
       MCMakeRect(800 - BrowseInfoPanel::kWidth, kToolbarHeight, BrowseInfoPanel::kWidth, 600 - kToolbarHeight));
@@ -495,22 +506,28 @@ double BrowseViewerPage::zoomPercent() const {
   return zoomView_ && oneToOne > 0 ? 100 * zoomView_->zoom() / oneToOne : 0;
 }
 
-std::string BrowseViewerPage::info() const {
-  if (failed_) return "cannot be decoded: the thumbnail shows";
+std::vector<std::string> BrowseViewerPage::infoParts() const {
+  if (failed_) return {"cannot be decoded: the thumbnail shows"};
   if (!image_) return {};
   const MCSize photo = photoSize();
-  std::string text = std::to_string(long(photo.width)) + " × " + std::to_string(long(photo.height)) + " px";
+  std::vector<std::string> parts{std::to_string(long(photo.width)) + " × " + std::to_string(long(photo.height)) + " px"};
   std::error_code ec;
   const std::uintmax_t bytes = std::filesystem::file_size(file_, ec);
-  if (!ec) text += "   " + readableSize(bytes);
-  if (loaded_) text += "   " + std::to_string(std::lround(zoomPercent())) + "%";
+  if (!ec) parts.push_back(readableSize(bytes));
+  if (loaded_) parts.push_back(std::to_string(std::lround(zoomPercent())) + "%");
+  return parts;
+}
+
+std::string BrowseViewerPage::info() const {
+  std::string text;
+  for (const std::string& part : infoParts()) text += (text.empty() ? "" : "   ") + part;
   return text;
 }
 
 void BrowseViewerPage::updateInfo() {
   auto toolbar = std::static_pointer_cast<Toolbar>(toolbar_);
   if (!toolbar) return;
-  toolbar->info = info();
+  toolbar->info = infoParts();
   toolbar->setNeedsDisplay(true);
   if (!infoPanel_) return;
   std::string pixels;

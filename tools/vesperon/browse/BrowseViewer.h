@@ -70,6 +70,8 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   double zoomPercent() const;
   /// What the toolbar says of the photo: pixel size, file size, zoom.
   std::string info() const;
+  /// The same in parts, from the most needed: pixel size, file size, zoom.
+  std::vector<std::string> infoParts() const;
   /// Shows or hides the information panel; the choice is kept in the settings for the next run.
   void toggleInfo();
   const std::shared_ptr<BrowseInfoPanel>& infoPanel() const { return infoPanel_; }
