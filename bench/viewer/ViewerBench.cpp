@@ -67,8 +67,7 @@ struct Viewer {
     host->render();
   }
   bool waitSharp() {
-    return MCMainQueue::runUntil([&] { return page->isSharp() || page->hasFailed(); }, std::chrono::seconds(60)) &&
-           page->isSharp();
+    return MCMainQueue::runUntil([&] { return page->isSettled(); }, std::chrono::seconds(60)) && page->isSharp();
   }
   void idle(double seconds) {
     const auto until = Clock::now() + std::chrono::duration<double>(seconds);

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <numeric>
 
 namespace mc_detail {
 
@@ -139,28 +140,39 @@ TIFFImageSource::TIFFImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSour
     : bytes_(std::move(bytes)), options_(std::move(options)) {}
 
 bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (!withinDecodeBudget(bytes_->name(), page.width, page.height, pixelLimit)) return false;
-  Handle handle(*bytes_);
-  TIFF* tif = handle.tif;
-  if (!tif || !TIFFSetSubDirectory(tif, page.directoryOffset)) return false;
-  char message[1024] = {};
-  if (!TIFFRGBAImageOK(tif, message)) return false;
-  TIFFRGBAImage image;
-  if (!TIFFRGBAImageBegin(&image, tif, 0, message)) return false;
+  return decodeRect(page, 0, 0, page.width, page.height, pixelLimit, out);
+}
+
+namespace {
+
+// The rows of a strip or tile: where a read of rows may start (libtiff's tile reader misplaces
+// rows read from elsewhere).
+std::size_t rowsPerUnit(TIFF* tif) {
+  uint32_t unit = 1;
+  if (TIFFIsTiled(tif) ? !TIFFGetField(tif, TIFFTAG_TILELENGTH, &unit) : !TIFFGetFieldDefaulted(tif, TIFFTAG_ROWSPERSTRIP, &unit))
+    unit = 1;
+  return std::max<std::size_t>(unit, 1);
+}
+
+}  // namespace
+
+bool TIFFImageSource::readRows(TIFF* tif, _TIFFRGBAImage& image, std::size_t top, std::size_t rows, std::size_t width,
+                               RGBAPixels& out) const {
   // Rows as the file stores them: the orientation tag is the caller's to apply.
   image.req_orientation = image.orientation;
-  out.width = image.width;
-  out.height = image.height;
-  const std::size_t count = std::size_t(image.width) * image.height;
+  image.row_offset = int(top);
+  out.width = width;
+  out.height = rows;
+  const std::size_t count = width * rows;
   // libtiff packs R in the low byte and A in the high one: on a little-endian machine its raster
   // already is RGBA in memory, so it is decoded straight into the image's bytes.
   out.bytes.resize(count * 4);
   bool ok = false;
   if constexpr (std::endian::native == std::endian::little) {
-    ok = TIFFRGBAImageGet(&image, reinterpret_cast<uint32_t*>(out.bytes.data()), image.width, image.height);
+    ok = TIFFRGBAImageGet(&image, reinterpret_cast<uint32_t*>(out.bytes.data()), uint32_t(width), uint32_t(rows));
   } else {
     std::vector<uint32_t> raster(count);
-    ok = TIFFRGBAImageGet(&image, raster.data(), image.width, image.height);
+    ok = TIFFRGBAImageGet(&image, raster.data(), uint32_t(width), uint32_t(rows));
     for (std::size_t i = 0; ok && i < count; ++i) {
       const uint32_t p = raster[i];
       out.bytes[i * 4 + 0] = uint8_t(TIFFGetR(p));
@@ -169,7 +181,6 @@ bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& 
       out.bytes[i * 4 + 3] = uint8_t(TIFFGetA(p));
     }
   }
-  TIFFRGBAImageEnd(&image);
   if (!ok) return false;
   // libtiff gives associated alpha as it is and unassociated alpha unmultiplied; the profile
   // applies to colour, so it is converted before the product.
@@ -183,6 +194,94 @@ bool TIFFImageSource::decode(const Page& page, uint64_t pixelLimit, RGBAPixels& 
     if (!associated) premultiplyRGBA(out.bytes);
   }
   return true;
+}
+
+bool TIFFImageSource::decodeRect(const Page& page, std::size_t x, std::size_t y, std::size_t width, std::size_t height,
+                                 uint64_t pixelLimit, RGBAPixels& out) const {
+  if (x >= page.width || y >= page.height || width == 0 || height == 0) return false;
+  width = std::min(width, page.width - x);
+  height = std::min(height, page.height - y);
+  Handle handle(*bytes_);
+  TIFF* tif = handle.tif;
+  if (!tif || !TIFFSetSubDirectory(tif, page.directoryOffset)) return false;
+  // Only the strips or tiles under the rectangle's rows are read, across the page's whole width:
+  // libtiff's column offset steps wrongly through samples of more than a byte, so the columns are
+  // cut here.
+  const std::size_t unit = rowsPerUnit(tif);
+  const std::size_t top = y - y % unit, skipped = y - top, rows = height + skipped;
+  if (!withinDecodeBudget(bytes_->name(), page.width, rows, pixelLimit)) return false;
+  char message[1024] = {};
+  if (!TIFFRGBAImageOK(tif, message)) return false;
+  TIFFRGBAImage image;
+  if (!TIFFRGBAImageBegin(&image, tif, 0, message)) return false;
+  const bool ok = readRows(tif, image, top, rows, page.width, out);
+  TIFFRGBAImageEnd(&image);
+  if (!ok) return false;
+  if (width < page.width || skipped > 0) {
+    for (std::size_t row = 0; row < height; ++row)
+      std::memmove(out.bytes.data() + row * width * 4, out.bytes.data() + ((row + skipped) * page.width + x) * 4,
+                   width * 4);
+    out.bytes.resize(width * height * 4);
+    out.width = width;
+    out.height = height;
+  }
+  return true;
+}
+
+bool TIFFImageSource::decodeReduced(const Page& page, std::size_t maxPixelSize, uint64_t pixelLimit,
+                                    RGBAPixels& out) const {
+  // Shrunk by a whole factor while it is read, a band of rows at a time, so a large page's
+  // thumbnail never holds the page: what libvips's shrink-on-load does for formats without one.
+  const std::size_t larger = std::max(page.width, page.height);
+  const std::size_t factor = maxPixelSize ? larger / maxPixelSize : 1;
+  if (factor < 2 || page.width * page.height < (16u << 20)) return decode(page, pixelLimit, out);
+  Handle handle(*bytes_);
+  TIFF* tif = handle.tif;
+  if (!tif || !TIFFSetSubDirectory(tif, page.directoryOffset)) return false;
+  // A band is whole strips (or rows of tiles) and whole blocks of the factor; pages in a few huge
+  // strips, which every band would decode again, are read whole.
+  const std::size_t unit = rowsPerUnit(tif);
+  std::size_t band = std::lcm(unit, factor);
+  if (band > 4096) return decode(page, pixelLimit, out);
+  band *= (255 + band) / band;
+  if (!withinDecodeBudget(bytes_->name(), page.width, band, pixelLimit)) return false;
+  char message[1024] = {};
+  if (!TIFFRGBAImageOK(tif, message)) return false;
+  TIFFRGBAImage image;
+  if (!TIFFRGBAImageBegin(&image, tif, 0, message)) return false;
+  out.width = (page.width + factor - 1) / factor;
+  out.height = (page.height + factor - 1) / factor;
+  out.bytes.assign(out.width * out.height * 4, 0);
+  std::vector<uint32_t> sums(out.width * 4);
+  RGBAPixels rows;
+  bool ok = true;
+  for (std::size_t top = 0; ok && top < page.height; top += band) {
+    if (!(ok = readRows(tif, image, top, std::min(band, page.height - top), page.width, rows))) break;
+    for (std::size_t first = 0; first < rows.height; first += factor) {
+      std::fill(sums.begin(), sums.end(), 0);
+      const std::size_t last = std::min(rows.height, first + factor);
+      for (std::size_t y = first; y < last; ++y) {
+        const uint8_t* p = rows.bytes.data() + y * rows.width * 4;
+        for (std::size_t x = 0; x < page.width; ++x, p += 4) {
+          uint32_t* sum = &sums[(x / factor) * 4];
+          sum[0] += p[0], sum[1] += p[1], sum[2] += p[2], sum[3] += p[3];
+        }
+      }
+      uint8_t* o = out.bytes.data() + ((top + first) / factor) * out.width * 4;
+      for (std::size_t x = 0; x < out.width; ++x) {
+        const std::size_t count = (last - first) * (std::min(page.width, (x + 1) * factor) - x * factor);
+        for (int c = 0; c < 4; ++c) o[x * 4 + c] = uint8_t((sums[x * 4 + c] + count / 2) / count);
+      }
+    }
+  }
+  TIFFRGBAImageEnd(&image);
+  return ok;
+}
+
+MCRasterImageRef TIFFImageSource::newImageInRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height) {
+  RGBAPixels pixels;
+  if (!decodeRect(first_, x, y, width, height, options_.decodePixelLimit(), pixels)) return nullptr;
+  return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));
 }
 
 MCRasterImageRef TIFFImageSource::newImage() {
@@ -205,7 +304,7 @@ MCRasterImageRef TIFFImageSource::newThumbnailWithOptions(const MCThumbnailReadi
     }
     if (!made && !options.createThumbnailFromImageIfAbsent) return nullptr;
   }
-  if (!made && !decode(first_, limit, pixels)) return nullptr;
+  if (!made && !decodeReduced(first_, std::size_t(options.thumbnailMaxPixelSize), limit, pixels)) return nullptr;
   pixels = fittedThumbnail(std::move(pixels), std::size_t(options.thumbnailMaxPixelSize), options.createThumbnailWithTransform,
                            options.orientation ? unsigned(options.orientation) : orientation_);
   return MCRasterImage::createRGBA8(pixels.width, pixels.height, std::move(pixels.bytes));

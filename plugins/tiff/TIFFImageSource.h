@@ -5,6 +5,8 @@
 //                            tag is metadata), through libtiff's RGBA reader: 1 to 16 bits, gray,
 //                            palette, RGB, YCbCr and CMYK, striped or tiled, alpha premultiplied;
 //                            an RGB ICC profile is applied
+//   newImageInRegion         a rectangle of the first page, reading only the strips or tiles
+//                            under it
 //   newThumbnailWithOptions  the file's own reduced image (a reduced-resolution page after the
 //                            first, or a SubIFD of the first) when it reaches the least size asked,
 //                            else one made from the first page, by the platform's rules; oriented
@@ -23,6 +25,10 @@
 
 #include <vesperon/codecs/MCImageCodec.h>
 
+// libtiff's handles, declared as its header does (it is not included here: it names a TIFFCodec).
+typedef struct tiff TIFF;
+struct _TIFFRGBAImage;
+
 namespace mc_detail {
 
 class TIFFImageSource : public MCImageSource {
@@ -30,6 +36,7 @@ class TIFFImageSource : public MCImageSource {
   static std::shared_ptr<TIFFImageSource> create(std::shared_ptr<SourceBytes> bytes, const MCImageSourceOptions& options);
 
   MCRasterImageRef newImage() override;
+  MCRasterImageRef newImageInRegion(std::size_t x, std::size_t y, std::size_t width, std::size_t height) override;
   MCRasterImageRef newThumbnailWithOptions(const MCThumbnailReadingOptions& options) override;
   std::optional<MCDictionary> metadataWithOptions(const std::optional<MCMetadataReadingOptions>& options) override;
 
@@ -43,6 +50,16 @@ class TIFFImageSource : public MCImageSource {
   TIFFImageSource(std::shared_ptr<SourceBytes> bytes, MCImageSourceOptions options);
   /// Decodes one page, or none (logging a refusal of the budget).
   bool decode(const Page& page, uint64_t pixelLimit, RGBAPixels& out) const;
+  /// Reads `rows` rows from `top` (a strip's or tile's first row) of the image begun on `tif`, in
+  /// sRGB with alpha premultiplied.
+  bool readRows(TIFF* tif, _TIFFRGBAImage& image, std::size_t top, std::size_t rows, std::size_t width,
+                RGBAPixels& out) const;
+  /// Decodes one page shrunk by the whole factor that keeps its larger side at least
+  /// `maxPixelSize`, a band of rows at a time (a small page, or one in huge strips, whole).
+  bool decodeReduced(const Page& page, std::size_t maxPixelSize, uint64_t pixelLimit, RGBAPixels& out) const;
+  /// Decodes the rectangle of one page, reading only the strips or tiles under it.
+  bool decodeRect(const Page& page, std::size_t x, std::size_t y, std::size_t width, std::size_t height,
+                  uint64_t pixelLimit, RGBAPixels& out) const;
 
   std::shared_ptr<SourceBytes> bytes_;
   MCImageSourceOptions options_;

@@ -5,6 +5,7 @@
 #include <vesperon/codecs/MCImageSourceProperties.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
+#include <cstring>
 #include <fstream>
 #include <iterator>
 
@@ -96,4 +97,33 @@ TEST(TIFFCodec, BadFilesGiveNothingAndHugeClaimsAreRefusedBeforeDecoding) {
   auto inMemory = codecFor("public.tiff")->imageSourceWithData(bytes, *MCImageSourceOptions::create("public.tiff"));
   ASSERT_TRUE(inMemory);
   expectQuadrants(inMemory->newImage());
+}
+
+// A region reads the strips or tiles under it and gives exactly the whole page's pixels there.
+TEST(TIFFCodec, RegionsOfStripsAndTilesMatchTheWholePage) {
+  const auto dir = scratchDirectory("tiff-region");
+  const auto striped = dir / "striped.tif", tiled = dir / "tiled.tif";
+  ASSERT_EQ(std::system(("/usr/bin/convert -seed 4 -size 203x157 xc:gray50 +noise Random -define tiff:rows-per-strip=16 '" +
+                         striped.string() + "' && /usr/bin/convert '" + striped.string() +
+                         "' -define tiff:tile-geometry=32x32 '" + tiled.string() + "'")
+                            .c_str()),
+            0);
+  for (const auto& file : {striped, tiled, fixture("quadrants-16-tiled.tif")}) {
+    SCOPED_TRACE(file.filename().string());
+    auto whole = openSource("public.tiff", file)->newImage();
+    ASSERT_TRUE(whole);
+    const std::size_t W = whole->width(), H = whole->height();
+    struct Case { std::size_t x, y, w, h; };
+    for (const Case c : {Case{0, 0, 10, 7}, Case{W / 3, H / 2, W / 3, H / 4}, Case{W - 5, H - 3, 50, 50}}) {
+      auto region = openSource("public.tiff", file)->newImageInRegion(c.x, c.y, c.w, c.h);
+      ASSERT_TRUE(region);
+      const std::size_t w = std::min(c.w, W - c.x), h = std::min(c.h, H - c.y);
+      ASSERT_EQ(region->width(), w);
+      ASSERT_EQ(region->height(), h);
+      for (std::size_t y = 0; y < h; ++y)
+        ASSERT_EQ(std::memcmp(region->row(y), whole->row(c.y + y) + c.x * 4, w * 4), 0) << "row " << y;
+    }
+    EXPECT_FALSE(openSource("public.tiff", file)->newImageInRegion(W, 0, 4, 4));
+  }
+  std::filesystem::remove_all(dir);
 }

@@ -394,10 +394,13 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
     MCMainQueue::runUntil([&] { return !page || page->isLoaded(); }, std::chrono::seconds(60));
     host.render();
     b->zoomViewer(settings.zoom);
-    MCMainQueue::runUntil([&] { return !page || ((page->isSharp() || page->hasFailed()) && page->hasProperties()); },
+    MCMainQueue::runUntil([&] { return !page || (page->isSettled() && page->hasProperties()); },
                           std::chrono::seconds(60));
-    if (!page || !page->isSharp()) {
+    if (!page || page->hasFailed()) {
       std::fprintf(stderr, "vesperon browse: %s cannot be decoded; the viewer shows its thumbnail\n",
+                   settings.open.c_str());
+    } else if (!page->isSharp()) {
+      std::fprintf(stderr, "vesperon browse: %s cannot be decoded at this zoom; the viewer shows it at fit\n",
                    settings.open.c_str());
     }
     if (page) {

@@ -6,6 +6,7 @@
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCRegularFile.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <sys/stat.h>
@@ -36,11 +37,16 @@ std::vector<fs::path> findMediaFiles(const fs::path& folder) {
 }
 
 std::optional<MCDictionary> mediaPropertiesOfFile(const fs::path& file, uint64_t mergeMask) {
+  // A file up to this size is read whole for its Exif block (a TIFF's or a raw file's may lie
+  // anywhere in it). Of a larger one (a 100-megapixel TIFF, a long clip) only the head is read, where
+  // a JPEG keeps its Exif, and its plug-in reads the tags of the rest.
+  constexpr std::size_t kWholeReadLimit = 64u << 20, kHeadSize = 1u << 20;
   try {
-    auto bytes = readFileBytes(file.string());
+    MCRegularFile::Result bytes = MCRegularFile::read(file, kWholeReadLimit);
+    if (bytes.status == MCRegularFile::Status::TooLarge) bytes = MCRegularFile::readHead(file, kHeadSize);
     if (!bytes) return std::nullopt;
     MCDictionary properties;
-    if (auto reader = MCExifReader::create(*bytes)) {
+    if (auto reader = MCExifReader::create(bytes.bytes)) {
       if (auto exif = reader->parseExif()) properties = exif->dictionary();
     }
     // Without an Exif block of its own (a PNG, a clip …) the file says what its plug-in reads.

@@ -6,6 +6,7 @@
 #include <vesperon/platform/MCDispatchQueue.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/platform/MCMainQueue.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <algorithm>
 #include <cmath>
@@ -208,6 +209,8 @@ void BrowsePhotoLoader::loadFit(const fs::path& file, std::size_t maxPixelSize) 
     pixels.photoSize = uprightSizeOf(metadata, pixels.orientation);
     if (pixels.image && !(pixels.photoSize.width > 0)) pixels.photoSize = {double(pixels.image->width()), double(pixels.image->height())};
     pixels.rect = MCMakeRect(0, 0, pixels.photoSize.width, pixels.photoSize.height);
+    const auto type = MCTypeIdentifierForContentsOfURL(file);
+    pixels.decodesRegionsAlone = type && (*type == "public.jpeg" || *type == "public.tiff");
     return pixels;
   });
 }

@@ -39,6 +39,8 @@ struct BrowsePhotoPixels {
   int orientation = 1;
   /// The part of the upright photo, in its full-size pixels, that `image` shows.
   MCRect rect;
+  /// The file's format decodes a region alone (JPEG, TIFF), cheaply; others decode the whole to cut it.
+  bool decodesRegionsAlone = false;
 };
 
 class BrowsePhotoLoader {

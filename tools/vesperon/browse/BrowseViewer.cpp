@@ -374,7 +374,7 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   position_ = position;
   const MCIndexPath path = sequence_.paths[position];
   file_ = sequence_.file(path);
-  sharp_ = failed_ = loaded_ = whole_ = wholeRequested_ = regionFailed_ = reportedSharp_ = false;
+  sharp_ = failed_ = loaded_ = whole_ = wholeRequested_ = wholeFailed_ = regionFailed_ = reportedSharp_ = false;
   regionRequested_.reset();
   photoSize_ = {0, 0};
   fitPixels_ = {};
@@ -550,7 +550,9 @@ void BrowseViewerPage::receive(BrowsePhotoPixels pixels) {
       regionFailed_ = true;  // asking again would fail again; what is shown stays
       if (report_) report_("viewer cannot decode a region of " + file_.string());
     } else if (pixels.kind == Kind::Whole) {
-      // The visible parts will do instead.
+      // The visible parts will do instead, where they decode alone; else the fit decode stays.
+      wholeFailed_ = true;
+      if (!fitPixels_.decodesRegionsAlone && report_) report_("viewer cannot decode the whole of " + file_.string());
       updateSharpness();
     } else {
       failed_ = true;  // the thumbnail stays
@@ -612,13 +614,15 @@ void BrowseViewerPage::updateSharpness() {
     return;
   }
   if (!loader_) return;
-  if (!wholeRequested_ && photo.width * photo.height <= kWholeDecodeLimit) {
+  // A format that can only cut a region from the whole is decoded whole, once (within the budget).
+  const bool regions = fitPixels_.decodesRegionsAlone;
+  if (!wholeRequested_ && (photo.width * photo.height <= kWholeDecodeLimit || !regions)) {
     wholeRequested_ = true;
     loader_->loadWhole(file_);
   }
   // The visible part comes first, with room to pan around it, so the pixels one looks at are sharp
   // long before the whole photo is decoded (or when it is too large to be).
-  if (regionFailed_ || MCIsEmptyRect(visible)) return;
+  if (!regions || regionFailed_ || MCIsEmptyRect(visible)) return;
   if (regionRequested_ && MCContainsRect(*regionRequested_, visible)) return;
   const MCRect wanted = MCIntersectionRect(MCInsetRect(visible, -visible.size.width / 2, -visible.size.height / 2),
                                            MCMakeRect(0, 0, photo.width, photo.height));

@@ -64,6 +64,11 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   /// Decodes whole photos up to this many pixels when zoomed in (beyond, only the visible parts).
   static constexpr double kWholeDecodeLimit = 50e6;
   bool hasFailed() const { return failed_; }
+  /// Nothing sharper is on its way: what is shown resolves the zoom, or the decodes that could
+  /// give more failed (beyond the decode budget, a damaged file).
+  bool isSettled() const {
+    return sharp_ || failed_ || regionFailed_ || (wholeFailed_ && !fitPixels_.decodesRegionsAlone);
+  }
   /// The photo's properties have been read (for the information panel).
   bool hasProperties() const { return properties_.has_value(); }
   /// The zoom as the share of the photo's pixels a screen pixel shows, in percent.
@@ -133,6 +138,7 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   bool loaded_ = false;     // the decode at fit (or the whole) of file_ arrived
   bool whole_ = false;      // image_ holds every pixel of the photo
   bool wholeRequested_ = false;
+  bool wholeFailed_ = false;
   std::optional<MCRect> regionRequested_;  // the part asked for and not yet arrived
   bool regionFailed_ = false;
   bool reportedSharp_ = false;
