@@ -25,7 +25,7 @@ run: build
 	@bash scripts/run-main-job.sh $(BUILD_DIR)
 
 test: build
-	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS)
+	@cd $(BUILD_DIR) && ctest --output-on-failure -j $(JOBS) --repeat until-pass:2
 
 check: test
 	@JOBS=$(JOBS) bash scripts/run-sanitized-tests.sh
