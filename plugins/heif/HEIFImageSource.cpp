@@ -90,7 +90,12 @@ HEIFImageSource::~HEIFImageSource() {
 
 bool HEIFImageSource::decode(bool thumbnail, uint64_t pixelLimit, RGBAPixels& out) const {
   const std::size_t width = thumbnail ? thumbnailWidth_ : width_, height = thumbnail ? thumbnailHeight_ : height_;
-  if (!withinDecodeBudget(bytes_->name(), width, height, pixelLimit)) return false;
+  // libheif's decoded picture counts too: its RGBA copy of the output, and the 4:2:0 planes it
+  // converts from (1.5 bytes a pixel), in pixels of four bytes.
+  const uint64_t pixels = uint64_t(width) * height;
+  if (!withinDecodeBudget(bytes_->name(), width, height, pixelLimit, thumbnail ? "the thumbnail" : "the image",
+                          pixels + pixels * 3 / 8))
+    return false;
   Handle image = primary(context_);
   if (!image) return false;
   if (thumbnail) {

@@ -128,7 +128,13 @@ std::shared_ptr<RawImageSource> RawImageSource::open(std::shared_ptr<RawImageSou
 }
 
 bool RawImageSource::demosaic(bool halfSize, uint64_t pixelLimit, RGBAPixels& out) const {
-  if (!withinDecodeBudget(name_, width_, height_, pixelLimit)) return false;
+  // LibRaw's own copies count too, in pixels of four bytes: the sensor data (2 bytes a photosite),
+  // its working image (four 16-bit channels, at a quarter of the photosites for a half-size
+  // decode) and the 8-bit RGB image it hands over (3 bytes a pixel).
+  const uint64_t photosites = uint64_t(width_) * height_;
+  const uint64_t output = halfSize ? photosites / 4 : photosites;
+  const uint64_t working = photosites / 2 + output * 2 + output * 3 / 4;
+  if (!withinDecodeBudget(name_, width_, height_, pixelLimit, "the image", working)) return false;
   auto raw = openRaw();
   if (!raw) return false;
   libraw_output_params_t& params = raw->imgdata.params;

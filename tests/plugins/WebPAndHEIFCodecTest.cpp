@@ -159,5 +159,13 @@ TEST(WebPAndHEIF, BadFilesBudgetsAndBytesInMemory) {
     ASSERT_TRUE(inMemory) << name;
     expectQuadrants(inMemory->newImage(), 24);
   }
-  EXPECT_TRUE(log.contains("64 x 48 pixels is beyond the limit of 1000")) << log.text();
+  EXPECT_TRUE(log.contains("64 x 48 pixels is beyond the limit of 1000")) << log.text();  // WebP
+  // libheif's RGBA copy (3072) and its 4:2:0 planes (1152) count beside the 3072 pixels made.
+  EXPECT_TRUE(log.contains("64 x 48 pixels and 4224 more to work in is beyond the limit of 1000")) << log.text();
+  for (const uint64_t limit : {3072 + 4224 - 1, 3072 + 4224}) {
+    auto options = MCImageSourceOptions::create("public.heic");
+    options->maxDecodePixelCount = uint64_t(limit);
+    EXPECT_EQ(bool(codecFor("public.heic")->imageSourceWithURL(fixture("quadrants.heic"), *options)->newImage()),
+              limit == 3072 + 4224);
+  }
 }
