@@ -1,5 +1,6 @@
 #include <vesperon/pixels/MCImageCreation.h>
 #include <vesperon/pixels/MCImageFiles.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <gtest/gtest.h>
 
@@ -50,7 +51,7 @@ TEST_F(ImageFiles, SavesJPEGAndReadsItBack) {
   ASSERT_TRUE(MCSaveImageToURL(halves(), url)) << "the parent folders are made";
   const MCData bytes = bytesOf(url);
   ASSERT_GT(bytes.size(), 4u);
-  EXPECT_EQ(MCImageTypeOfBytes(bytes.data(), bytes.size()), "public.jpeg");
+  EXPECT_EQ(MCTypeIdentifierForBytes(bytes.data(), bytes.size()), "public.jpeg");
 
   auto image = MCCreateImageWithURL(url);
   ASSERT_TRUE(image);
@@ -119,7 +120,7 @@ TEST_F(ImageFiles, TheNameGivesTheTypeAndTheContentComesSecond) {
   EXPECT_EQ(misnamed->width(), 16u);
   // First bytes of raw formats that have a signature of their own, and of the ISO brands.
   auto typeOf = [](const std::string& bytes) {
-    return MCImageTypeOfBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size());
+    return MCTypeIdentifierForBytes(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()).value_or("");
   };
   EXPECT_EQ(typeOf(std::string("II*\0\x10\0\0\0CR\x02\0", 12)), "com.canon.cr2-raw-image");
   EXPECT_EQ(typeOf(std::string("II*\0\x08\0\0\0\0\0\0\0", 12)), "public.tiff");

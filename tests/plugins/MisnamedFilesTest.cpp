@@ -39,7 +39,7 @@ TEST(MisnamedFiles, AreReadAsTheirContentShowsAndTheMismatchIsLoggedOncePerFile)
     const char* content;
   };
   for (const Case& c : {Case{"quadrants.webp", "webp.tif", "public.tiff", "org.webmproject.webp"},
-                        Case{"quadrants.heic", "heic.webp", "org.webmproject.webp", "public.heif"},
+                        Case{"quadrants.heic", "heic.webp", "org.webmproject.webp", "public.heic"},
                         Case{"quadrants.png", "png.jpg", "public.jpeg", "public.png"},
                         Case{"quadrants.jpg", "jpeg.png", "public.png", "public.jpeg"}}) {
     SCOPED_TRACE(c.name);

@@ -59,46 +59,12 @@ MCRasterImageRef decode(const Input& input, const std::vector<std::string>& type
 std::vector<std::string> typesOfFile(const std::filesystem::path& url, const uint8_t* head, std::size_t length) {
   std::vector<std::string> types;
   if (auto byName = MCTypeIdentifierForURL(url)) types.push_back(*byName);
-  const std::string byContent = MCImageTypeOfBytes(head, length);
+  const std::string byContent = MCTypeIdentifierForBytes(head, length).value_or("");
   if (!byContent.empty() && (types.empty() || !MCTypeEqual(types.front(), byContent))) types.push_back(byContent);
   return types;
 }
 
 }  // namespace
-
-std::string MCImageTypeOfBytes(const uint8_t* b, std::size_t n) {
-  if (!b) return {};
-  const auto starts = [&](const char* magic, std::size_t at = 0) {
-    const std::size_t m = std::strlen(magic);
-    return n >= at + m && std::memcmp(b + at, magic, m) == 0;
-  };
-  if (n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF) return "public.jpeg";
-  if (starts("\x89PNG\r\n\x1a\n")) return "public.png";
-  // Camera raw formats whose first bytes say so; NEF, ARW, DNG and the like are plain TIFF at the
-  // start, and only their names tell them apart.
-  if (starts("FUJIFILMCCD-RAW")) return "com.fuji.raw-image";
-  if (starts("IIRO") || starts("IIRS") || starts("MMOR")) return "com.olympus.raw-image";
-  if (starts("IIU") && n >= 4 && b[3] == 0) return "com.panasonic.rw2-raw-image";
-  if (starts("II*") && n >= 4 && b[3] == 0 && starts("CR\x02", 8)) return "com.canon.cr2-raw-image";
-  if (starts("II*") || starts("MM")) {
-    if (n >= 4 && ((b[0] == 'I' && b[2] == 42 && b[3] == 0) || (b[0] == 'M' && b[2] == 0 && b[3] == 42)))
-      return "public.tiff";
-  }
-  if (starts("GIF87a") || starts("GIF89a")) return "com.compuserve.gif";
-  if (starts("BM") && n >= 14) return "com.microsoft.bmp";
-  if (starts("RIFF") && starts("WEBP", 8)) return "org.webmproject.webp";
-  if (starts("ftyp", 4)) {
-    if (starts("heic", 8) || starts("heix", 8) || starts("hevc", 8) || starts("heim", 8)) return "public.heic";
-    if (starts("avif", 8) || starts("avis", 8)) return "public.avif";
-    if (starts("mif1", 8) || starts("msf1", 8)) return "public.heif";
-    if (starts("crx ", 8)) return "com.canon.cr3-raw-image";
-    if (starts("qt  ", 8)) return "com.apple.quicktime-movie";
-    if (starts("M4V ", 8)) return "com.apple.m4v-video";
-    if (starts("isom", 8) || starts("iso2", 8) || starts("mp41", 8) || starts("mp42", 8) || starts("avc1", 8))
-      return "public.mpeg-4";
-  }
-  return {};
-}
 
 MCRasterImageRef MCCreateImageWithURL(const std::filesystem::path& url, const MCDictionary& options) {
   const auto& log = MCLog::sdkGraphics();
@@ -138,7 +104,7 @@ MCRasterImageRef MCCreateImageWithData(const MCData* data, const MCDictionary& o
     return nullptr;
   }
   // Bytes have no name: their type is what their first bytes show. They are read where they are.
-  const std::string type = MCImageTypeOfBytes(data->data(), data->size());
+  const std::string type = MCTypeIdentifierForBytes(data->data(), data->size()).value_or("");
   std::vector<std::string> types;
   if (!type.empty()) types.push_back(type);
   std::shared_ptr<const MCData> shared(data, [](const MCData*) {});  // borrowed for the call only

@@ -6,7 +6,7 @@
 // the platform's image source takes it: "x.CR2" is a Canon raw file even though it starts as a
 // TIFF, and reaches the source extension registered for Canon raw. When the first bytes show
 // another type (a PNG saved as ".jpg"), that type's extensions are tried after the name's. Bytes
-// in memory have no name: their type is what their first bytes show (MCImageTypeOfBytes), and they
+// in memory have no name: their type is what their first bytes show (MCTypeIdentifierForBytes), and they
 // are read where they are, through the extensions' sources over memory — nothing is written.
 //
 // Reports, on the log sdkGraphics at error level (or to the log file while writesToFile is on),
@@ -28,11 +28,6 @@
 #include <optional>
 #include <string>
 #include <system_error>
-
-/// The type identifier that the first bytes of a file show, or an empty string: JPEG, PNG, TIFF,
-/// GIF, BMP, WebP, HEIC/HEIF/AVIF, the ISO movie brands (MP4, QuickTime, M4V), and the raw formats
-/// with a signature of their own (CR2, CR3, RAF, ORF, RW2).
-std::string MCImageTypeOfBytes(const uint8_t* bytes, std::size_t length);
 
 /// The first image of the file; `url` empty means absent. Options: kCGImageSourceSubsampleFactor
 /// (a number 1, 2, 4 or 8) is passed to the codec; the others are the platform's caching hints,

@@ -6,6 +6,7 @@
 #include <strings.h>
 
 #include <algorithm>
+#include <cstring>
 #include <cctype>
 #include <mutex>
 #include <system_error>
@@ -240,10 +241,45 @@ std::optional<std::string> MCTypeIdentifierForURL(const fs::path& url, std::stri
   return std::string(kUTTypeData);
 }
 
+std::optional<std::string> MCTypeIdentifierForBytes(const uint8_t* b, std::size_t n) {
+  if (!b) return std::nullopt;
+  const auto starts = [&](const char* magic, std::size_t at = 0) {
+    const std::size_t m = std::strlen(magic);
+    return n >= at + m && std::memcmp(b + at, magic, m) == 0;
+  };
+  if (n >= 3 && b[0] == 0xFF && b[1] == 0xD8 && b[2] == 0xFF) return "public.jpeg";
+  if (starts("\x89PNG\r\n\x1a\n")) return "public.png";
+  // Camera raw formats whose first bytes say so; NEF, ARW, DNG and the like are plain TIFF at the
+  // start, and only their names tell them apart.
+  if (starts("FUJIFILMCCD-RAW")) return "com.fuji.raw-image";
+  if (starts("IIRO") || starts("IIRS") || starts("MMOR")) return "com.olympus.raw-image";
+  if (starts("IIU") && n >= 4 && b[3] == 0) return "com.panasonic.rw2-raw-image";
+  if (starts("II*") && n >= 4 && b[3] == 0 && starts("CR\x02", 8)) return "com.canon.cr2-raw-image";
+  if (starts("II*") || starts("MM")) {
+    if (n >= 4 && ((b[0] == 'I' && b[2] == 42 && b[3] == 0) || (b[0] == 'M' && b[2] == 0 && b[3] == 42)))
+      return "public.tiff";
+  }
+  if (starts("GIF87a") || starts("GIF89a")) return "com.compuserve.gif";
+  if (starts("BM") && n >= 14) return "com.microsoft.bmp";
+  if (starts("RIFF") && starts("WEBP", 8)) return "org.webmproject.webp";
+  if (starts("ftyp", 4)) {
+    if (starts("heic", 8) || starts("heix", 8) || starts("hevc", 8) || starts("heim", 8)) return "public.heic";
+    if (starts("avif", 8) || starts("avis", 8)) return "public.avif";
+    if (starts("mif1", 8) || starts("msf1", 8)) return "public.heif";
+    if (starts("crx ", 8)) return "com.canon.cr3-raw-image";
+    if (starts("qt  ", 8)) return "com.apple.quicktime-movie";
+    if (starts("M4V ", 8)) return "com.apple.m4v-video";
+    if (starts("isom", 8) || starts("iso2", 8) || starts("mp41", 8) || starts("mp42", 8) || starts("avc1", 8))
+      return "public.mpeg-4";
+  }
+  return std::nullopt;
+}
+
 std::optional<std::string> MCTypeIdentifierForContentsOfURL(const fs::path& url) {
   // Only a regular file is read: a FIFO or a device would block or never end.
   const auto head = MCRegularFile::readHead(url, 4096);
   if (!head || head.bytes.empty()) return std::nullopt;
+  if (auto signed_ = MCTypeIdentifierForBytes(head.bytes.data(), head.bytes.size())) return signed_;
   gboolean uncertain = FALSE;
   gchar* contentType = g_content_type_guess(nullptr, head.bytes.data(), gsize(head.bytes.size()), &uncertain);
   if (!contentType) return std::nullopt;

@@ -11,6 +11,8 @@
 //
 // Identifiers compare without regard to case, as on the platform. All functions are thread-safe.
 
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -51,7 +53,13 @@ std::optional<std::string> MCTypeCreatePreferredIdentifierForFilenameExtension(c
 /// type of the extension for a file, "public.data" for a file without a known extension. None,
 /// with the reason in `error`, when nothing exists at `url`.
 std::optional<std::string> MCTypeIdentifierForURL(const std::filesystem::path& url, std::string* error = nullptr);
-/// The type the file's first bytes show, whatever its name: shared-mime-info's magic through GIO,
-/// landing on the table's entry for that media type (a PNG named ".jpg" gives "public.png"). None
-/// for what is not a readable regular file, and for content that shows no particular type.
+/// The image or movie type that first bytes show by their signature: JPEG, PNG, TIFF, GIF, BMP,
+/// WebP, HEIC/HEIF/AVIF, the ISO movie brands (MP4, QuickTime, M4V), and the raw formats with a
+/// signature of their own (CR2, CR3, RAF, ORF, RW2; NEF, ARW and DNG start as plain TIFF). None
+/// for anything else. Needs at most the first 16 bytes.
+std::optional<std::string> MCTypeIdentifierForBytes(const uint8_t* bytes, std::size_t length);
+/// The type the file's first bytes show, whatever its name: the signatures above first, then
+/// shared-mime-info's magic through GIO, landing on the table's entry for that media type (a PNG
+/// named ".jpg" gives "public.png"). None for what is not a readable regular file, and for content
+/// that shows no particular type.
 std::optional<std::string> MCTypeIdentifierForContentsOfURL(const std::filesystem::path& url);
