@@ -46,6 +46,21 @@ MCSize uprightSizeOf(const std::optional<MCDictionary>& metadata, int orientatio
   return orientation >= 5 ? MCSize{h, w} : MCSize{w, h};
 }
 
+/// A decode of the whole photo, turned upright, with the photo's full size: the properties' size,
+/// or the pixels' own when the properties do not say.
+BrowsePhotoPixels wholePhoto(BrowsePhotoPixels::Kind kind, const MCRasterImageRef& decoded,
+                             const std::optional<MCDictionary>& metadata) {
+  BrowsePhotoPixels pixels;
+  pixels.kind = kind;
+  pixels.orientation = orientationOf(metadata);
+  pixels.image = BrowseDrawableImage(decoded, pixels.orientation);
+  pixels.photoSize = uprightSizeOf(metadata, pixels.orientation);
+  if (pixels.image && (kind == BrowsePhotoPixels::Kind::Whole || !(pixels.photoSize.width > 0)))
+    pixels.photoSize = {double(pixels.image->width()), double(pixels.image->height())};
+  pixels.rect = MCMakeRect(0, 0, pixels.photoSize.width, pixels.photoSize.height);
+  return pixels;
+}
+
 /// Through a Cairo context, for layouts the one-pass conversion does not know.
 MCRasterImageRef drawnImage(const MCRasterImageRef& image) {
   auto context = MCGraphicsContext::create(image->width(), image->height(), 8, 0, MCColorSpace::sRGB(),
@@ -202,13 +217,7 @@ void BrowsePhotoLoader::loadFit(const fs::path& file, std::size_t maxPixelSize) 
     options.metadataReadingOptions = MCMetadataReadingOptions{};
     std::optional<MCDictionary> metadata;
     const MCRasterImageRef decoded = MCImageReader::newThumbnailWithURL(file, std::nullopt, options, &metadata);
-    BrowsePhotoPixels pixels;
-    pixels.kind = BrowsePhotoPixels::Kind::Fit;
-    pixels.orientation = orientationOf(metadata);
-    pixels.image = BrowseDrawableImage(decoded, pixels.orientation);
-    pixels.photoSize = uprightSizeOf(metadata, pixels.orientation);
-    if (pixels.image && !(pixels.photoSize.width > 0)) pixels.photoSize = {double(pixels.image->width()), double(pixels.image->height())};
-    pixels.rect = MCMakeRect(0, 0, pixels.photoSize.width, pixels.photoSize.height);
+    BrowsePhotoPixels pixels = wholePhoto(BrowsePhotoPixels::Kind::Fit, decoded, metadata);
     const auto type = MCTypeIdentifierForContentsOfURL(file);
     pixels.decodesRegionsAlone = type && (*type == "public.jpeg" || *type == "public.tiff");
     return pixels;
@@ -221,13 +230,7 @@ void BrowsePhotoLoader::loadWhole(const fs::path& file) {
     options.metadataOptions = MCMetadataReadingOptions{};
     std::optional<MCDictionary> metadata;
     const MCRasterImageRef decoded = MCImageReader::newImageWithURL(file, std::nullopt, options, &metadata);
-    BrowsePhotoPixels pixels;
-    pixels.kind = BrowsePhotoPixels::Kind::Whole;
-    pixels.orientation = orientationOf(metadata);
-    pixels.image = BrowseDrawableImage(decoded, pixels.orientation);
-    if (pixels.image) pixels.photoSize = {double(pixels.image->width()), double(pixels.image->height())};
-    pixels.rect = MCMakeRect(0, 0, pixels.photoSize.width, pixels.photoSize.height);
-    return pixels;
+    return wholePhoto(BrowsePhotoPixels::Kind::Whole, decoded, metadata);
   });
 }
 
