@@ -5,6 +5,7 @@
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCDraggingSession.h>
 #include <vesperon/toolkit/MCPasteboard.h>
+#include <vesperon/toolkit/MCScrollView.h>
 
 #include <gtk/gtk.h>
 
@@ -189,6 +190,23 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
   host->clipboard_ = std::make_shared<MCGtkClipboard>(gtk_widget_get_clipboard(host->widget_));
   MCPasteboard::generalPasteboard()->setBackend(host->clipboard_);
   return host;
+}
+
+std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::createForView(std::shared_ptr<MCView> view, bool scrolls) {
+  if (!view) return nullptr;
+  // The view's own frame is the natural size the widget asks its container for.
+  MCSize size = view->frame().size;
+  if (size.width < 1 || size.height < 1) size = {640, 480};
+  auto window = MCWindow::create(size);
+  if (scrolls) {
+    auto scrollView = std::make_shared<MCScrollView>(MCMakeRect(0, 0, size.width, size.height));
+    scrollView->setDocumentView(view);
+    window->setContentView(scrollView);
+  } else {
+    window->setContentView(view);
+  }
+  window->makeFirstResponder(view.get());
+  return create(window);
 }
 
 MCGtkWindowHost::~MCGtkWindowHost() {

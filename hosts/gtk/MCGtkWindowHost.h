@@ -40,6 +40,11 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   /// A host with its widget, not yet in any GTK window. The widget holds the host; the host
   /// holds the window.
   static std::shared_ptr<MCGtkWindowHost> create(std::shared_ptr<MCWindow> window);
+  /// A host of a new window that shows `view` over its whole area, inside a scroll view when
+  /// `scrolls` (as a browser view wants), with the view as first responder. Put widget() into a
+  /// GtkWindow or container of your own: the widget keeps the host, its window and the view alive,
+  /// and closing the widget's toplevel closes the window. Null when `view` is null.
+  static std::shared_ptr<MCGtkWindowHost> createForView(std::shared_ptr<MCView> view, bool scrolls = true);
   ~MCGtkWindowHost() override;
 
   const std::shared_ptr<MCWindow>& window() const { return window_; }
