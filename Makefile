@@ -3,6 +3,7 @@
 #   make test  — install what is missing, build, run every test
 #   make check — make test, then every test under AddressSanitizer and UndefinedBehaviorSanitizer
 #                (build-asan/), then the threaded suites under ThreadSanitizer (build-tsan/)
+#   make docs  — the API reference (Doxygen) of every public header, in build/docs/api/html/
 BUILD_DIR ?= build
 # ccache keys objects by paths relative to the checkout, so that every clone (CI's included) and
 # every build folder share them.
@@ -10,7 +11,7 @@ export CCACHE_BASEDIR ?= $(CURDIR)
 export CCACHE_NOHASHDIR ?= 1
 JOBS ?= $(shell nproc)
 
-.PHONY: setup configure build run test check bench fuzz clean install
+.PHONY: setup configure build run test check bench fuzz clean install docs
 
 setup:
 	@bash scripts/setup.sh
@@ -35,6 +36,10 @@ bench: build
 
 fuzz:
 	@bash scripts/run-fuzzers.sh
+
+# The API reference in $(BUILD_DIR)/docs/api/html/index.html; an undocumented public name fails it.
+docs: configure
+	@cmake --build $(BUILD_DIR) --target docs
 
 install: build
 	@cmake --install $(BUILD_DIR)

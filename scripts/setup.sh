@@ -27,6 +27,8 @@ PACKAGES=(
   # peers the tests and benchmarks compare against, and fuzzing
   libimage-exiftool-perl libexiv2-dev libsqlite3-dev libvips-tools imagemagick libjpeg-turbo-progs
   clang libclang-rt-14-dev hyperfine time
+  # the API reference (make docs)
+  doxygen
 )
 
 missing=()

@@ -4,7 +4,7 @@
 // It keeps two ordered lists, source and destination extensions, and from them maps from uniform
 // type identifier to the extensions for that type, in order of trial, and the sets of types that
 // can be read and written. The shared instance registers the built-in plug-in folder (beside the
-// library: <libdir>/vesperon/plugins) and then each folder of $VESPERON_PLUGIN_PATH (colon-separated)
+// library: `<libdir>/vesperon/plugins`) and then each folder of $VESPERON_PLUGIN_PATH (colon-separated)
 // on first use.
 //
 // A plug-in whose manifest lies beside it (MCImageCodecManifest), no older than the module, is

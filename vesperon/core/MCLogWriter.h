@@ -1,7 +1,7 @@
 #pragma once
 // MCLogWriter: the application's log file.
 //
-// The file lives in $XDG_STATE_HOME/<application id>/Logs and is named after the UTC time of the
+// The file lives in `$XDG_STATE_HOME/<application id>/Logs` and is named after the UTC time of the
 // process's first file message, "yyyy_MM_dd_HH_mm_ss.log". Preparing the folder keeps the three
 // newest earlier ".log" files and deletes the others, so a folder holds at most four while a
 // process runs. Lines read "<yyyy:MM:dd HH:mm:ss.SSS> [<subsystem>, <category>] : <message>\n",

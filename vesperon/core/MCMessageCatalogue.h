@@ -6,7 +6,7 @@
 //
 // The English catalogue is made at build time from the English wording that every localised key
 // carries at its call site (MCLocalizedString(key, comment)), and lies in
-// <locale folder>/en/LC_MESSAGES/vesperon.mo beside the other languages.
+// `<locale folder>/en/LC_MESSAGES/vesperon.mo` beside the other languages.
 
 #include <filesystem>
 #include <optional>
@@ -25,7 +25,7 @@ class MCMessageCatalogue {
   /// The library's English catalogue, read once; empty when it is not installed.
   static const MCMessageCatalogue& english();
   /// The folder of the library's catalogues: $VESPERON_LOCALEDIR, else the locale folder that
-  /// lies beside the library (<prefix>/share/locale for <prefix>/lib/libvesperon.so), which
+  /// lies beside the library (`<prefix>/share/locale` for `<prefix>/lib/libvesperon.so`), which
   /// holds in a build tree as well as once installed.
   static std::filesystem::path localeDirectory();
 

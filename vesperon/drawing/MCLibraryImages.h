@@ -1,7 +1,7 @@
 #pragma once
 // The library's own image resources: the files it installs for itself, as a bundle keeps its
-// images, found beside the library wherever it lies — <prefix>/share/vesperon/images for
-// <prefix>/lib/libvesperon.so, in a build tree as once installed.
+// images, found beside the library wherever it lies — `<prefix>/share/vesperon/images` for
+// `<prefix>/lib/libvesperon.so`, in a build tree as once installed.
 //
 // A resource is known by its plain name ("badge-plate"): an SVG of that name is drawn with
 // librsvg at its own size; otherwise a PNG of that name is read through the codec plug-ins.

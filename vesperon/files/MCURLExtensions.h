@@ -47,13 +47,13 @@ std::set<std::filesystem::path> commonForVolumeURLs(const std::vector<std::files
 ///  - the system tree of the Filesystem Hierarchy Standard: /bin, /boot, /dev, /etc, /lib, /lib32,
 ///    /lib64, /libx32, /opt, /proc, /run, /sbin, /snap, /sys, /usr, /var;
 ///  - a user's own settings, caches and program data, the counterpart of a user library: the
-///    folders .cache, .config, .local and .var of a home folder (/home/<user>, /var/home/<user>,
+///    folders .cache, .config, .local and .var of a home folder (`/home/<user>`, `/var/home/<user>`,
 ///    /root, /var/roothome, and $HOME wherever it is).
 /// Except where users' own files are kept inside that tree, which are not system paths:
 /// /var/tmp; the home and mount folders of image-based systems (/var/home, /var/roothome, /var/mnt,
 /// the home folders' other contents); removable media mounted under /run/media; network and cloud
-/// shares under /run/user/<uid>/gvfs; files handed over by the document portal under
-/// /run/user/<uid>/doc and /run/flatpak/doc.
+/// shares under `/run/user/<uid>/gvfs`; files handed over by the document portal under
+/// `/run/user/<uid>/doc` and /run/flatpak/doc.
 /// Everything else is not a system path: /home and the files in it, /root, /tmp, /media, /mnt, /srv,
 /// the root folder "/" itself, and top folders of the machine's own ("/data", "/usrx").
 bool isSystemFileURL(const std::filesystem::path& url);

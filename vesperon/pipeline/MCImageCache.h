@@ -2,7 +2,7 @@
 // MCImageCache: the persistent image cache — JPEG files under the user's cache folder, addressed
 // by an integer identifier and a pixel size (the larger side), one MCImageCacheContainer per size.
 //
-// The root is $XDG_CACHE_HOME/<application identifier> (MCApplicationDirectories). The folder of
+// The root is `$XDG_CACHE_HOME/<application identifier>` (MCApplicationDirectories). The folder of
 // pixel size 128 is "Thumbnails", of any other size n "Thumbnails.n". At construction the root is
 // listed (hidden entries skipped): "Thumbnails" gives the container of 128, any other entry whose
 // extension reads as a decimal integer the container of that integer; a missing root — the first

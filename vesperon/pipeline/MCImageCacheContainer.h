@@ -2,7 +2,7 @@
 // MCImageCacheContainer: one directory of the persistent image cache, holding the JPEG files of
 // one pixel size.
 //
-// The file of image identifier `id` lies at <directory>/<a>/<b>/<c>.JPG with
+// The file of image identifier `id` lies at `<directory>/<a>/<b>/<c>.JPG` with
 //   a = id >> 16, b = id >> 8, c = id   (arithmetic shifts, the whole number, not a byte)
 // each printed as 64-bit two's complement in lower-case hexadecimal of at least two digits:
 //   5 → 00/00/05.JPG, 418 → 00/01/1a2.JPG, 1193046 → 12/1234/123456.JPG.

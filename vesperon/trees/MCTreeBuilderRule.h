@@ -5,7 +5,7 @@
 // A concrete rule overrides both compare() and compareNode(), and the two must agree: the order
 // of two nodes is the order of their items, since MCTreeController merges the present children of
 // a node with freshly made ones by compareNode(). The base versions raise std::invalid_argument
-// "*** MCTreeBuilderRule::compare: unrecognized selector sent to instance" (or ::compareNode), so
+// "*** MCTreeBuilderRule::compare: unrecognized selector sent to instance" (or `MCTreeBuilderRule::compareNode`), so
 // a rule that forgets compareNode() still builds trees and fails at the first update through a
 // controller.
 //
