@@ -1,17 +1,16 @@
 #pragma once
 // The filter bar of `vesperon browse` on screen, in a revealer above the grid, hidden at first:
-// the compound row ("All of the following are true") and a line of GTK widgets per filter row —
-// a check button that turns the row on, then the row's own widgets. Editing a row turns it on.
-// Each change calls `changed`.
+// the library's predicate editor (MCGtkPredicateEditor) over the filter's rows — the compound row
+// ("All of the following are true"), then per filter row a check button that turns it on and the
+// row's own widgets. Editing a row turns it on. Each change calls `changed`.
 
 #include "BrowseFilter.h"
 
-#include <hosts/gtk/MCGtkPredicateEditorRow.h>
+#include <hosts/gtk/MCGtkPredicateEditor.h>
 
 #include <functional>
 #include <memory>
 #include <string>
-#include <vector>
 
 typedef struct _GtkWidget GtkWidget;
 typedef struct _GtkRevealer GtkRevealer;
@@ -33,7 +32,6 @@ class BrowseFilterBar {
   void toggle();
 
  private:
-  void rowChanged(std::size_t index, bool turnOn);
   static void revealed(GtkRevealer* revealer, GParamSpec*, BrowseFilterBar* bar);
 
   BrowseFilter& filter_;
@@ -41,8 +39,5 @@ class BrowseFilterBar {
   GtkWidget* content_;
   std::function<void(const std::string&)> report_;
   GtkWidget* revealer_ = nullptr;
-  std::vector<std::shared_ptr<MCGtkPredicateEditorRow>> rows_;
-  std::vector<GtkWidget*> checks_;
-  std::shared_ptr<MCGtkPredicateEditorRow> compound_;
-  bool updating_ = false;
+  std::shared_ptr<MCGtkPredicateEditor> editor_;
 };
