@@ -3,7 +3,9 @@
 // dictionary uses these values as keys: sub-dictionaries under "{TIFF}", "{Exif}", "{ExifAux}",
 // "{GPS}" and "{IPTC}", and top-level scalars such as "Orientation". Defined once, here.
 
-// Top-level
+/// @name Top-level
+//@{
+/// Top-level keys of the image property dictionary, and the values of `ColorModel`.
 inline constexpr const char* kCGImagePropertyColorModel = "ColorModel";
 inline constexpr const char* kCGImagePropertyColorModelRGB = "RGB";
 inline constexpr const char* kCGImagePropertyColorModelGray = "Gray";
@@ -18,8 +20,11 @@ inline constexpr const char* kCGImagePropertyOrientation = "Orientation";
 inline constexpr const char* kCGImagePropertyPixelHeight = "PixelHeight";
 inline constexpr const char* kCGImagePropertyPixelWidth = "PixelWidth";
 inline constexpr const char* kCGImagePropertyProfileName = "ProfileName";
+//@}
 
-// TIFF
+/// @name TIFF
+//@{
+/// Keys of the "{TIFF}" sub-dictionary (and the key of the sub-dictionary itself).
 inline constexpr const char* kCGImagePropertyTIFFArtist = "Artist";
 inline constexpr const char* kCGImagePropertyTIFFCompression = "Compression";
 inline constexpr const char* kCGImagePropertyTIFFCopyright = "Copyright";
@@ -43,8 +48,11 @@ inline constexpr const char* kCGImagePropertyTIFFXPosition = "XPosition";
 inline constexpr const char* kCGImagePropertyTIFFXResolution = "XResolution";
 inline constexpr const char* kCGImagePropertyTIFFYPosition = "YPosition";
 inline constexpr const char* kCGImagePropertyTIFFYResolution = "YResolution";
+//@}
 
-// Exif
+/// @name Exif
+//@{
+/// Keys of the "{Exif}" sub-dictionary (and the key of the sub-dictionary itself).
 inline constexpr const char* kCGImagePropertyExifApertureValue = "ApertureValue";
 inline constexpr const char* kCGImagePropertyExifBodySerialNumber = "BodySerialNumber";
 inline constexpr const char* kCGImagePropertyExifBrightnessValue = "BrightnessValue";
@@ -120,8 +128,11 @@ inline constexpr const char* kCGImagePropertyExifSubsecTimeOriginal = "SubsecTim
 inline constexpr const char* kCGImagePropertyExifUserComment = "UserComment";
 inline constexpr const char* kCGImagePropertyExifVersion = "ExifVersion";
 inline constexpr const char* kCGImagePropertyExifWhiteBalance = "WhiteBalance";
+//@}
 
-// Exif auxiliary
+/// @name Exif auxiliary
+//@{
+/// Keys of the "{ExifAux}" sub-dictionary: lens and camera details outside the Exif standard.
 inline constexpr const char* kCGImagePropertyExifAuxDictionary = "{ExifAux}";
 inline constexpr const char* kCGImagePropertyExifAuxFirmware = "Firmware";
 inline constexpr const char* kCGImagePropertyExifAuxFlashCompensation = "FlashCompensation";
@@ -132,8 +143,11 @@ inline constexpr const char* kCGImagePropertyExifAuxLensModel = "LensModel";
 inline constexpr const char* kCGImagePropertyExifAuxLensSerialNumber = "LensSerialNumber";
 inline constexpr const char* kCGImagePropertyExifAuxOwnerName = "OwnerName";
 inline constexpr const char* kCGImagePropertyExifAuxSerialNumber = "SerialNumber";
+//@}
 
-// GPS
+/// @name GPS
+//@{
+/// Keys of the "{GPS}" sub-dictionary (and the key of the sub-dictionary itself).
 inline constexpr const char* kCGImagePropertyGPSAltitude = "Altitude";
 inline constexpr const char* kCGImagePropertyGPSAltitudeRef = "AltitudeRef";
 inline constexpr const char* kCGImagePropertyGPSAreaInformation = "AreaInformation";
@@ -167,8 +181,11 @@ inline constexpr const char* kCGImagePropertyGPSTimeStamp = "TimeStamp";
 inline constexpr const char* kCGImagePropertyGPSTrack = "Track";
 inline constexpr const char* kCGImagePropertyGPSTrackRef = "TrackRef";
 inline constexpr const char* kCGImagePropertyGPSVersion = "GPSVersion";
+//@}
 
-// IPTC
+/// @name IPTC
+//@{
+/// Keys of the "{IPTC}" sub-dictionary (and the key of the sub-dictionary itself).
 inline constexpr const char* kCGImagePropertyIPTCActionAdvised = "ActionAdvised";
 inline constexpr const char* kCGImagePropertyIPTCByline = "Byline";
 inline constexpr const char* kCGImagePropertyIPTCBylineTitle = "BylineTitle";
@@ -229,13 +246,20 @@ inline constexpr const char* kCGImagePropertyIPTCSupplementalCategory = "Supplem
 inline constexpr const char* kCGImagePropertyIPTCTimeCreated = "TimeCreated";
 inline constexpr const char* kCGImagePropertyIPTCUrgency = "Urgency";
 inline constexpr const char* kCGImagePropertyIPTCWriterEditor = "Writer/Editor";
+//@}
 
-// Image source options
+/// @name Image source options
+//@{
+/// Keys of the options dictionary of an image source read (MCImageFiles.h).
 inline constexpr const char* kCGImageSourceCreateThumbnailFromImageAlways = "kCGImageSourceCreateThumbnailFromImageAlways";
 inline constexpr const char* kCGImageSourceCreateThumbnailFromImageIfAbsent = "kCGImageSourceCreateThumbnailFromImageIfAbsent";
 inline constexpr const char* kCGImageSourceCreateThumbnailWithTransform = "kCGImageSourceCreateThumbnailWithTransform";
 inline constexpr const char* kCGImageSourceSubsampleFactor = "kCGImageSourceSubsampleFactor";
 inline constexpr const char* kCGImageSourceThumbnailMaxPixelSize = "kCGImageSourceThumbnailMaxPixelSize";
+//@}
 
-// Image destination options
+/// @name Image destination options
+//@{
+/// Options of an image destination write.
 inline constexpr const char* kCGImageDestinationOrientation = "kCGImageDestinationOrientation";
+//@}
