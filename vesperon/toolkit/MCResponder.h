@@ -23,9 +23,12 @@
 
 class MCPreviewPanel;
 
+/// The base of everything that takes events and commands; see the header's opening comment.
 class MCResponder : public std::enable_shared_from_this<MCResponder> {
  public:
+  /// A responder that answers no command yet.
   MCResponder() = default;
+  /// Responders are used through pointers to the base.
   virtual ~MCResponder() = default;
   MCResponder(const MCResponder&) = delete;
   MCResponder& operator=(const MCResponder&) = delete;
@@ -33,6 +36,7 @@ class MCResponder : public std::enable_shared_from_this<MCResponder> {
   /// The responder after this one in the chain; none at its end.
   virtual MCResponder* nextResponder() const { return nullptr; }
 
+  /// Whether the responder can take the keyboard; not by default.
   virtual bool acceptsFirstResponder() const { return false; }
   /// Asked when the window makes this responder first; false refuses.
   virtual bool becomeFirstResponder() { return true; }
@@ -40,6 +44,11 @@ class MCResponder : public std::enable_shared_from_this<MCResponder> {
   virtual bool resignFirstResponder() { return true; }
 
   // Events: each passes the event to the next responder unless overridden.
+  /// @name Events
+  //@{
+  /// The event operations: each passes the event on to the next responder unless a subclass
+  /// overrides it to take it (mouse buttons, moves, enter and exit of tracking areas, the wheel,
+  /// pinches, smart zoom and keys).
   virtual void mouseDown(const MCEvent& event);
   virtual void mouseUp(const MCEvent& event);
   virtual void mouseDragged(const MCEvent& event);
@@ -57,6 +66,7 @@ class MCResponder : public std::enable_shared_from_this<MCResponder> {
   virtual void smartMagnifyWithEvent(const MCEvent& event);
   virtual void keyDown(const MCEvent& event);
   virtual void keyUp(const MCEvent& event);
+  //@}
 
   // Key bindings and commands.
   /// Turns key-down events into commands (MCKeyBindings) sent through `doCommandBySelector`, and
@@ -68,9 +78,11 @@ class MCResponder : public std::enable_shared_from_this<MCResponder> {
   /// Typed text from `interpretKeyEvents`; ignored by default.
   virtual void insertText(const std::u32string& text);
 
+  /// What runs a command.
   using CommandHandler = std::function<void()>;
   /// Makes this responder answer `command` with `handler` (replacing an earlier one).
   void registerCommand(const std::string& command, CommandHandler handler);
+  /// Stops answering `command`.
   void unregisterCommand(const std::string& command);
   /// Whether this responder itself answers `command`.
   bool respondsToCommand(const std::string& command) const;
@@ -85,8 +97,11 @@ class MCResponder : public std::enable_shared_from_this<MCResponder> {
   virtual bool validateMenuItem(const MCMenuItem& item);
 
   // The preview panel asks the chain for a controller (see MCPreviewPanel).
+  /// Whether this responder controls the preview panel when asked along the chain; not by default.
   virtual bool acceptsPreviewPanelControl(MCPreviewPanel& panel);
+  /// The panel is now under this responder's control: set its data source and delegate here.
   virtual void beginPreviewPanelControl(MCPreviewPanel& panel);
+  /// The panel left this responder's control.
   virtual void endPreviewPanelControl(MCPreviewPanel& panel);
 
  private:
