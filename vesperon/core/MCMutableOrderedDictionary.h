@@ -27,42 +27,52 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
 
  public:
   using typename Base::HashMap;
+  /// The room a dictionary made without a capacity has.
   static constexpr uint64_t defaultCapacity = 16;
 
   /// A new empty dictionary each time (unlike the immutable class's shared one).
   static std::shared_ptr<MCMutableOrderedDictionary> orderedDictionary() {
     return std::make_shared<MCMutableOrderedDictionary>();
   }
+  /// An empty dictionary with room for `capacity` entries.
   static MCMutableOrderedDictionary orderedDictionaryWithCapacity(uint64_t capacity) {
     return MCMutableOrderedDictionary(capacity);
   }
 
+  /// An empty dictionary with room for defaultCapacity entries.
   MCMutableOrderedDictionary() : MCMutableOrderedDictionary(defaultCapacity) {}
+  /// An empty dictionary with room for `capacity` entries.
   explicit MCMutableOrderedDictionary(uint64_t capacity) {
     keys_.reserve(capacity);
     hashMap_.reserve(capacity);
   }
+  /// As the immutable class's: the first min(objects, keys) pairs, a repeated key keeping its first place.
   MCMutableOrderedDictionary(const std::vector<V>& objects, const std::vector<K>& keys) : Base(objects, keys) {}
   /// Makes containers of its own with room for the keys and adds every entry.
   MCMutableOrderedDictionary(const std::vector<K>& keys, const HashMap& hashMap) : MCMutableOrderedDictionary(keys.size()) {
     for (const K& key : keys) this->storeAppending(hashMap.at(key), key);
   }
+  /// A mutable copy of `other`.
   explicit MCMutableOrderedDictionary(const Base& other) : Base(other) {}
+  /// A mutable copy of `other`; empty for none.
   static MCMutableOrderedDictionary orderedDictionaryWithOrderedDictionary(const Base* other) {
     return other ? MCMutableOrderedDictionary(*other) : MCMutableOrderedDictionary();
   }
   template <typename... Args>
+  /// Object, key, object, key, …; stops at the first nil object or key.
   static MCMutableOrderedDictionary orderedDictionaryWithObjectsAndKeys(const Args&... objectsAndKeys) {
     return MCMutableOrderedDictionary(Base::orderedDictionaryWithObjectsAndKeys(objectsAndKeys...));
   }
 
   // --- Adding
 
+  /// Sets the object of `key`: a new key is appended, a present one keeps its place.
   void setObject(V object, K key) {
     checkNotNil(object, key, "MCMutableOrderedDictionary::setObject");
     this->storeAppending(object, key);
   }
 
+  /// Sets the object of `key` and puts the key last, whether it was there or not.
   void addObject(V object, K key) {
     checkNotNil(object, key, "MCMutableOrderedDictionary::addObject");
     auto [it, inserted] = hashMap_.insert_or_assign(key, std::move(object));
@@ -131,10 +141,12 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
       return true;
     });
   }
+  /// Removes the entry of `key`; nothing when it is absent.
   void removeObjectForKey(const K& key) {
     if (hashMap_.erase(key) == 0) return;
     keys_.erase(keys_.begin() + this->indexOfKey(key));
   }
+  /// Removes the entries of the keys that are present.
   void removeObjectsForKeys(const std::vector<K>& keys) {
     std::unordered_set<K, Hash, KeyEqual> removed;
     for (const K& key : keys)
@@ -152,9 +164,11 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
     this->checkIndexes(indexes, "MCMutableOrderedDictionary::removeObjectsAtIndexes");
     for (const K& key : MCTakeObjectsAtIndexes(keys_, indexes)) hashMap_.erase(key);
   }
+  /// Removes the last entry; nothing when empty.
   void removeLastObject() {
     if (!keys_.empty()) removeObjectAtIndex(keys_.size() - 1);
   }
+  /// Removes every entry.
   void removeAllObjects() {
     keys_.clear();
     hashMap_.clear();
@@ -166,17 +180,21 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
   void sortKeys() {
     sortKeysUsingComparator([](const K& a, const K& b) { return MCCompareValues(a, b); });
   }
+  /// Sorts the keys by `function(a, b, context)`, a comparison result; equal keys keep their order.
   void sortKeysUsingFunction(int (*function)(const K&, const K&, void*), void* context) {
     sortKeysUsingComparator([&](const K& a, const K& b) { return function(a, b, context); });
   }
+  /// Sorts the keys by the descriptors, the first deciding first; equal keys keep their order.
   void sortKeysUsingDescriptors(const std::vector<MCSortDescriptor<K>>& descriptors) {
     sortKeysUsingComparator(MCComparatorWithSortDescriptors(descriptors));
   }
   template <typename Comparator>
+  /// Sorts the keys by `comparator(a, b)`, a comparison result; equal keys keep their order.
   void sortKeysUsingComparator(const Comparator& comparator) {
     std::stable_sort(keys_.begin(), keys_.end(), [&](const K& a, const K& b) { return comparator(a, b) < 0; });
   }
   template <typename Comparator>
+  /// The same (the options change nothing: the sort is always stable).
   void sortKeysWithOptions(uint64_t /*options*/, const Comparator& comparator) {
     sortKeysUsingComparator(comparator);
   }
@@ -188,6 +206,7 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
     });
   }
   template <typename Comparator>
+  /// The same (the options change nothing: the sort is always stable).
   void sortKeysAndObjectsWithOptions(uint64_t /*options*/, const Comparator& comparator) {
     sortKeysAndObjectsUsingComparator(comparator);
   }
@@ -209,6 +228,7 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
   }
 
  protected:
+  /// "MCMutableOrderedDictionary", for description().
   const char* className() const override { return "MCMutableOrderedDictionary"; }
 
  private:

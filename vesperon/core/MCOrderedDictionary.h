@@ -37,9 +37,13 @@ class MCMutableOrderedDictionary;
 template <typename K, typename V, typename Hash = std::hash<K>, typename KeyEqual = std::equal_to<K>>
 class MCOrderedDictionary {
  public:
+  /// The key type.
   using Key = K;
+  /// The object type.
   using Object = V;
+  /// The map from keys to objects that holds the entries.
   using HashMap = std::unordered_map<K, V, Hash, KeyEqual>;
+  /// Iterates over the keys in order.
   using const_iterator = typename std::vector<K>::const_iterator;
 
   // --- Construction
@@ -50,6 +54,7 @@ class MCOrderedDictionary {
     return empty;
   }
 
+  /// An empty dictionary.
   MCOrderedDictionary() = default;
 
   /// `initWithOrderedDictionary:`: a shallow copy; a null argument gives an empty dictionary.
@@ -79,15 +84,22 @@ class MCOrderedDictionary {
   /// key of `keys` is in `hashMap` once and that the map has no other keys.
   MCOrderedDictionary(std::vector<K> keys, HashMap hashMap) : keys_(std::move(keys)), hashMap_(std::move(hashMap)) {}
 
+  /// The mutable subclass is used through this class too.
   virtual ~MCOrderedDictionary() = default;
+  /// A copy that shares no state with the original.
   MCOrderedDictionary(const MCOrderedDictionary&) = default;
+  /// Takes the entries of `other`, which is left empty.
   MCOrderedDictionary(MCOrderedDictionary&&) noexcept = default;
+  /// Becomes a copy of `other`.
   MCOrderedDictionary& operator=(const MCOrderedDictionary&) = default;
+  /// Takes the entries of `other`.
   MCOrderedDictionary& operator=(MCOrderedDictionary&&) noexcept = default;
 
   // --- Reading
 
+  /// How many entries there are.
   uint64_t count() const { return keys_.size(); }
+  /// Whether there is none.
   bool empty() const { return keys_.empty(); }
   /// A copy of the key order.
   std::vector<K> allKeys() const { return keys_; }
@@ -98,19 +110,25 @@ class MCOrderedDictionary {
     for (const K& key : keys_) objects.push_back(hashMap_.at(key));
     return objects;
   }
+  /// The object of `key`; none when the key is absent.
   MCNullable<V> objectForKey(const K& key) const {
     auto it = hashMap_.find(key);
     if (it == hashMap_.end()) return {};
     return it->second;
   }
+  /// The first key; none when the dictionary is empty.
   MCNullable<K> firstKey() const { return keys_.empty() ? MCNullable<K>() : MCNullable<K>(keys_.front()); }
+  /// The last key; none when the dictionary is empty.
   MCNullable<K> lastKey() const { return keys_.empty() ? MCNullable<K>() : MCNullable<K>(keys_.back()); }
+  /// The object of the first key; none when the dictionary is empty.
   MCNullable<V> firstObject() const { return keys_.empty() ? MCNullable<V>() : MCNullable<V>(hashMap_.at(keys_.front())); }
+  /// The object of the last key; none when the dictionary is empty.
   MCNullable<V> lastObject() const { return keys_.empty() ? MCNullable<V>() : MCNullable<V>(hashMap_.at(keys_.back())); }
   /// None at or past count.
   MCNullable<K> keyAtIndex(uint64_t index) const {
     return index < keys_.size() ? MCNullable<K>(keys_[index]) : MCNullable<K>();
   }
+  /// The object of the key at `index`; none at or past count.
   MCNullable<V> objectAtIndex(uint64_t index) const {
     return index < keys_.size() ? MCNullable<V>(hashMap_.at(keys_[index])) : MCNullable<V>();
   }
@@ -136,6 +154,7 @@ class MCOrderedDictionary {
     for (uint64_t i : indexes) result.push_back(keys_[i]);
     return result;
   }
+  /// The objects at the indexes, in index order; an index past the end raises std::out_of_range.
   std::vector<V> objectsAtIndexes(const MCIndexSet& indexes) const {
     checkIndexes(indexes, "MCOrderedDictionary::objectsAtIndexes");
     std::vector<V> result;
@@ -160,7 +179,9 @@ class MCOrderedDictionary {
     for (const K& key : keys) map.emplace(key, hashMap_.at(key));
     return MCOrderedDictionary(std::move(keys), std::move(map));
   }
+  /// Whether `key` is present.
   bool containsKey(const K& key) const { return hashMap_.count(key) != 0; }
+  /// Whether some key holds an object equal to `object`.
   bool containsObject(const V& object) const {
     return std::any_of(hashMap_.begin(), hashMap_.end(), [&](const auto& e) { return isEqualObject(e.second, object); });
   }
@@ -199,6 +220,7 @@ class MCOrderedDictionary {
     enumerateKeysAndObjectsWithOptions(0, body);
   }
   template <typename Body>
+  /// The same; MCEnumerationReverse walks from the last key.
   void enumerateKeysAndObjectsWithOptions(uint64_t options, Body&& body) const {
     walk(options, [&](uint64_t i, bool& stop) { body(keys_[i], hashMap_.at(keys_[i]), i, stop); });
   }
@@ -216,13 +238,16 @@ class MCOrderedDictionary {
     return result;
   }
 
+  /// The first key, for range-for over the keys in order.
   const_iterator begin() const { return keys_.begin(); }
+  /// Past the last key.
   const_iterator end() const { return keys_.end(); }
 
   // --- Copies and text
 
   /// An immutable copy (a copy of this class whatever the receiver's class).
   MCOrderedDictionary copy() const { return MCOrderedDictionary(keys_, hashMap_); }
+  /// A mutable copy.
   MCMutableOrderedDictionary<K, V, Hash, KeyEqual> mutableCopy() const {
     return MCMutableOrderedDictionary<K, V, Hash, KeyEqual>(keys_, hashMap_);
   }
@@ -245,27 +270,33 @@ class MCOrderedDictionary {
   }
 
  protected:
+  /// The class name that description() prints.
   virtual const char* className() const { return "MCOrderedDictionary"; }
 
   // Sets the object of a present key in place, or appends a new key.
+  /// Sets the object of a present key in place, or appends a new key.
   void storeAppending(const V& object, const K& key) {
     auto [it, inserted] = hashMap_.insert_or_assign(key, object);
     if (inserted) keys_.push_back(key);
   }
 
+  /// Raises std::out_of_range, naming `operation`, for an index past the end.
   void checkIndexes(const MCIndexSet& indexes, const char* operation) const {
     if (!indexes.empty() && indexes.lastIndex() >= keys_.size())
       mc_detail::throwIndexOutOfRange(operation, indexes.lastIndex(), keys_.size());
   }
 
   template <typename Step>
+  /// Calls `step(index, stop)` over the indexes, forward or (MCEnumerationReverse) backward, until `stop`.
   void walk(uint64_t options, Step&& step) const {
     bool stop = false;
     const uint64_t n = keys_.size();
     for (uint64_t k = 0; k < n && !stop; ++k) step((options & MCEnumerationReverse) ? n - 1 - k : k, stop);
   }
 
+  /// The keys in order.
   std::vector<K> keys_;
+  /// Key to object, for every key of keys_.
   HashMap hashMap_;
 
  private:
