@@ -53,6 +53,10 @@ class MCGraphicsContext {
   MCGraphicsContext(const MCGraphicsContext&) = delete;
   MCGraphicsContext& operator=(const MCGraphicsContext&) = delete;
 
+  /// @name Bitmap
+  //@{
+  /// The bitmap the context draws into: its size in pixels, layout, colour space and the platform's
+  /// bitmap info bits.
   std::size_t width() const { return width_; }
   std::size_t height() const { return height_; }
   std::size_t bitsPerComponent() const { return layout_.bitsPerComponent; }
@@ -60,9 +64,15 @@ class MCGraphicsContext {
   std::size_t bytesPerRow() const { return bytesPerRow_; }
   const std::shared_ptr<const MCColorSpace>& colorSpace() const { return colorSpace_; }
   uint32_t bitmapInfo() const { return layout_.bitmapInfo; }
+  //@}
 
   // Graphics state. saveGState/restoreGState keep the transform, the clip, the colours, the alpha,
   // the blend mode, the interpolation quality, the line settings and antialiasing.
+  /// @name Graphics state
+  //@{
+  /// Push and pop the graphics state; change the transform (translate, scale, rotate in radians),
+  /// the blend mode, the interpolation quality of images, the alpha all drawing takes, and
+  /// antialiasing.
   void saveGState();
   void restoreGState();
   void translateCTM(double tx, double ty);
@@ -72,17 +82,26 @@ class MCGraphicsContext {
   void setInterpolationQuality(MCInterpolationQuality quality);
   void setAlpha(double alpha);
   void setShouldAntialias(bool antialias);
+  //@}
   /// Colours are components of the context's colour space, each 0 to 1. An RGB colour in a gray
   /// context becomes its Rec. 709 luma; a gray colour in an RGB context has equal components.
   void setRGBFillColor(double red, double green, double blue, double alpha);
+  /// @name Colours and lines
+  //@{
+  /// The stroke colour, gray fill and stroke colours (as the RGB ones above), and how lines stroke.
   void setRGBStrokeColor(double red, double green, double blue, double alpha);
   void setGrayFillColor(double gray, double alpha);
   void setGrayStrokeColor(double gray, double alpha);
   void setLineWidth(double width);
   void setLineCap(MCLineCap cap);
   void setLineJoin(MCLineJoin join);
+  //@}
 
   // Paths. Drawing a path consumes it.
+  /// @name Paths
+  //@{
+  /// Build the current path (starting anew, in points of the present transform), and fill it
+  /// (nonzero, or even-odd with eoFillPath) or stroke it; filling and stroking consume it.
   void beginPath();
   void moveToPoint(double x, double y);
   void addLineToPoint(double x, double y);
@@ -96,14 +115,20 @@ class MCGraphicsContext {
   void fillPath();
   void eoFillPath();
   void strokePath();
+  //@}
   /// Intersects the clip with the current path, and consumes it.
   void clip();
+  /// Intersects the clip with `rect`.
   void clipToRect(const MCRect& rect);
 
+  /// @name Shapes
+  //@{
+  /// Fill or stroke a rectangle or the ellipse inside one, with no effect on the current path.
   void fillRect(const MCRect& rect);
   void strokeRect(const MCRect& rect);
   void fillEllipseInRect(const MCRect& rect);
   void strokeEllipseInRect(const MCRect& rect);
+  //@}
   /// Sets the rectangle to transparent black (or black without alpha), whatever the blend mode.
   void clearRect(const MCRect& rect);
 
@@ -123,11 +148,13 @@ class MCGraphicsContext {
   /// and text drawn "respecting the flip" read it to stay upright. The toolkit sets it for each
   /// view it draws; a new context is not flipped.
   bool isFlipped() const { return flipped_; }
+  /// Says whether the drawing under way is in a flipped space.
   void setFlipped(bool flipped) { flipped_ = flipped; }
 
   /// The context views draw into at present on this thread, or none: the toolkit sets it for the
   /// length of a drawing pass, as the platform's current graphics context.
   static MCGraphicsContext* currentContext();
+  /// Sets the current context of this thread (none ends the drawing pass).
   static void setCurrentContext(MCGraphicsContext* context);
 
   /// A Cairo image surface (32-bit premultiplied ARGB, sRGB) with the image's pixels, for drawing
