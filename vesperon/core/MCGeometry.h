@@ -6,39 +6,57 @@
 #include <algorithm>
 #include <cmath>
 
+/// A point; y grows downward in the browser's flipped coordinates.
 struct MCPoint {
-  double x = 0, y = 0;
+  double x = 0;  ///< The horizontal coordinate.
+  double y = 0;  ///< The vertical coordinate.
   friend constexpr bool operator==(const MCPoint&, const MCPoint&) = default;
 };
 
+/// A size (it may be negative or zero; the rectangle functions treat such as empty).
 struct MCSize {
-  double width = 0, height = 0;
+  double width = 0;   ///< The width.
+  double height = 0;  ///< The height.
   friend constexpr bool operator==(const MCSize&, const MCSize&) = default;
 };
 
+/// A rectangle by its origin (the corner of the smallest coordinates) and its size.
 struct MCRect {
-  MCPoint origin;
-  MCSize size;
+  MCPoint origin;  ///< The corner of the smallest coordinates.
+  MCSize size;     ///< The width and height.
   friend constexpr bool operator==(const MCRect&, const MCRect&) = default;
 };
 
 /// Insets in the platform's order: top, left, bottom, right.
 struct MCEdgeInsets {
-  double top = 0, left = 0, bottom = 0, right = 0;
+  double top = 0;     ///< From the top edge.
+  double left = 0;    ///< From the left edge.
+  double bottom = 0;  ///< From the bottom edge.
+  double right = 0;   ///< From the right edge.
   friend constexpr bool operator==(const MCEdgeInsets&, const MCEdgeInsets&) = default;
 };
 
+/// The origin.
 inline constexpr MCPoint MCZeroPoint{};
+/// The size of nothing.
 inline constexpr MCSize MCZeroSize{};
+/// The empty rectangle at the origin.
 inline constexpr MCRect MCZeroRect{};
 
+/// The point (x, y).
 constexpr MCPoint MCMakePoint(double x, double y) { return {x, y}; }
+/// The size (w, h).
 constexpr MCSize MCMakeSize(double w, double h) { return {w, h}; }
+/// The rectangle at (x, y) of size (w, h).
 constexpr MCRect MCMakeRect(double x, double y, double w, double h) { return {{x, y}, {w, h}}; }
+/// Insets in the platform's order.
 constexpr MCEdgeInsets MCEdgeInsetsMake(double top, double left, double bottom, double right) {
   return {top, left, bottom, right};
 }
 
+/// @name Edges and middles
+//@{
+/// The smallest, largest and middle x and y of a rectangle, and its width and height.
 constexpr double MCMinX(const MCRect& r) { return r.origin.x; }
 constexpr double MCMinY(const MCRect& r) { return r.origin.y; }
 constexpr double MCMaxX(const MCRect& r) { return r.origin.x + r.size.width; }
@@ -47,12 +65,17 @@ constexpr double MCMidX(const MCRect& r) { return r.origin.x + r.size.width * 0.
 constexpr double MCMidY(const MCRect& r) { return r.origin.y + r.size.height * 0.5; }
 constexpr double MCWidth(const MCRect& r) { return r.size.width; }
 constexpr double MCHeight(const MCRect& r) { return r.size.height; }
+//@}
 
 /// True when the width or the height is not positive.
 constexpr bool MCIsEmptyRect(const MCRect& r) { return !(r.size.width > 0 && r.size.height > 0); }
+/// @name Equality
+//@{
+/// Whether two rectangles, sizes or points are equal in every coordinate.
 constexpr bool MCEqualRects(const MCRect& a, const MCRect& b) { return a == b; }
 constexpr bool MCEqualSizes(const MCSize& a, const MCSize& b) { return a == b; }
 constexpr bool MCEqualPoints(const MCPoint& a, const MCPoint& b) { return a == b; }
+//@}
 
 /// Half-open containment: the minimum edges belong to the rectangle, the maximum edges do not.
 constexpr bool MCPointInRect(const MCPoint& p, const MCRect& r) {
@@ -88,6 +111,7 @@ constexpr MCRect MCUnionRect(const MCRect& a, const MCRect& b) {
   double x1 = std::max(MCMaxX(a), MCMaxX(b)), y1 = std::max(MCMaxY(a), MCMaxY(b));
   return MCMakeRect(x0, y0, x1 - x0, y1 - y0);
 }
+/// The rectangle moved by (dx, dy).
 constexpr MCRect MCOffsetRect(const MCRect& r, double dx, double dy) {
   return MCMakeRect(r.origin.x + dx, r.origin.y + dy, r.size.width, r.size.height);
 }
