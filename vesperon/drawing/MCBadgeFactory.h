@@ -20,18 +20,28 @@ class MCBadgeFactory {
 
   /// The desktop's shadow colour (black) at alpha 0.4, offset (0, -1), blur 2.
   static MCShadow defaultShadow();
+  /// The tint of icon badges: white.
   static MCColor defaultTintColor() { return MCColor::whiteColor(); }
+  /// The tint of warning badges: orange.
   static MCColor warningTintColor() { return MCColor::orangeColor(); }
   /// Bold system font of 16 points, white.
   static MCTextAttributes defaultTextAttributes();
 
+  /// The desktop's symbolic icon for a system symbol name ("lock.fill" …) at `pointSize`; none when
+  /// the theme has none.
   static MCImageRef iconNamed(const std::string& name, double pointSize);
   /// A decorated badge with no background around an icon badge, with the default shadow.
   static std::shared_ptr<MCDecoratedBadge> iconBadgeNamed(const std::string& name, double pointSize, const MCColor& tint);
+  /// An icon badge of the default tint.
   static std::shared_ptr<MCDecoratedBadge> defaultIconBadgeNamed(const std::string& name, double pointSize);
+  /// An icon badge of the warning tint.
   static std::shared_ptr<MCDecoratedBadge> warningIconBadgeNamed(const std::string& name, double pointSize);
 
   // Named badges.
+  /// @name Named badges
+  //@{
+  /// The library's badges for the states of an item (locked, in the trash, in the cloud, flagged,
+  /// favourite, a kind of photo or video …), each an icon badge of its symbol.
   static std::shared_ptr<MCDecoratedBadge> badgeLock();
   static std::shared_ptr<MCDecoratedBadge> badgeTrash();
   static std::shared_ptr<MCDecoratedBadge> badgeCloud();
@@ -52,12 +62,17 @@ class MCBadgeFactory {
   static std::shared_ptr<MCDecoratedBadge> badgeShared();
   static std::shared_ptr<MCDecoratedBadge> badgeTimeLapse();
   static std::shared_ptr<MCDecoratedBadge> badgeVideo();
+  //@}
 
   // Plate badges: the icon in white 0.94 on a rounded plate of the colour.
+  /// @name Badges on a background
+  //@{
+  /// The lock and trash badges on a round background of `color`, in the normal and a small size.
   static std::shared_ptr<MCDecoratedBadge> badgeLockWithBackgroundColor(const MCColor& color);
   static std::shared_ptr<MCDecoratedBadge> badgeTrashWithBackgroundColor(const MCColor& color);
   static std::shared_ptr<MCDecoratedBadge> smallBadgeLockWithBackgroundColor(const MCColor& color);
   static std::shared_ptr<MCDecoratedBadge> smallBadgeTrashWithBackgroundColor(const MCColor& color);
+  //@}
 
   /// A filled circle in the colour of a label: 1 red, 2 orange, 3 yellow, 4 green, 5 blue,
   /// 6 purple, 7 gray; none for another number.

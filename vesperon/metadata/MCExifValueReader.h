@@ -22,6 +22,10 @@ class MCExifValueReader {
   /// Text encodings of stringWithEncoding.
   enum class Encoding { UTF8, ASCII };
 
+  /// @name The entry read
+  //@{
+  /// The entry being read, as libexif gives it: its tag, TIFF type number (1 to 12), byte order
+  /// (0x4D4D or 0x4949), component count and the bytes of its value.
   uint16_t tag() const { return tag_; }
   void setTag(uint16_t tag) { tag_ = tag; }
   uint16_t type() const { return type_; }
@@ -32,6 +36,7 @@ class MCExifValueReader {
   void setCount(int32_t count) { count_ = count; }
   const uint8_t* ptr() const { return ptr_; }
   void setPtr(const void* ptr) { ptr_ = static_cast<const uint8_t*>(ptr); }
+  //@}
 
   /// Types 1, 6 and 7 as UTF-8, type 2 as ASCII: the bytes up to the first NUL, at most `count`.
   /// None when that is empty or not text.
@@ -54,17 +59,22 @@ class MCExifValueReader {
   std::optional<MCArray> flashPixVersionValue() const;
   /// RATIONAL degrees, minutes, seconds … as decimal degrees.
   std::optional<MCValue> GPSLatitudeValue() const;
+  /// The same for a longitude.
   std::optional<MCValue> GPSLongitudeValue() const;
   /// Three RATIONALs as "%02.0f:%02.0f:%02.0f" of their single-precision values, so 59.6 seconds
   /// read "60". Fewer than three components or a zero denominator log "… failed. Invalid value.".
   std::optional<std::string> GPSTimeStampValue() const;
   /// The bytes up to the first NUL, at most `count`, in `encoding`; none when that is empty.
   std::optional<std::string> stringWithEncoding(Encoding encoding) const;
+  /// The text of a UserComment: the 8-byte character code, then the text in it; none when empty.
   std::optional<std::string> stringFromUserCommentData() const;
 
   /// The typed reads behind numberAtIndex. The raw forms swap bytes for 0x4D4D; the index must lie
   /// within `count` (callers check).
   uint8_t unsignedInt8AtIndex(int32_t index) const;
+  /// @name Typed reads
+  //@{
+  /// The component at `index` as that type.
   int8_t signedInt8AtIndex(int32_t index) const;
   uint16_t unsignedInt16AtIndex(int32_t index) const;
   int16_t signedInt16AtIndex(int32_t index) const;
@@ -74,7 +84,12 @@ class MCExifValueReader {
   exif_rational signedRationalAtIndex(int32_t index) const;
   float floatAtIndex(int32_t index) const;
   double doubleAtIndex(int32_t index) const;
+  //@}
 
+  /// @name Numbers
+  //@{
+  /// The component at `index` as an integer or double value (a rational as its quotient); none
+  /// for a zero denominator or an index past `count`.
   std::optional<MCValue> numberWithUnsignedInt8AtIndex(int32_t index) const;
   std::optional<MCValue> numberWithSignedInt8AtIndex(int32_t index) const;
   std::optional<MCValue> numberWithUnsignedInt16AtIndex(int32_t index) const;
@@ -85,6 +100,7 @@ class MCExifValueReader {
   std::optional<MCValue> numberWithSignedRationalAtIndex(int32_t index) const;
   std::optional<MCValue> numberWithFloatAtIndex(int32_t index) const;
   std::optional<MCValue> numberWithDoubleAtIndex(int32_t index) const;
+  //@}
 
   /// Decimal degrees of the `count` RATIONALs: the sum of component i over 60 to the power i.
   /// Components with a zero denominator add nothing; no components give 0.
