@@ -75,22 +75,31 @@ class MCBrowserViewLayout {
 
   // --- Settings (take effect at the next layout)
 
+  /// Whether the cells run in one horizontal strip instead of rows.
   bool isHorizontal() const { return horizontal_; }
+  /// Sets the direction (takes effect at the next layout).
   void setHorizontal(bool horizontal) { horizontal_ = horizontal; }
+  /// Whether each group has a header band.
   bool showsGroupHeaders() const { return showsGroupHeaders_; }
+  /// Sets whether groups have header bands (takes effect at the next layout).
   void setShowsGroupHeaders(bool shows) { showsGroupHeaders_ = shows; }
   /// 0 keeps the minimum spacing across the lines; any other value shares the free space out.
   int64_t alignment() const { return alignment_; }
+  /// Sets the alignment (takes effect at the next layout).
   void setAlignment(int64_t alignment) { alignment_ = alignment; }
   /// Smallest gap between rows, and above the first row.
   double minVerticalSpacing() const { return minVerticalSpacing_; }
+  /// Sets the smallest gap between rows.
   void setMinVerticalSpacing(double spacing) { minVerticalSpacing_ = spacing; }
   /// Smallest gap between columns, and left of the first column.
   double minHorizontalSpacing() const { return minHorizontalSpacing_; }
+  /// Sets the smallest gap between columns.
   void setMinHorizontalSpacing(double spacing) { minHorizontalSpacing_ = spacing; }
+  /// The delegate that answers the cell sizes; none when it is gone.
   std::shared_ptr<MCBrowserViewLayoutDelegate> delegate() const { return delegate_.lock(); }
   /// Held weakly. Without a delegate every size is zero.
   void setDelegate(const std::shared_ptr<MCBrowserViewLayoutDelegate>& delegate) { delegate_ = delegate; }
+  /// The index model: groups as sections of items, cells, lines.
   const std::shared_ptr<MCLayoutMatrix>& layoutMatrix() const { return layoutMatrix_; }
   /// A null matrix is refused (ignored).
   void setLayoutMatrix(std::shared_ptr<MCLayoutMatrix> matrix) {
@@ -99,14 +108,23 @@ class MCBrowserViewLayout {
 
   // --- Results of the last layout
 
+  /// The item cell's size at the last layout.
   MCSize itemSize() const { return itemSize_; }
+  /// The header cell's size at the last layout.
   MCSize headerSize() const { return headerSize_; }
+  /// How many rows (lines of cells) the last layout made.
   uint64_t numberOfRows() const { return numberOfRows_; }
+  /// How many columns the last layout made.
   uint64_t numberOfColumns() const { return numberOfColumns_; }
+  /// The size the last layout needs, which the view takes as its frame size.
   MCSize contentSize() const { return contentSize_; }
+  /// The gap between rows the last layout chose.
   double verticalSpacing() const { return verticalSpacing_; }
+  /// The gap between columns the last layout chose.
   double horizontalSpacing() const { return horizontalSpacing_; }
+  /// How many items all groups hold.
   uint64_t numberOfItems() const { return layoutMatrix_->numberOfItems(); }
+  /// How many groups there are.
   uint64_t numberOfGroups() const { return layoutMatrix_->numberOfSections(); }
 
   // --- Layout
@@ -116,6 +134,7 @@ class MCBrowserViewLayout {
   void rebuild(const std::function<uint64_t(uint64_t group, uint64_t currentSize)>& sizeOfGroup) {
     layoutMatrix_->rebuild(sizeOfGroup);
   }
+  /// Removes every group from the matrix.
   void removeAllGroups() { layoutMatrix_->removeAllSections(); }
 
   /// Lays the grid out in an area of the given size (the visible size of the scroll view):
@@ -153,11 +172,13 @@ class MCBrowserViewLayout {
   /// "*** MCBrowserViewLayout::itemIndexFromIndexPath: indexPath.item (%lu) is out of bounds: 0..%lu"
   /// (item index, group size).
   uint64_t itemIndexFromIndexPath(const MCIndexPath& indexPath) const;
+  /// The item indexes of the index paths, with the exceptions of itemIndexFromIndexPath.
   MCIndexSet itemIndexesFromIndexPaths(const std::vector<MCIndexPath>& indexPaths) const;
   /// Forward to the matrix, with its exceptions.
   MCIndexSet itemIndexesForGroupIndexes(const MCIndexSet& groups) const {
     return layoutMatrix_->itemIndexesForSectionIndexes(groups);
   }
+  /// The groups that hold the items.
   MCIndexSet groupIndexesForItemIndexes(const MCIndexSet& items) const {
     return layoutMatrix_->sectionIndexesForItemIndexes(items);
   }
@@ -177,11 +198,15 @@ class MCBrowserViewLayout {
   // the column, a group runs from left to right across the content height, and its header stands
   // at (left + H / 2, 0).
 
+  /// The area of a group: its header and its rows (columns in horizontal layout).
   MCRect rectForGroup(uint64_t group) const;
+  /// The area of a row across the content.
   MCRect rectForRow(uint64_t row) const;
+  /// The area of a column along the content.
   MCRect rectForColumn(uint64_t column) const;
   /// The frame of a group's header cell.
   MCRect cellFrameAtGroupIndex(uint64_t group) const;
+  /// The frame of the cell at (row, column).
   MCRect cellFrameAtRow(uint64_t row, uint64_t column) const;
   /// By cell index: row by row in vertical layout, column by column in horizontal layout.
   MCRect cellFrameAtIndex(uint64_t cell) const;
@@ -207,11 +232,16 @@ class MCBrowserViewLayout {
   // a gap or a header band gives the line after it, before the first line the first, after the
   // last line the last. NSNotFound when there are no rows (columns, groups).
 
+  /// @name Hits
+  //@{
+  /// The group, row or column under a point; NSNotFound when there is none.
   uint64_t groupForPoint(MCPoint point) const;
   uint64_t rowForPoint(MCPoint point) const;
   uint64_t columnForPoint(MCPoint point) const;
+  //@}
   /// The item whose cell frame holds the point; NSNotFound in the spacing, on a gap cell or on none.
   uint64_t itemIndexAtPoint(MCPoint point) const;
+  /// The group under a point (as groupForPoint).
   uint64_t groupIndexAtPoint(MCPoint point) const { return groupForPoint(point); }
   /// Whether the frame of cell (row, column) meets the rectangle.
   bool hitTestItemAtRow(uint64_t row, uint64_t column, MCRect withinRect) const;

@@ -16,22 +16,36 @@ class MCTimer;
 
 class MCScrollView : public MCView {
  public:
+  /// A scroll view with a clip view and overlay scrollers, and no document yet.
   explicit MCScrollView(MCRect frame = {});
   ~MCScrollView() override;
 
+  /// The clip view that shows part of the document.
   const std::shared_ptr<MCClipView>& contentView() const { return clipView_; }
+  /// The view scrolled; none until one is set.
   const MCViewRef& documentView() const { return clipView_->documentView(); }
+  /// Puts `view` in the clip view at its top left.
   void setDocumentView(const MCViewRef& view);
+  /// The size of the clip view: how much of the document shows.
   MCSize contentSize() const { return clipView_->frame().size; }
+  /// The part of the document that shows, in its coordinates.
   MCRect documentVisibleRect() const { return clipView_->documentVisibleRect(); }
 
+  /// @name Scrollers
+  //@{
+  /// Whether each scroller shows (overlay scrollers that the view draws itself), and the
+  /// scrollers themselves.
   bool hasVerticalScroller() const { return hasVerticalScroller_; }
   void setHasVerticalScroller(bool flag);
   bool hasHorizontalScroller() const { return hasHorizontalScroller_; }
   void setHasHorizontalScroller(bool flag);
   const std::shared_ptr<MCScroller>& verticalScroller() const { return verticalScroller_; }
   const std::shared_ptr<MCScroller>& horizontalScroller() const { return horizontalScroller_; }
+  //@}
 
+  /// @name Scroll amounts
+  //@{
+  /// How far a line and a page scroll go, along each axis; the plain setters set both axes.
   double verticalLineScroll() const { return verticalLineScroll_; }
   double horizontalLineScroll() const { return horizontalLineScroll_; }
   void setLineScroll(double amount) { verticalLineScroll_ = horizontalLineScroll_ = amount; }
@@ -40,8 +54,11 @@ class MCScrollView : public MCView {
   double verticalPageScroll() const { return verticalPageScroll_; }
   double horizontalPageScroll() const { return horizontalPageScroll_; }
   void setPageScroll(double amount) { verticalPageScroll_ = horizontalPageScroll_ = amount; }
+  //@}
 
+  /// Whether wheel scrolling animates; stored for the host.
   bool scrollsSmoothly() const { return scrollsSmoothly_; }
+  /// Sets whether wheel scrolling animates.
   void setScrollsSmoothly(bool flag) { scrollsSmoothly_ = flag; }
   /// Lines a wheel notch scrolls.
   static constexpr double kLinesPerWheelNotch = 4;
@@ -60,12 +77,16 @@ class MCScrollView : public MCView {
   void tile();
 
   // The scrolling commands, also registered under their command names.
+  /// @name Scrolling commands
+  //@{
+  /// Scroll the document by a line, by a page, or to either end.
   void scrollLineUp();
   void scrollLineDown();
   void scrollPageUp();
   void scrollPageDown();
   void scrollToBeginningOfDocument();
   void scrollToEndOfDocument();
+  //@}
 
  private:
   /// Moves by (dx, dy) in the document's own directions: positive dy goes toward the document's
