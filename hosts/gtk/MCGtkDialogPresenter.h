@@ -13,6 +13,7 @@ class MCGtkDialogPresenter : public MCDialogPresenter {
  public:
   /// Dialogs stay on top of `parent` when one is given.
   explicit MCGtkDialogPresenter(GtkWindow* parent = nullptr) : parent_(parent) {}
+  /// The window dialogs stay on top of from now on.
   void setParent(GtkWindow* parent) { parent_ = parent; }
 
   long runAlert(const MCAlert& alert, MCWindow* window) override;

@@ -17,12 +17,15 @@ typedef struct _GtkWidget GtkWidget;
 
 class MCGtkPredicateEditorRow : public std::enable_shared_from_this<MCGtkPredicateEditorRow> {
  public:
+  /// The widgets of `row`; `changed` is called after each change a person makes.
   static std::shared_ptr<MCGtkPredicateEditorRow> create(MCPredicateEditorRowTemplateRef row, std::function<void()> changed);
   ~MCGtkPredicateEditorRow();
 
   /// A horizontal box; it holds a reference of its own until this row is gone.
   GtkWidget* widget() const { return box_; }
+  /// The row template shown.
   const MCPredicateEditorRowTemplateRef& rowTemplate() const { return row_; }
+  /// Shows and hides the widgets as the row's models now say.
   void refresh();
   /// Puts the keyboard focus in the row's first shown entry; false when it has none.
   bool grabFocus();

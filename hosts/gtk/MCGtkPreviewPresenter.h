@@ -19,6 +19,7 @@ class MCGtkPreviewPresenter : public MCPreviewPanelPresenter {
   void hide(MCPreviewPanel& panel) override;
   void reload(MCPreviewPanel& panel) override;
 
+  /// The preview window; none until it first shows.
   GtkWidget* window() const { return window_; }
 
  private:

@@ -47,12 +47,15 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   static std::shared_ptr<MCGtkWindowHost> createForView(std::shared_ptr<MCView> view, bool scrolls = true);
   ~MCGtkWindowHost() override;
 
+  /// The window shown.
   const std::shared_ptr<MCWindow>& window() const { return window_; }
+  /// The GTK widget that shows the window; put it in a GtkWindow or container of your own.
   GtkWidget* widget() const { return widget_; }
 
   /// Makes a GTK application window of the MCWindow's title and content size with the widget as
   /// its child, and shows it. Closing it closes the MCWindow.
   GtkWindow* presentInNewWindow(GtkApplication* application, bool decorated = true);
+  /// The window presentInNewWindow made; none otherwise.
   GtkWindow* toplevel() const { return toplevel_; }
 
   /// A button at the start of the window's title bar, with a symbolic icon and a tool tip. Call
@@ -73,12 +76,14 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   MCPoint mouseLocation() const override { return pointer_; }
   bool waitForEvents(Deadline deadline) override;
   double backingScaleFactor() const override;
+  /// Shows the cursor over the widget.
   void setCursor(MCCursor cursor) override;
   bool beginDraggingSession(const std::shared_ptr<MCDraggingSession>& session) override;
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
   void windowTitleDidChange() override;
   bool setFullScreen(bool fullScreen) override;
+  /// Whether the toplevel was asked to fill the screen.
   bool isFullScreen() const override { return fullScreen_; }
   /// A GtkPopoverMenu at the point; items become actions of the widget's "context" group. An
   /// item's view shows in the popover as a widget of its own: a host like this one, of a small
@@ -86,6 +91,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool popUpContextMenu(const MCMenu& menu, MCPoint location, std::function<void(const MCMenuItem&)> chosen) override;
 
   // Called by the widget.
+  /// @name For the host's widget
+  //@{
+  /// Called by the host's own widget (drawing, size, input, its end); not for programs.
   void snapshot(GdkSnapshot* snapshot);
   void allocated(int width, int height);
   bool legacyEvent(GdkEvent* event);
@@ -95,6 +103,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool keyPressed(unsigned keyval, unsigned state, bool pressed);
   void widgetDestroyed();
   bool queryToolTip(int x, int y, void* tooltip);
+  //@}
 
  private:
   explicit MCGtkWindowHost(std::shared_ptr<MCWindow> window);

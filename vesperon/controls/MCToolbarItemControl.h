@@ -22,26 +22,48 @@ class MCToolbarItemControl : public MCView {
   /// Made through `create`: the control subscribes its tracking as it joins a window.
   static std::shared_ptr<MCToolbarItemControl> create();
 
+  /// @name Geometry
+  //@{
+  /// The inset of the content from the control's edges, and the smallest size of an item.
   double offsetX = 4.0, offsetY = 4.0;
   MCSize minItemSize{64, 48};
+  //@}
+  /// The colour of icon and text.
   MCColor defaultColor = MCColor::colorWithWhite(1, 0.8);
+  /// The highlight of a selected control.
   MCColor selectedColor = MCColor::colorWithWhite(1, 0.15);
+  /// The highlight under the pointer.
   MCColor mouseOverColor = MCColor::colorWithWhite(1, 0.2);
+  /// The highlight while pressed.
   MCColor pressedColor = MCColor::colorWithWhite(1, 0.25);
+  /// The colour of icon and text of a disabled control.
   static MCColor disabledControlTextColor() { return MCColor::colorWithWhite(0.5, 0.5); }
 
+  /// The label under the image; none shows no label.
   const std::optional<std::string>& title() const { return title_; }
+  /// Sets the label, and lays out and redraws.
   void setTitle(std::optional<std::string> title);
+  /// The icon.
   const MCImageRef& image() const { return image_; }
+  /// Sets the icon, and redraws.
   void setImage(MCImageRef image);
+  /// Whether the control shows as selected.
   bool isSelected() const { return selected_; }
+  /// Selects or deselects, and redraws.
   void setIsSelected(bool selected);
+  /// Whether the control takes clicks.
   bool isEnabled() const { return enabled_; }
+  /// Enables or disables, and redraws.
   void setEnabled(bool enabled);
+  /// Whether the pointer is over the control.
   bool isMouseOver() const { return mouseOver_; }
+  /// Whether a press is in hand and the pointer is inside.
   bool isPressed() const { return pressed_; }
+  /// Whether a press is in hand.
   bool isTracking() const { return tracking_; }
+  /// The tool tip text.
   const std::string& toolTip() const { return toolTip_; }
+  /// Sets the tool tip text.
   void setToolTip(std::string tip) { toolTip_ = std::move(tip); }
   /// The action, sent with the control as sender; none sends nothing.
   std::function<void(MCToolbarItemControl&)> action;
@@ -52,8 +74,11 @@ class MCToolbarItemControl : public MCView {
   std::optional<MCColor> highlightColor() const;
   /// The label's size as set: its text's size.
   MCSize labelSize() const;
+  /// Where the label lies.
   MCRect labelFrame() const;
+  /// Where the icon lies.
   MCRect imageFrame() const;
+  /// The tag of the control's tool tip rectangle; none before it has one.
   std::optional<int> tooltipTag() const { return tooltipTag_; }
 
   MCSize intrinsicContentSize() const override;

@@ -59,12 +59,18 @@ enum MCComparisonPredicateOptions : unsigned { MCCaseInsensitivePredicateOption 
 
 /// One side of a comparison: a constant value or a key path.
 struct MCPredicateExpression {
+  /// Which of the two the expression is.
   enum class Kind { Constant, KeyPath };
+  /// Which of the two the expression is.
   Kind kind = Kind::Constant;
+  /// The value, for a constant.
   MCValue constant;
+  /// The dotted key path ("{Exif}.FNumber"), for a key path.
   std::string keyPath;
 
+  /// A constant expression.
   static MCPredicateExpression constantValue(MCValue value) { return {Kind::Constant, std::move(value), {}}; }
+  /// A key path expression.
   static MCPredicateExpression keyPathExpression(std::string path) { return {Kind::KeyPath, {}, std::move(path)}; }
 
   /// The value against an object: the constant, or what the key path leads to (none when nothing).
@@ -82,8 +88,10 @@ class MCPredicateEvaluationError : public std::runtime_error {
 };
 
 class MCPredicateNode;
+/// A predicate; predicates are immutable and shared.
 using MCPredicateRef = std::shared_ptr<const MCPredicateNode>;
 
+/// A predicate: a test of a dictionary, with a text form.
 class MCPredicateNode {
  public:
   virtual ~MCPredicateNode() = default;
@@ -91,24 +99,33 @@ class MCPredicateNode {
   virtual bool evaluateWithObject(const MCDictionary& object) const = 0;
   /// The text form, which MCPredicateParser reads back into an equal predicate.
   virtual std::string predicateFormat() const = 0;
+  /// Whether `other` is the same predicate (same kind, same parts).
   virtual bool isEqual(const MCPredicateNode& other) const = 0;
 };
 
+/// Two expressions compared by an operator, with a modifier for lists and string options.
 class MCComparisonPredicate : public MCPredicateNode {
  public:
+  /// `left` compared with `right` by `type`; Any or All compare each element of a list on the left.
   MCComparisonPredicate(MCPredicateExpression left, MCPredicateExpression right, MCPredicateOperatorType type,
                         MCComparisonPredicateModifier modifier = MCComparisonPredicateModifier::Direct,
                         unsigned options = 0)
       : left_(std::move(left)), right_(std::move(right)), type_(type), modifier_(modifier), options_(options) {}
 
+  /// The left side.
   const MCPredicateExpression& leftExpression() const { return left_; }
+  /// The right side.
   const MCPredicateExpression& rightExpression() const { return right_; }
+  /// The operator.
   MCPredicateOperatorType predicateOperatorType() const { return type_; }
+  /// Direct, or Any or All for a list on the left.
   MCComparisonPredicateModifier comparisonPredicateModifier() const { return modifier_; }
+  /// The string options (MCComparisonPredicateOptions bits).
   unsigned options() const { return options_; }
 
   bool evaluateWithObject(const MCDictionary& object) const override;
   std::string predicateFormat() const override;
+  /// Same sides, operator, modifier and options.
   bool isEqual(const MCPredicateNode& other) const override;
 
   /// What makes the comparison unusable whatever the object, or empty: a constant MATCHES
@@ -128,12 +145,16 @@ class MCComparisonPredicate : public MCPredicateNode {
 /// A predicate of a fixed truth value, whatever the object: TRUEPREDICATE or FALSEPREDICATE.
 class MCConstantValuePredicate : public MCPredicateNode {
  public:
+  /// TRUEPREDICATE or FALSEPREDICATE.
   explicit MCConstantValuePredicate(bool value) : value_(value) {}
+  /// A shared constant predicate.
   static MCPredicateRef predicateWithValue(bool value) { return std::make_shared<MCConstantValuePredicate>(value); }
 
+  /// What the predicate answers for every object.
   bool value() const { return value_; }
   bool evaluateWithObject(const MCDictionary&) const override { return value_; }
   std::string predicateFormat() const override { return value_ ? "TRUEPREDICATE" : "FALSEPREDICATE"; }
+  /// A constant predicate of the same value.
   bool isEqual(const MCPredicateNode& other) const override {
     const auto* that = dynamic_cast<const MCConstantValuePredicate*>(&other);
     return that && that->value_ == value_;
@@ -143,18 +164,24 @@ class MCConstantValuePredicate : public MCPredicateNode {
   bool value_;
 };
 
+/// NOT, AND or OR over subpredicates.
 class MCCompoundPredicate : public MCPredicateNode {
  public:
+  /// How the subpredicates combine (NOT takes one).
   enum class Type { Not = 0, And = 1, Or = 2 };
+  /// The compound of `subpredicates`; AND of none is true, OR of none false.
   MCCompoundPredicate(Type type, std::vector<MCPredicateRef> subpredicates)
       : type_(type), subpredicates_(std::move(subpredicates)) {}
 
+  /// How the subpredicates combine.
   Type compoundPredicateType() const { return type_; }
+  /// The parts, in order.
   const std::vector<MCPredicateRef>& subpredicates() const { return subpredicates_; }
 
   /// And of none is true, or of none false, not of its first (of none, true).
   bool evaluateWithObject(const MCDictionary& object) const override;
   std::string predicateFormat() const override;
+  /// Same type and equal parts in the same order.
   bool isEqual(const MCPredicateNode& other) const override;
 
  private:
