@@ -39,24 +39,33 @@
 template <typename E>
 class MCObservableArray {
  public:
+  /// The list itself.
   using Value = std::vector<E>;
+  /// Iterates over the elements.
   using const_iterator = typename Value::const_iterator;
 
+  /// A list under `keyPath` of `owner`, holding `initial`.
   MCObservableArray(MCObservableObject& owner, std::string keyPath, Value initial = {})
       : owner_(owner), keyPath_(std::move(keyPath)), array_(std::move(initial)) {}
   MCObservableArray(const MCObservableArray&) = delete;
   MCObservableArray& operator=(const MCObservableArray&) = delete;
 
+  /// The key path observers name it by.
   const std::string& keyPath() const { return keyPath_; }
 
   // --- Reading
+  /// The elements.
   const Value& array() const { return array_; }
+  /// How many elements there are.
   uint64_t count() const { return array_.size(); }
+  /// Whether there is none.
   bool empty() const { return array_.empty(); }
+  /// The element at `index`; past the end raises std::out_of_range.
   const E& objectAtIndex(uint64_t index) const {
     if (index >= array_.size()) mc_detail::throwIndexOutOfRange("MCObservableArray::objectAtIndex", index, array_.size());
     return array_[index];
   }
+  /// The element at `index`, as objectAtIndex.
   const E& operator[](uint64_t index) const { return objectAtIndex(index); }
   /// Index of the first object equal to `object` (isEqualObject), or NSNotFound.
   uint64_t indexOfObject(const E& object) const {
@@ -64,23 +73,30 @@ class MCObservableArray {
       if (isEqualObject(array_[i], object)) return i;
     return NSNotFound;
   }
+  /// Whether an element equals `object`.
   bool containsObject(const E& object) const { return indexOfObject(object) != NSNotFound; }
+  /// The first element.
   const_iterator begin() const { return array_.begin(); }
+  /// Past the last element.
   const_iterator end() const { return array_.end(); }
 
   // --- Setting
+  /// Replaces the whole list (a setting change).
   void setArray(Value array) {
     Value old = std::exchange(array_, std::move(array));
     emit(MCKeyValueChangeKind::Setting, std::move(old), array_, {});
   }
 
   // --- Insertion
+  /// Inserts `object` at `index` (an insertion change).
   void insertObject(E object, uint64_t index) {
     if (index > array_.size()) mc_detail::throwIndexOutOfRange("MCObservableArray::insertObject", index, array_.size());
     array_.insert(array_.begin() + index, object);
     emit(MCKeyValueChangeKind::Insertion, {}, Value{std::move(object)}, MCIndexSet(index));
   }
+  /// Appends `object`.
   void addObject(E object) { insertObject(std::move(object), array_.size()); }
+  /// Appends `objects` (one insertion change).
   void addObjects(Value objects) {
     if (objects.empty()) return;
     MCIndexSet indexes(MCRange{array_.size(), objects.size()});
@@ -100,6 +116,7 @@ class MCObservableArray {
   }
 
   // --- Removal
+  /// Removes the element at `index` (a removal change).
   void removeObjectAtIndex(uint64_t index) {
     if (index >= array_.size())
       mc_detail::throwIndexOutOfRange("MCObservableArray::removeObjectAtIndex", index, array_.size());
@@ -107,9 +124,11 @@ class MCObservableArray {
     array_.erase(array_.begin() + index);
     emit(MCKeyValueChangeKind::Removal, std::move(old), {}, MCIndexSet(index));
   }
+  /// Removes the last element; nothing when empty.
   void removeLastObject() {
     if (!array_.empty()) removeObjectAtIndex(array_.size() - 1);
   }
+  /// Removes the elements at `indexes` (one removal change).
   void removeObjectsAtIndexes(const MCIndexSet& indexes) {
     if (indexes.empty()) return;
     if (indexes.lastIndex() >= array_.size())
@@ -124,9 +143,11 @@ class MCObservableArray {
       if (isEqualObject(array_[i], object)) indexes.addIndex(i);
     removeObjectsAtIndexes(indexes);
   }
+  /// Removes every element.
   void removeAllObjects() { removeObjectsAtIndexes(MCIndexSet(MCRange{0, array_.size()})); }
 
   // --- Replacement
+  /// Replaces the element at `index` (a replacement change).
   void replaceObjectAtIndex(uint64_t index, E object) {
     if (index >= array_.size())
       mc_detail::throwIndexOutOfRange("MCObservableArray::replaceObjectAtIndex", index, array_.size());

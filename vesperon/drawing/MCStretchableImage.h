@@ -20,7 +20,9 @@ class MCStretchableImage {
   /// library has no such resource.
   static std::shared_ptr<MCStretchableImage> sdkImageNamed(const std::string& name, MCEdgeInsets insets);
 
+  /// The size the image is drawn at by drawAtPoint.
   MCSize size() const { return size_; }
+  /// The widths of the fixed edges and corners.
   const MCEdgeInsets& insets() const { return insets_; }
   /// The nine pieces in the order top left, top, top right, left, centre, right, bottom left,
   /// bottom, bottom right.
@@ -28,6 +30,10 @@ class MCStretchableImage {
 
   // The pieces one by one. Setting one drops the composed image, so the next drawing shows it;
   // a piece set to none leaves its place empty.
+  /// @name Pieces
+  //@{
+  /// The nine pieces: four fixed corners, four edges stretched along their side and the stretched
+  /// centre. Setting one drops the composed cache.
   const MCImageRef& topLeftCorner() const { return pieces_[0]; }
   void setTopLeftCorner(MCImageRef piece) { setPiece(0, std::move(piece)); }
   const MCImageRef& topEdgeFill() const { return pieces_[1]; }
@@ -46,6 +52,7 @@ class MCStretchableImage {
   void setBottomEdgeFill(MCImageRef piece) { setPiece(7, std::move(piece)); }
   const MCImageRef& bottomRightCorner() const { return pieces_[8]; }
   void setBottomRightCorner(MCImageRef piece) { setPiece(8, std::move(piece)); }
+  //@}
 
   /// Composes (or reuses) the image of the rectangle's size with the operation and fraction, and
   /// draws it over what is there.
@@ -54,6 +61,7 @@ class MCStretchableImage {
   void drawInRect(const MCRect& rect, MCBlendMode operation, double fraction) {
     drawInRect(rect, operation, fraction, false);
   }
+  /// Draws at `size` with its top left at `point`, the flip not respected.
   void drawAtPoint(MCPoint point, MCBlendMode operation, double fraction) {
     drawInRect(MCMakeRect(point.x, point.y, size_.width, size_.height), operation, fraction);
   }
@@ -62,6 +70,7 @@ class MCStretchableImage {
 
   /// How many times an image was composed; for tests and benchmarks.
   int numberOfCompositions() const { return compositions_; }
+  /// The size of the composed image kept; zero when none is.
   MCSize cachedImageSize() const { return cachedImageSize_; }
 
  private:

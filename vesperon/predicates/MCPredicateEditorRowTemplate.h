@@ -30,25 +30,37 @@ class MCPredicateEditorRowTemplate {
  public:
   /// A left or right entry: an expression with its title, or a separator.
   struct Expression {
+    /// A separator instead of an entry.
     bool isSeparator = false;
+    /// What the entry stands for.
     MCPredicateExpression expression;
+    /// The entry's text.
     std::string title;
+    /// An entry of `expression` titled `title`.
     static Expression entry(MCPredicateExpression expression, std::string title) {
       return {false, std::move(expression), std::move(title)};
     }
+    /// A separator.
     static Expression separator() { return {true, {}, {}}; }
   };
   /// An operator entry: a platform operator number with its title, or a separator.
   struct Operator {
+    /// A separator instead of an entry.
     bool isSeparator = false;
+    /// The operator's number (MCPredicateOperatorType or the platform's).
     int type = 0;
+    /// The entry's text.
     std::string title;
+    /// An entry of operator `type` titled `title`.
     static Operator entry(int type, std::string title) { return {false, type, std::move(title)}; }
+    /// A separator.
     static Operator separator() { return {true, 0, {}}; }
   };
   /// The kind of value of an entry field, and its placeholder.
   struct AttributeType {
+    /// The kind of value.
     MCPredicate::AttributeType type = MCPredicate::AttributeType::String;
+    /// The placeholder of the entry field.
     std::optional<std::string> hint;
   };
 
@@ -69,15 +81,24 @@ class MCPredicateEditorRowTemplate {
 
   /// Lazily true: unset, it becomes true when first read.
   bool defaultValue();
+  /// Sets what a row with unusable input yields.
   void setDefaultValue(bool value) { defaultValue_ = value; }
 
+  /// Whether this is the compound row (All / Any / None).
   bool isCompound() const { return !compoundTypes_.empty(); }
+  /// The expressions of the left pop-up.
   const std::vector<MCPredicateExpression>& leftExpressions() const { return leftExpressions_; }
+  /// The expressions of the right pop-up; empty for an entry field.
   const std::vector<MCPredicateExpression>& rightExpressions() const { return rightExpressions_; }
+  /// The operator numbers of the operator pop-up.
   const std::vector<int>& operators() const { return operators_; }
+  /// The kind of value of the right entry field; none with a right pop-up.
   const std::optional<AttributeType>& rightExpressionAttributeType() const { return rightAttributeType_; }
+  /// The compound types of the compound row; empty for other rows.
   const std::vector<MCCompoundPredicate::Type>& compoundTypes() const { return compoundTypes_; }
+  /// The modifier of the comparisons the row makes.
   MCComparisonPredicateModifier modifier() const { return modifier_; }
+  /// The string options of the comparisons the row makes.
   unsigned options() const { return options_; }
 
   /// The row's views by position: left pop-up, operator pop-up, right side, and on some
@@ -98,6 +119,7 @@ class MCPredicateEditorRowTemplate {
   MCPredicateEditorRowTemplate& withPrependingSeparator();
 
  protected:
+  /// Copies the entries and settings; the views are made anew (see copy).
   MCPredicateEditorRowTemplate(const MCPredicateEditorRowTemplate& other);
 
   /// The constant predicate of `defaultValue`.

@@ -82,6 +82,7 @@ class MCEvent {
  public:
   MCEvent() = default;
 
+  /// A mouse event of `type` at a point of the window.
   static MCEvent mouseEvent(MCEventType type, MCPoint locationInWindow, uint64_t modifierFlags = 0,
                             int clickCount = 1, double timestamp = 0);
   /// `characters` and `charactersIgnoringModifiers` are UTF-32 strings (one key gives one
@@ -93,30 +94,47 @@ class MCEvent {
   /// (a wheel that clicks).
   static MCEvent scrollWheelEvent(MCPoint locationInWindow, double deltaX, double deltaY, bool precise,
                                   uint64_t modifierFlags = 0, double timestamp = 0);
+  /// A pinch that changes the scale by `magnification`.
   static MCEvent magnifyEvent(MCPoint locationInWindow, double magnification, double timestamp = 0);
+  /// A periodic event, as startPeriodicEvents posts.
   static MCEvent periodicEvent(double timestamp = 0);
 
+  /// What kind of event it is.
   MCEventType type() const { return type_; }
+  /// Where it happened, in the window's base coordinates.
   MCPoint locationInWindow() const { return location_; }
+  /// The modifier keys held (MCEventModifierFlag bits).
   uint64_t modifierFlags() const { return modifierFlags_; }
+  /// 1 for a single click, 2 for a double click, and so on.
   int clickCount() const { return clickCount_; }
+  /// When it happened, in seconds.
   double timestamp() const { return timestamp_; }
 
+  /// The text a key gives, with its modifiers.
   const std::u32string& characters() const { return characters_; }
+  /// The text a key gives without modifiers (function keys as their characters, 0xF700 …).
   const std::u32string& charactersIgnoringModifiers() const { return charactersIgnoringModifiers_; }
+  /// The hardware key code.
   uint16_t keyCode() const { return keyCode_; }
+  /// Whether the key event repeats a held key.
   bool isARepeat() const { return isARepeat_; }
 
   /// Movement since the last mouse event, for drags: y grows downward, as on the platform.
   double deltaX() const { return deltaX_; }
+  /// The vertical movement.
   double deltaY() const { return deltaY_; }
+  /// Sets the movement.
   void setDelta(double dx, double dy) { deltaX_ = dx; deltaY_ = dy; }
 
   /// Scroll amounts: positive y moves the content down (the finger or wheel goes up).
   double scrollingDeltaX() const { return scrollingDeltaX_; }
+  /// The vertical scroll amount.
   double scrollingDeltaY() const { return scrollingDeltaY_; }
+  /// Whether the amounts are in points (a touchpad) rather than lines (a wheel).
   bool hasPreciseScrollingDeltas() const { return preciseScrolling_; }
+  /// Whether natural scrolling inverted the amounts.
   bool isDirectionInvertedFromDevice() const { return directionInverted_; }
+  /// Sets whether the amounts are inverted.
   void setDirectionInvertedFromDevice(bool inverted) { directionInverted_ = inverted; }
 
   /// The pinch: the change of scale since the last magnify event (0.1 is 10% larger).
@@ -124,9 +142,12 @@ class MCEvent {
 
   /// The window number the event belongs to; hosts with one window leave 0.
   int windowNumber() const { return windowNumber_; }
+  /// Sets the window number.
   void setWindowNumber(int number) { windowNumber_ = number; }
 
+  /// Whether it is a press, release, drag, move, enter or exit of any button.
   bool isMouseEvent() const;
+  /// Whether it is a key down or up.
   bool isKeyEvent() const { return type_ == MCEventType::KeyDown || type_ == MCEventType::KeyUp; }
 
  private:

@@ -46,53 +46,70 @@ class MCWindow : public MCResponder {
   static std::shared_ptr<MCWindow> create(MCSize contentSize);
   ~MCWindow() override;
 
+  /// The title, which the host shows in its title bar.
   const std::string& title() const { return title_; }
   /// Sets the title and tells the host, which shows it in the title bar.
   void setTitle(std::string title);
   /// Over the whole screen, as the host shows it; false without a host that can.
   bool isFullScreen() const;
+  /// Asks the host to show the window over the whole screen, or not; false when it cannot.
   bool setFullScreen(bool fullScreen);
+  /// A number unique among the process's windows.
   int windowNumber() const { return windowNumber_; }
 
   // Content.
+  /// The view that fills the window.
   const std::shared_ptr<MCView>& contentView() const { return contentView_; }
   /// Sets the content view, sized to the window's content.
   void setContentView(const std::shared_ptr<MCView>& view);
+  /// The size of the content area.
   MCSize contentSize() const { return contentSize_; }
   /// The host's area changed size: the content view follows. Negative sizes become 0.
   void setContentSize(MCSize size);
+  /// What the window is cleared to under its views.
   MCColor backgroundColor() const { return backgroundColor_; }
+  /// Sets the background colour and redraws.
   void setBackgroundColor(const MCColor& color);
 
   // Host.
+  /// The host that shows the window; none off-screen.
   MCWindowHost* host() const { return host_; }
   /// The host is not retained; it detaches itself (setHost(nullptr)) before it goes away.
   void setHost(MCWindowHost* host);
+  /// The host's pixels per point; 1 without a host.
   double backingScaleFactor() const;
+  /// Whether the window has the keyboard focus.
   bool isKeyWindow() const { return keyWindow_; }
+  /// Set by the host as the window gains or loses the focus.
   void setKeyWindow(bool key) { keyWindow_ = key; }
 
   // Responders.
+  /// The responder that gets keys first; the window itself when no view is.
   MCResponder* firstResponder() const { return firstResponder_; }
   /// Makes `responder` first (none makes the window itself first); false when the old one
   /// refuses to resign or the new one to become.
   bool makeFirstResponder(MCResponder* responder);
 
   // Events.
+  /// Queues an event (at the front with `atStart`), for dispatch or a nested loop.
   void postEvent(const MCEvent& event, bool atStart = false);
   /// Dispatches queued events until the queue is empty (not from inside a nested loop).
   void processQueuedEvents();
+  /// Dispatches an event now: mouse events to the view hit (or the one tracking), keys to the first
+  /// responder.
   void sendEvent(const MCEvent& event);
   /// The first queued event whose type is in `mask`; waits for one up to `timeoutSeconds` (for
   /// ever when none). `dequeue` false leaves it queued. None on timeout, on close, or when the
   /// host has no more events.
   std::optional<MCEvent> nextEventMatchingMask(MCEventMask mask, std::optional<double> timeoutSeconds = std::nullopt,
                                                bool dequeue = true);
+  /// How many events wait in the queue.
   std::size_t numberOfQueuedEvents() const { return queue_.size(); }
   /// Where the pointer is now, in base coordinates (the host's answer, not the last event's).
   MCPoint mouseLocationOutsideOfEventStream() const;
   /// Posts periodic events (type 16) into the queue after `delay` and then every `period` seconds.
   void startPeriodicEventsAfterDelay(double delay, double period);
+  /// Stops the periodic events.
   void stopPeriodicEvents();
   /// The view that took the last mouse press, until the release.
   MCView* mouseDownView() const { return mouseDownView_.get(); }
@@ -115,15 +132,19 @@ class MCWindow : public MCResponder {
                         std::function<void(const MCMenuItem&)> chosen = nullptr);
 
   // Closing.
+  /// Whether the window was closed.
   bool isClosed() const { return closed_; }
   /// Closes the window: nested loops end, no more events are dispatched.
   void close();
 
   // Display.
+  /// Marks `rect` (base coordinates) for redraw and asks the host for a frame.
   void invalidateRect(const MCRect& rect);
+  /// Whether anything waits to be redrawn.
   bool needsDisplay() const;
   /// The dirty region's bounding box, in base coordinates.
   MCRect dirtyRect() const;
+  /// Lays out and redraws what is dirty into the backing image.
   void displayIfNeeded();
   /// Marks everything dirty and displays.
   void display();
@@ -136,6 +157,7 @@ class MCWindow : public MCResponder {
 
   /// From base coordinates to the screen's (y up), through the host's window origin.
   MCRect convertRectToScreen(const MCRect& rect) const;
+  /// The same for a point.
   MCPoint convertPointToScreen(MCPoint point) const;
 
   /// The tool tip of the deepest view under `point` (base coordinates) that has one there.
