@@ -41,22 +41,30 @@ class MCLayoutMatrix {
 
   // --- Shape
 
+  /// How many cells make a line (the columns of a vertical grid).
   uint64_t lineLength() const { return lineLength_; }
   /// Does nothing when the value is unchanged; otherwise stores it and lays out at once, even
   /// inside an open editing bracket. With a line length of 0 nothing can be laid out: the matrix
   /// then has no items, lines or cells until a line length of at least 1 is set.
   void setLineLength(uint64_t lineLength);
 
+  /// How many sections there are.
   uint64_t numberOfSections() const { return sections_.size(); }
+  /// How many items all sections hold.
   uint64_t numberOfItems() const { return numberOfItems_; }
+  /// How many lines the items fill (each section starts a new line).
   uint64_t numberOfLines() const { return numberOfLines_; }
+  /// How many cells the lines hold, gap cells at section ends included.
   uint64_t numberOfCells() const { return numberOfCells_; }
 
   /// The ranges of a section as of the last layout. A section index at or past the count throws
   /// std::out_of_range ("*** MCLayoutMatrix::cellsRangeOfSectionAtIndex: index %ld is out of range [0..%ld]").
   MCRange cellsRangeOfSectionAtIndex(uint64_t section) const;
+  /// The lines of a section.
   MCRange linesRangeOfSectionAtIndex(uint64_t section) const;
+  /// The items of a section.
   MCRange itemsRangeOfSectionAtIndex(uint64_t section) const;
+  /// The sections, with their sizes and places.
   const std::vector<MCLayoutMatrixSection>& sections() const { return sections_; }
 
   // --- Editing
@@ -66,15 +74,20 @@ class MCLayoutMatrix {
   // a negative size counts as 0. A section index out of range throws std::out_of_range with the
   // operation's name before anything changes.
 
+  /// Opens an editing bracket: the layout waits for the outermost endEditing.
   void beginEditing() { ++editingCount_; }
   /// Ignored without a matching beginEditing().
   void endEditing();
+  /// How many brackets are open.
   uint64_t editingDepth() const { return editingCount_; }
 
+  /// Appends a section of `size` items.
   void addSectionWithSize(int64_t size);
   /// `section` may equal the count, which appends.
   void insertSectionAtIndex(uint64_t section, int64_t size);
+  /// Removes a section.
   void removeSectionAtIndex(uint64_t section);
+  /// Adds `by` items at the end of a section.
   void increaseSection(uint64_t section, uint64_t by);
   /// Stops at 0 rather than wrapping around.
   void decreaseSection(uint64_t section, uint64_t by);
@@ -91,6 +104,10 @@ class MCLayoutMatrix {
 
   /// cell / lineLength; 0 while the line length is 0. No range check.
   uint64_t lineIndexFromCellIndex(uint64_t cell) const { return lineLength_ == 0 ? 0 : cell / lineLength_; }
+  /// @name Index conversions
+  //@{
+  /// Conversions between the index spaces (item, cell, line, section); NSNotFound for an index out
+  /// of range.
   uint64_t lineIndexFromItemIndex(uint64_t item) const { return lineIndexFromCellIndex(cellIndexFromItemIndex(item)); }
   uint64_t cellIndexFromItemIndex(uint64_t item) const { return itemToCell_.indexAtIndex(item); }
   /// NSNotFound for a gap cell.
@@ -98,6 +115,7 @@ class MCLayoutMatrix {
   uint64_t sectionIndexFromLineIndex(uint64_t line) const { return lineToSection_.indexAtIndex(line); }
   uint64_t sectionIndexFromCellIndex(uint64_t cell) const { return sectionIndexFromLineIndex(lineIndexFromCellIndex(cell)); }
   uint64_t sectionIndexFromItemIndex(uint64_t item) const { return sectionIndexFromCellIndex(cellIndexFromItemIndex(item)); }
+  //@}
 
   /// The union of the items ranges of the given sections (each must exist).
   MCIndexSet itemIndexesForSectionIndexes(const MCIndexSet& sections) const;
@@ -107,7 +125,9 @@ class MCLayoutMatrix {
 
   /// The raw tables, for callers that walk many entries.
   const MCIndexMap& lineToSectionMap() const { return lineToSection_; }
+  /// The map from item to cell indexes.
   const MCIndexMap& itemToCellMap() const { return itemToCell_; }
+  /// The map from cell to item indexes (gap cells have none).
   const MCIndexMap& cellToItemMap() const { return cellToItem_; }
 
   // --- Layout steps

@@ -52,13 +52,16 @@ class MCImageDestination {
   virtual ~MCImageDestination() = default;
   /// Adds an image with an optional nested property dictionary; false when it cannot be taken.
   virtual bool addImage(const MCRasterImageRef& image, const MCDictionary* properties) = 0;
+  /// Writes the file; false on failure, with no partial file left.
   virtual bool finalize() = 0;
 };
 
+/// A codec plug-in: the image sources and destinations of the types it reads and writes.
 class MCImageCodec {
  public:
   virtual ~MCImageCodec() = default;
 
+  /// A source over the file at `url`; none when the codec cannot read it.
   virtual std::shared_ptr<MCImageSource> imageSourceWithURL(const std::filesystem::path& url,
                                                             const MCImageSourceOptions& options) = 0;
   /// A source over bytes already in memory, which the source shares and never copies to disk.
@@ -69,22 +72,32 @@ class MCImageCodec {
     (void)options;
     return nullptr;
   }
+  /// A destination that writes the file at `url`; none when the codec cannot write it.
   virtual std::shared_ptr<MCImageDestination> imageDestinationAtURL(const std::filesystem::path& url,
                                                                     const MCImageDestinationOptions& options) = 0;
 
   /// Unique per plug-in, such as "org.vesperon.codec.jpeg".
   virtual std::string extensionIdentifier() const = 0;
+  /// The plug-in's name as a user sees it.
   virtual std::string extensionDisplayName() const = 0;
+  /// What the plug-in does, in a sentence.
   virtual std::string extensionDescription() const = 0;
   /// The higher, the earlier tried.
   virtual double defaultPriority() const = 0;
+  /// The image types (type identifiers) it reads.
   virtual std::vector<std::string> sourceImageTypes() const = 0;
+  /// The video types it reads; none by default.
   virtual std::vector<std::string> sourceVideoTypes() const { return {}; }
+  /// The image types it writes; none by default.
   virtual std::vector<std::string> destinationImageTypes() const { return {}; }
+  /// The video types it writes; none by default.
   virtual std::vector<std::string> destinationVideoTypes() const { return {}; }
 
+  /// Whether the codec manager uses it for reading now.
   bool isAvailableAsSource() const { return availableAsSource_.load(); }
+  /// Turns reading through this codec on or off (any thread).
   void setIsAvailableAsSource(bool available) { availableAsSource_.store(available); }
+  /// Whether it cannot be turned off; not by default.
   virtual bool isAlwaysAvailableAsSource() const { return false; }
 
  private:
@@ -95,16 +108,21 @@ class MCImageCodec {
 inline constexpr uint32_t MC_IMAGE_CODEC_ABI_VERSION = 4;
 
 extern "C" {
+/// What a plug-in's entry point answers.
 struct MCImageCodecPlugInInfo {
+  /// The MC_IMAGE_CODEC_ABI_VERSION the plug-in was built with; another version is refused.
   uint32_t abiVersion;
+  /// Makes the codec; the manager owns it.
   MCImageCodec* (*createCodec)();
 };
+/// The type of the entry point.
 typedef const MCImageCodecPlugInInfo* (*MCImageCodecPlugInEntryFunction)();
 }
 
 /// The name of the entry point that every plug-in exports.
 inline constexpr const char* MCImageCodecPlugInEntryName = "MCImageCodecPlugInEntry";
 
+/// Defines a plug-in's entry point for `CodecClass`; put it in one source file of the plug-in.
 #define MC_IMAGE_CODEC_PLUGIN(CodecClass)                                                          \
   extern "C" __attribute__((visibility("default"))) const MCImageCodecPlugInInfo* MCImageCodecPlugInEntry() { \
     static const MCImageCodecPlugInInfo info{MC_IMAGE_CODEC_ABI_VERSION,                           \

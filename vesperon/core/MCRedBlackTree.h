@@ -36,6 +36,7 @@ class MCRedBlackTree {
   };
 
  public:
+  /// The ordering of the objects.
   using Comparator = Compare;
 
   /// `initWithComparator:`: none for a nil comparator.
@@ -53,10 +54,14 @@ class MCRedBlackTree {
   MCRedBlackTree& operator=(const MCRedBlackTree&) = delete;
   ~MCRedBlackTree() { removeAllObjects(); }
 
+  /// How many objects the tree holds.
   uint64_t count() const { return count_; }
+  /// Whether it holds none.
   bool empty() const { return count_ == 0; }
 
+  /// The ordering.
   const Comparator& comparator() const { return comparator_; }
+  /// Replaces the ordering (the tree is not re-sorted; set it while empty).
   void setComparator(Comparator comparator) { comparator_ = std::move(comparator); }
 
   /// Inserts `object`; answers false, and keeps the object already held, when an equal one is there.
@@ -102,15 +107,18 @@ class MCRedBlackTree {
     if (!node) return {};
     return node->object;
   }
+  /// Whether an object equal to `object` under the ordering is in the tree.
   bool containsObject(const T& object) const { return findNode(object) != nullptr; }
 
   /// Smallest and largest objects; none when empty.
   MCNullable<T> minObject() const { return min_ ? MCNullable<T>(min_->object) : MCNullable<T>(); }
+  /// The largest object; none when empty.
   MCNullable<T> maxObject() const { return max_ ? MCNullable<T>(max_->object) : MCNullable<T>(); }
   /// Nothing when empty.
   void removeMinObject() {
     if (min_) removeNode(min_);
   }
+  /// Removes the largest object; nothing when empty.
   void removeMaxObject() {
     if (max_) removeNode(max_);
   }
@@ -155,20 +163,30 @@ class MCRedBlackTree {
     return true;
   }
 
+  /// Walks the objects from the smallest.
   class const_iterator {
    public:
+    /// The standard iterator type of the objects.
     using value_type = T;
+    /// The standard iterator difference type.
     using difference_type = std::ptrdiff_t;
+    /// A forward iterator.
     using iterator_category = std::forward_iterator_tag;
+    /// A pointer to an object.
     using pointer = const T*;
+    /// A reference to an object.
     using reference = const T&;
     const_iterator() = default;
+    /// The object at hand.
     const T& operator*() const { return node_->object; }
+    /// The object at hand.
     const T* operator->() const { return &node_->object; }
+    /// Steps to the next larger object.
     const_iterator& operator++() {
       node_ = successor(node_);
       return *this;
     }
+    /// Steps on, answering the iterator as it was.
     const_iterator operator++(int) {
       auto copy = *this;
       node_ = successor(node_);
@@ -181,7 +199,9 @@ class MCRedBlackTree {
     explicit const_iterator(const Node* node) : node_(node) {}
     const Node* node_ = nullptr;
   };
+  /// The smallest object.
   const_iterator begin() const { return const_iterator(min_); }
+  /// Past the largest object.
   const_iterator end() const { return const_iterator(nullptr); }
 
  private:

@@ -32,12 +32,18 @@
 template <typename T>
 class MCTreeNode : public MCObservableObject {
  public:
+  /// The type of the items.
   using Item = T;
+  /// A list of items.
   using Items = std::vector<T>;
+  /// A shared node.
   using NodePtr = std::shared_ptr<MCTreeNode>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
 
+  /// The key path observers name the items by.
   static constexpr const char* kItemsKeyPath = "items";
+  /// The key path observers name the child nodes by.
   static constexpr const char* kNodesKeyPath = "nodes";
 
   /// Both lists empty.
@@ -57,25 +63,34 @@ class MCTreeNode : public MCObservableObject {
 
   // --- Observable accessors of `items`
 
+  /// How many items the node holds.
   uint64_t countOfItems() const { return items_.count(); }
+  /// The item at `index`; past the end raises std::out_of_range.
   const T& objectInItemsAtIndex(uint64_t index) const { return items_.objectAtIndex(index); }
   /// `insertObject:inItemsAtIndex:`.
   void insertObjectInItems(T item, uint64_t index) { items_.insertObject(std::move(item), index); }
   /// Inserts the items so that they stand at `indexes` afterwards (one index per item).
   void insertItems(Items items, const MCIndexSet& indexes) { items_.insertObjects(std::move(items), indexes); }
+  /// Removes the items at `indexes` (one removal change).
   void removeItemsAtIndexes(const MCIndexSet& indexes) { items_.removeObjectsAtIndexes(indexes); }
+  /// Replaces the items at `indexes` (one replacement change).
   void replaceItemsAtIndexes(const MCIndexSet& indexes, Items items) {
     items_.replaceObjectsAtIndexes(indexes, std::move(items));
   }
 
   // --- Observable accessors of `nodes`
 
+  /// How many child nodes there are.
   uint64_t countOfNodes() const { return nodes_.count(); }
+  /// The child node at `index`; past the end raises std::out_of_range.
   const NodePtr& objectInNodesAtIndex(uint64_t index) const { return nodes_.objectAtIndex(index); }
   /// `insertObject:inNodesAtIndex:`.
   void insertObjectInNodes(NodePtr node, uint64_t index) { nodes_.insertObject(std::move(node), index); }
+  /// Inserts child nodes so that they stand at `indexes` afterwards.
   void insertNodes(Nodes nodes, const MCIndexSet& indexes) { nodes_.insertObjects(std::move(nodes), indexes); }
+  /// Removes the child nodes at `indexes`.
   void removeNodesAtIndexes(const MCIndexSet& indexes) { nodes_.removeObjectsAtIndexes(indexes); }
+  /// Replaces the child nodes at `indexes`.
   void replaceNodesAtIndexes(const MCIndexSet& indexes, Nodes nodes) {
     nodes_.replaceObjectsAtIndexes(indexes, std::move(nodes));
   }
@@ -91,6 +106,7 @@ class MCTreeNode : public MCObservableObject {
       if (isDescendantOf(child.get())) return true;
     return false;
   }
+  /// Whether `node` is this node or one of its ancestors.
   bool isDescendantOf(const NodePtr& node) const { return isDescendantOf(node.get()); }
 
  private:
