@@ -17,33 +17,48 @@
 class MCZoomView;
 class MCTimer;
 
+/// What a zoom view asks of its owner.
 class MCZoomViewDelegate {
  public:
   virtual ~MCZoomViewDelegate() = default;
+  /// The content's size at zoom 1 before fitting (the image's size).
   virtual MCSize zoomViewOriginalContentSize(MCZoomView& view) = 0;
+  /// The zoom or offset changed through a checked setter.
   virtual void zoomViewDidChange(MCZoomView& view) = 0;
 };
 
 class MCZoomView : public MCView {
  public:
+  /// A zoom view of `frame` with an empty container.
   explicit MCZoomView(MCRect frame = {});
   ~MCZoomView() override;
 
+  /// The view that holds the content and clips it.
   const MCViewRef& containerView() const { return containerView_; }
+  /// The view zoomed and panned; none until set.
   const MCViewRef& contentView() const { return contentView_; }
+  /// Puts `view` in the container and lays out.
   void setContentView(const MCViewRef& view);
+  /// The delegate, held weakly.
   std::shared_ptr<MCZoomViewDelegate> delegate() const { return delegate_.lock(); }
+  /// Sets the delegate, held weakly.
   void setDelegate(const std::shared_ptr<MCZoomViewDelegate>& delegate) { delegate_ = delegate; }
 
   /// Store, and mark for layout when the value differs; no clamping, no report.
   double zoom() const { return zoom_; }
+  /// Sets the zoom (see zoom()).
   void setZoom(double zoom);
+  /// The content's offset from centred, in view units.
   MCPoint offset() const { return offset_; }
+  /// Stores the offset and marks for layout when it differs; no constraint, no report.
   void setOffset(MCPoint offset);
   /// Store, then pull the zoom into the new range (no report), then mark for layout.
   double minZoom() const { return minZoom_; }
+  /// Sets the smallest zoom (see minZoom()).
   void setMinZoom(double zoom);
+  /// The largest zoom.
   double maxZoom() const { return maxZoom_; }
+  /// Sets the largest zoom, pulling the zoom into range.
   void setMaxZoom(double zoom);
 
   /// The content's size at a zoom: original × fit × zoom (0 by 0 for an original without area).
@@ -60,6 +75,7 @@ class MCZoomView : public MCView {
 
   /// The checked setter: clamps the zoom, constrains the offset, reports a change.
   void setOffset(MCPoint offset, double zoom);
+  /// Places the content at the present zoom and offset.
   void updateLayout();
   /// Moves by a vector in view units.
   void panWith(MCPoint vector);

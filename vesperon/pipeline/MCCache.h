@@ -23,18 +23,25 @@
 template <typename Key, typename Object, typename Hash = std::hash<Key>>
 class MCCache {
  public:
+  /// One entry of the recency list.
   using Item = MCCacheItem<Key, Object>;
+  /// A shared entry.
   using ItemRef = std::shared_ptr<Item>;
 
   MCCache() : MCCache(64) {}
+  /// An empty cache of at most `size` objects.
   explicit MCCache(uint64_t size) : cacheSize_(size) {}
   ~MCCache() { removeAllItems(); }
   MCCache(const MCCache&) = delete;
   MCCache& operator=(const MCCache&) = delete;
 
+  /// How many objects are cached.
   uint64_t count() const { return cacheMap_.size(); }
+  /// How many objects the cache keeps at most.
   uint64_t cacheSize() const { return cacheSize_; }
+  /// Sets the most objects kept (takes effect at the next store).
   void setCacheSize(uint64_t size) { cacheSize_ = size; }
+  /// The most recently used entry; none when empty.
   const ItemRef& cacheHead() const { return cacheHead_; }
   /// The oldest item, or none.
   ItemRef cacheTail() const { return cacheHead_ ? cacheHead_->previousItem : nullptr; }
@@ -47,6 +54,7 @@ class MCCache {
     return it->second->object;
   }
 
+  /// Stores `object` under `key` as the most recent, dropping the least recent past cacheSize.
   void setObject(Object object, const Key& key) {
     if (auto it = cacheMap_.find(key); it != cacheMap_.end()) {
       const ItemRef item = it->second;
@@ -60,6 +68,7 @@ class MCCache {
     cacheMap_.emplace(key, std::move(item));
   }
 
+  /// Forgets `key`.
   void removeObjectForKey(const Key& key) {
     auto it = cacheMap_.find(key);
     if (it == cacheMap_.end()) return;
@@ -68,6 +77,7 @@ class MCCache {
     removeItem(item);
   }
 
+  /// Forgets everything.
   void removeAllObjects() {
     removeAllItems();
     cacheMap_.clear();
@@ -98,6 +108,10 @@ class MCCache {
     cacheHead_ = item;
   }
 
+  /// @name Recency list
+  //@{
+  /// The recency list's own steps: link an entry after or before another, move one to the head,
+  /// unlink one.
   void insertItemAfter(const ItemRef& item, const ItemRef& afterItem) {
     item->previousItem = afterItem;
     item->nextItem = afterItem->nextItem;
@@ -127,6 +141,7 @@ class MCCache {
 
   void removeItem(const ItemRef& item) {
     if (item == cacheHead_) cacheHead_ = item->nextItem == item ? nullptr : item->nextItem;
+  //@}
     if (item->previousItem && item->nextItem) {
       item->previousItem->nextItem = item->nextItem;
       item->nextItem->previousItem = item->previousItem;

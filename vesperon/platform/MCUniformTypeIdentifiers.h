@@ -18,6 +18,10 @@
 #include <string>
 #include <vector>
 
+/// @name Type identifiers
+//@{
+/// The identifiers of the types the library names, abstract ("public.item", "public.image" …)
+/// and concrete ("public.jpeg" …).
 inline constexpr const char* kUTTypeItem = "public.item";
 inline constexpr const char* kUTTypeContent = "public.content";
 inline constexpr const char* kUTTypeData = "public.data";
@@ -34,6 +38,7 @@ inline constexpr const char* kUTTypeAudiovisualContent = "public.audiovisual-con
 inline constexpr const char* kUTTypeMovie = "public.movie";
 inline constexpr const char* kUTTypeQuickTimeMovie = "com.apple.quicktime-movie";
 inline constexpr const char* kUTTypeMPEG4 = "public.mpeg-4";
+//@}
 
 /// True when the identifiers name the same type (case-insensitive).
 bool MCTypeEqual(const std::string& a, const std::string& b);

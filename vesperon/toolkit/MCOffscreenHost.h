@@ -27,12 +27,17 @@ class MCOffscreenHost : public MCWindowHost {
   MCOffscreenHost(const MCOffscreenHost&) = delete;
   MCOffscreenHost& operator=(const MCOffscreenHost&) = delete;
 
+  /// The window drawn.
   const std::shared_ptr<MCWindow>& window() const { return window_; }
 
   // The script. Locations are in the window's base coordinates (y up).
+  /// Adds an event to the script.
   void addEvent(const MCEvent& event);
   /// Lets `seconds` pass with the main context running.
   void addWait(double seconds);
+  /// @name Scripted input
+  //@{
+  /// Add mouse, wheel and pinch events to the script, at a point of the window.
   void mouseDown(MCPoint location, uint64_t modifierFlags = 0, int clickCount = 1);
   void mouseDragged(MCPoint location, uint64_t modifierFlags = 0);
   void mouseUp(MCPoint location, uint64_t modifierFlags = 0, int clickCount = 1);
@@ -45,6 +50,8 @@ class MCOffscreenHost : public MCWindowHost {
   void keyPress(char32_t key, uint64_t modifierFlags = 0);
   void scrollWheel(MCPoint location, double deltaX, double deltaY, bool precise = true);
   void magnify(MCPoint location, double magnification);
+  //@}
+  /// How many steps of the script have not played.
   std::size_t numberOfPendingSteps() const { return steps_.size(); }
 
   /// Plays the whole script.
@@ -59,13 +66,16 @@ class MCOffscreenHost : public MCWindowHost {
   MCRect takeInvalidatedRect();
 
   // Drags.
+  /// The drags the views started, oldest first.
   const std::vector<std::shared_ptr<MCDraggingSession>>& draggingSessions() const { return sessions_; }
   /// Ends the newest drag with `operation` at the pointer.
   void endDraggingSession(uint64_t operation);
 
   // Context menus: the last one shown stays open until an item of it is chosen, or its tracking
   // is cancelled (MCMenu::cancelTracking).
+  /// The context menu open; none when none is.
   const MCMenu* contextMenu() const { return menuShown_ ? &menu_ : nullptr; }
+  /// Where the open menu was shown, in the window.
   MCPoint contextMenuLocation() const { return menuLocation_; }
   /// Chooses the enabled item with this title (in the menu or its submenus); false when none.
   bool chooseContextMenuItem(const std::string& title);
@@ -87,6 +97,7 @@ class MCOffscreenHost : public MCWindowHost {
     fullScreen_ = fullScreen;
     return true;
   }
+  /// Whether the window was asked to fill the screen.
   bool isFullScreen() const override { return fullScreen_; }
 
  private:
