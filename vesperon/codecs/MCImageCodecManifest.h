@@ -19,17 +19,28 @@
 #include <vector>
 
 struct MCImageCodecManifest {
+  /// The plug-in ABI the module was built for.
   uint32_t abiVersion = MC_IMAGE_CODEC_ABI_VERSION;
+  /// The codec's extensionIdentifier.
   std::string identifier;
+  /// The codec's display name.
   std::string displayName;
+  /// The codec's description.
   std::string description;
+  /// The codec's priority among codecs of the same type.
   double priority = 0;
+  /// The image types it reads.
   std::vector<std::string> sourceImageTypes;
+  /// The video types it reads.
   std::vector<std::string> sourceVideoTypes;
+  /// The image types it writes.
   std::vector<std::string> destinationImageTypes;
+  /// The video types it writes.
   std::vector<std::string> destinationVideoTypes;
+  /// Whether it cannot be turned off as a source.
   bool alwaysAvailableAsSource = false;
 
+  /// The largest manifest file read.
   static constexpr uintmax_t maximumFileSize = 64 * 1024;
 
   /// The manifest of a loaded codec.
@@ -42,5 +53,6 @@ struct MCImageCodecManifest {
   /// The JSON text that `read` parses back.
   std::string json() const;
 
+  /// Whether every field is equal.
   bool operator==(const MCImageCodecManifest&) const = default;
 };

@@ -19,28 +19,42 @@ class MCColorLabelControl : public MCView {
  public:
   MCColorLabelControl();
 
+  /// The size of one label's item.
   static constexpr MCSize kCellSize{24, 20};
+  /// The margins around the row of items.
   static constexpr MCEdgeInsets kInsets{0, 10, 0, 10};
+  /// The gap between items.
   static constexpr double kSpacing = 4;
+  /// The label numbers in the order shown (the clear item first).
   static const std::vector<long>& colorLabelIds();
   /// Label number to colour, and to the localised name.
   static const std::map<long, MCColor>& labelMap();
+  /// The localised name of a label ("Red" …).
   static std::string labelName(long label);
 
+  /// The item controls, in the order shown.
   const std::vector<std::shared_ptr<MCColorLabelItemControl>>& labelItemControls() const { return items_; }
+  /// The label last chosen; none before a choice.
   std::optional<long> activeColorLabelTag() const { return activeTag_; }
+  /// The labels shown as selected.
   const std::set<long>& usedColorLabels() const { return usedColorLabels_; }
   /// Shows the items of these labels as selected.
   void setUsedColorLabels(std::set<long> labels);
+  /// Whether the control takes clicks.
   bool isEnabled() const { return enabled_; }
+  /// Enables or disables the control and its items.
   void setEnabled(bool enabled);
+  /// The control's tag, for the action's receiver.
   long tag() const { return tag_; }
+  /// The command of the last choice.
   int command() const { return command_; }
+  /// Called with the control when a label is chosen.
   std::function<void(MCColorLabelControl&)> action;
 
   /// The colour of the text under the dots and of the clear item's ink: the secondary label
   /// colour by default; a control on a dark background sets a light one.
   const MCColor& textColor() const { return textColor_; }
+  /// Sets the text colour and redraws.
   void setTextColor(const MCColor& color);
 
   /// The text under the dots for the present state.

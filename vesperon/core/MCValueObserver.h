@@ -25,9 +25,13 @@
 template <typename V>
 class MCValueObserver {
  public:
+  /// Hears a setting: the old and new value.
   using SetCallback = std::function<void(const V& oldValue, const V& newValue)>;
+  /// Hears an insertion: the new elements and where they now stand.
   using InsertCallback = std::function<void(const V& newValues, const MCIndexSet& indexes)>;
+  /// Hears a removal: the old elements and where they stood.
   using RemoveCallback = std::function<void(const V& oldValues, const MCIndexSet& indexes)>;
+  /// Hears a replacement: old and new elements and where.
   using ReplaceCallback = std::function<void(const V& oldValues, const V& newValues, const MCIndexSet& indexes)>;
 
   /// `initWithObject:keyPath:`. A null object gives an observer that never calls.
@@ -49,15 +53,24 @@ class MCValueObserver {
 
   /// The observed object, or null once it has gone.
   std::shared_ptr<MCObservableObject> object() const { return object_.lock(); }
+  /// The key path observed.
   const std::string& keyPath() const { return keyPath_; }
 
+  /// What hears settings.
   const SetCallback& onSet() const { return callbacks_->onSet; }
+  /// What hears insertions.
   const InsertCallback& onInsert() const { return callbacks_->onInsert; }
+  /// What hears removals.
   const RemoveCallback& onRemove() const { return callbacks_->onRemove; }
+  /// What hears replacements.
   const ReplaceCallback& onReplace() const { return callbacks_->onReplace; }
+  /// Sets what hears settings.
   void setOnSet(SetCallback callback) { callbacks_->onSet = std::move(callback); }
+  /// Sets what hears insertions.
   void setOnInsert(InsertCallback callback) { callbacks_->onInsert = std::move(callback); }
+  /// Sets what hears removals.
   void setOnRemove(RemoveCallback callback) { callbacks_->onRemove = std::move(callback); }
+  /// Sets what hears replacements.
   void setOnReplace(ReplaceCallback callback) { callbacks_->onReplace = std::move(callback); }
 
  private:

@@ -33,11 +33,14 @@ struct MCFilePanel;
 
 class MCSandboxHelper {
  public:
+  /// Gives the folder or file to prepare access for; none ends.
   using URLGenerator = std::function<std::optional<std::filesystem::path>()>;
+  /// Sets up a panel before it runs.
   using PanelConfiguration = std::function<void(MCFilePanel& panel)>;
   /// Receives the panel and its result code; answers the URLs to keep as grants.
   using PanelCompletion = std::function<std::vector<std::filesystem::path>(MCFilePanel& panel, long result)>;
 
+  /// The settings key under which the grants are remembered.
   static constexpr const char* kStoreKey = "QXSecurityScopedURLs";
 
   /// The single instance, over the default settings file. Does not restore.
@@ -46,11 +49,14 @@ class MCSandboxHelper {
   /// A helper over the settings file at `storeURL`.
   explicit MCSandboxHelper(std::filesystem::path storeURL);
 
+  /// The folders granted, oldest first.
   const std::vector<std::shared_ptr<MCSandboxURL>>& sandboxURLs() const { return sandboxURLs_; }
+  /// The settings file that remembers the grants.
   const std::filesystem::path& storeURL() const { return storeURL_; }
 
   /// Who shows panels and alerts. Without one, no grant can be asked for and panels answer cancel.
   void setDialogPresenter(std::shared_ptr<MCDialogPresenter> presenter) { presenter_ = std::move(presenter); }
+  /// What runs the panels; none runs none.
   const std::shared_ptr<MCDialogPresenter>& dialogPresenter() const { return presenter_; }
 
   /// Writes every grant's dictionary to the store; grants without one are left out.
@@ -62,7 +68,9 @@ class MCSandboxHelper {
   /// One entry of the store as the last `restore` found it: the folder it names, and why it could
   /// not be taken back (empty when it was).
   struct RestoredEntry {
+    /// The folder the entry names.
     std::filesystem::path path;
+    /// Why it could not be taken back; empty when it was.
     std::string failure;
   };
   /// The entries of the last `restore`, in the store's order: the last is the folder granted last.
@@ -92,9 +100,12 @@ class MCSandboxHelper {
   /// the URLs the completion answers are kept as grants. A missing completion keeps none.
   void beginOpenPanelModalForWindow(MCWindow* window, const PanelConfiguration& configure,
                                     const PanelCompletion& completion);
+  /// The same for a save panel.
   void beginSavePanelModalForWindow(MCWindow* window, const PanelConfiguration& configure,
                                     const PanelCompletion& completion);
+  /// An open panel, run modally without a window.
   void runModalOpenPanel(const PanelConfiguration& configure, const PanelCompletion& completion);
+  /// A save panel, run modally without a window.
   void runModalSavePanel(const PanelConfiguration& configure, const PanelCompletion& completion);
 
  private:

@@ -21,24 +21,33 @@
 
 class MCCGImageMetadataReader {
  public:
+  /// Readers of XMP properties by sub-dictionary key.
   using Scheme = std::map<std::string, std::vector<MCCGImageMetadataPropertyReader>>;
 
   /// Mask bits of mergeImageMetadata.
   static constexpr uint64_t kMergeExif = 1;
+  /// Merge the GPS sub-dictionaries key by key.
   static constexpr uint64_t kMergeGPS = 2;
+  /// Merge the IPTC sub-dictionaries key by key.
   static constexpr uint64_t kMergeIPTC = 4;
 
   /// Holds `metadata`, which must not be null.
   explicit MCCGImageMetadataReader(std::shared_ptr<MCImageMetadata> metadata);
+  /// The XMP metadata read.
   const std::shared_ptr<MCImageMetadata>& metadata() const { return metadata_; }
 
   /// The five sub-dictionary keys with the rules that fill them, made anew at each call.
   static Scheme metadataScheme();
+  /// @name Key tables
+  //@{
+  /// The readers of each sub-dictionary's properties from XMP: property key, XMP path and how the
+  /// value converts.
   static std::vector<MCCGImageMetadataPropertyReader> imagePropertyExifKeys();
   static std::vector<MCCGImageMetadataPropertyReader> imagePropertyIPTCKeys();
   static std::vector<MCCGImageMetadataPropertyReader> imagePropertyGPSKeys();
   static std::vector<MCCGImageMetadataPropertyReader> imagePropertyTIFFKeys();
   static std::vector<MCCGImageMetadataPropertyReader> imagePropertyExifAuxKeys();
+  //@}
 
   /// The nested dictionary of a packet: all five sub-dictionaries, empty ones included, the GPS
   /// one normalised. An empty dictionary when the data is empty or not an XMP packet.
@@ -59,7 +68,9 @@ class MCCGImageMetadataReader {
                                          uint64_t options);
   /// Key by key, the XMP value wins; keys only the image has stay.
   static MCDictionary mergeImageEXIF(const MCDictionary& imageEXIF, const MCDictionary& xmpEXIF);
+  /// The same for GPS.
   static MCDictionary mergeImageGPS(const MCDictionary& imageGPS, const MCDictionary& xmpGPS);
+  /// The same for IPTC.
   static MCDictionary mergeImageIPTC(const MCDictionary& imageIPTC, const MCDictionary& xmpIPTC);
 
  private:

@@ -6,19 +6,28 @@
 #include <string>
 #include <vector>
 
+/// A signed rational as libexif stores it.
 struct exif_signed_rational {
+  /// The numerator.
   int32_t numerator;
+  /// The denominator.
   int32_t denominator;
 };
+/// An unsigned rational as libexif stores it.
 struct exif_unsigned_rational {
+  /// The numerator.
   uint32_t numerator;
+  /// The denominator.
   uint32_t denominator;
 };
 /// Numerator first, denominator second. Where it travels as one 64-bit word, the numerator is the
 /// low half and the denominator the high half.
 union exif_rational {
+  /// The signed reading.
   exif_signed_rational s;
+  /// The unsigned reading.
   exif_unsigned_rational u;
+  /// Both as one word.
   uint64_t word;
 };
 
@@ -30,6 +39,7 @@ class MCExifRational {
     if (value.u.denominator == 0) return std::nullopt;
     return MCExifRational(value);
   }
+  /// The rational numerator/denominator; none when the denominator is 0.
   static std::optional<MCExifRational> create(int32_t numerator, int32_t denominator) {
     exif_rational v;
     v.s = {numerator, denominator};
@@ -38,6 +48,7 @@ class MCExifRational {
   /// Scans "%d/%d"; none when the text does not scan or the denominator is 0.
   static std::optional<MCExifRational> createWithString(const std::string& text);
 
+  /// The value.
   const exif_rational& value() const { return value_; }
   /// Stores without a check.
   void setValue(exif_rational value) { value_ = value; }

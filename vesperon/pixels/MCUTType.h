@@ -18,6 +18,7 @@
 
 class MCUTType {
  public:
+  /// A shared, interned type.
   using Ref = std::shared_ptr<const MCUTType>;
 
   /// The process-wide container from identifier to type, created on first use, never emptied.
@@ -35,21 +36,31 @@ class MCUTType {
   /// The preferred filename extension of the identifier's type, or none.
   static std::optional<std::string> preferredExtensionForIdentifier(const std::optional<std::string>& identifier);
 
+  /// The type of `identifier`, its description and extensions looked up.
   explicit MCUTType(std::string identifier);
   MCUTType(const MCUTType&) = delete;
   MCUTType& operator=(const MCUTType&) = delete;
 
+  /// Whether some codec reads the type now.
   bool isAvailable() const { return available_.load(); }
+  /// Set by the codec manager as codecs come and go (any thread).
   void setIsAvailable(bool available) const { available_.store(available); }
+  /// The identifier ("public.jpeg").
   const std::string& typeIdentifier() const { return typeIdentifier_; }
+  /// What the type is called; none when unknown.
   const std::optional<std::string>& typeDescription() const { return typeDescription_; }
+  /// Its filename extensions, lower case, the preferred first.
   const std::vector<std::string>& filenameExtensions() const { return filenameExtensions_; }
+  /// The preferred filename extension; none when it has none.
   const std::optional<std::string>& preferredFilenameExtension() const { return preferredFilenameExtension_; }
 
+  /// Whether this type is `type` or conforms to it.
   bool comformsToType(const MCUTType& type) const;
+  /// Whether this type is the type of `identifier` or conforms to it.
   bool comformsToIdentifier(const std::string& identifier) const;
   /// The description (or the identifier), then " (jpeg, jpg, jpe)" when there are extensions.
   std::string description() const;
+  /// A hash of the identifier.
   std::size_t hash() const { return std::hash<std::string>{}(typeIdentifier_); }
 
   /// Same object, or identifiers that name the same type.

@@ -14,9 +14,13 @@
 
 class MCMenu {
  public:
+  /// An empty menu of `title`.
   explicit MCMenu(std::string title = {}) : title_(std::move(title)) {}
   /// A copy has the title and the items; it is not shown, so it is not tracking.
   MCMenu(const MCMenu& other) : title_(other.title_), items_(other.items_) {}
+  /// @name Copies
+  //@{
+  /// Menus copy (items and their views shared, tracking not) and move as values.
   MCMenu& operator=(const MCMenu& other) {
     title_ = other.title_;
     items_ = other.items_;
@@ -25,13 +29,20 @@ class MCMenu {
   }
   MCMenu(MCMenu&&) = default;
   MCMenu& operator=(MCMenu&&) = default;
+  //@}
 
+  /// The menu's title.
   const std::string& title() const { return title_; }
+  /// The items, in order.
   const std::vector<MCMenuItem>& items() const { return items_; }
+  /// How many items there are.
   std::size_t numberOfItems() const { return items_.size(); }
 
+  /// Appends an item.
   void addItem(MCMenuItem item) { items_.push_back(std::move(item)); }
+  /// Appends a separator.
   void addSeparator() { items_.push_back(MCMenuItem::separatorItem()); }
+  /// Removes every item.
   void removeAllItems() { items_.clear(); }
 
   /// Removes the first item with the tag; true when there was one.
@@ -46,6 +57,7 @@ class MCMenu {
 
   // For hosts. While a host shows the menu, `cancel` closes it; the host sets none when the menu
   // closes, however that happens.
+  /// Set by a host while it shows the menu (see above).
   void setTrackingCanceller(std::function<void()> cancel) { cancelTracking_ = std::move(cancel); }
   /// Gives each item's view (in submenus too) this menu as its enclosing menu, or none.
   void setEnclosingMenuOfItemViews(MCMenu* menu) const;

@@ -41,12 +41,19 @@
 template <typename T>
 class MCSmartTreeNode {
  public:
+  /// A shared node.
   using NodePtr = std::shared_ptr<MCSmartTreeNode>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
+  /// A list of items.
   using Items = std::vector<T>;
+  /// The rule type.
   using Rule = MCSmartTreeRule<T>;
+  /// A shared rule.
   using RulePtr = std::shared_ptr<Rule>;
+  /// A list of rules, one per level.
   using Rules = std::vector<RulePtr>;
+  /// How items are sorted within a node.
   using SortDescriptors = std::vector<MCSortDescriptor<T>>;
 
   /// A root without rules, items or children.
@@ -81,7 +88,9 @@ class MCSmartTreeNode {
 
   /// The rule of this node's group; null on a root.
   const RulePtr& rule() const { return rule_; }
+  /// The node's items.
   const Items& items() const { return items_; }
+  /// The child nodes.
   const Nodes& nodes() const { return nodes_; }
   /// Head of the chain for the next level down; null when no rules are left.
   const NodePtr& prototype() const { return prototype_; }
@@ -91,6 +100,7 @@ class MCSmartTreeNode {
     for (const MCSmartTreeNode* p = prototype_.get(); p; p = p->prototype_.get()) rules.push_back(p->rule_);
     return rules;
   }
+  /// Whether this is the root (it has no rule).
   bool isRoot() const { return rule_ == nullptr; }
 
   // --- Root operations
@@ -109,6 +119,7 @@ class MCSmartTreeNode {
     items_ = items;
     buildTree();
   }
+  /// New items, moved in, and the tree rebuilt.
   void setItems(Items&& items) {
     requireRoot("setItems");
     if (&items == &items_) return;

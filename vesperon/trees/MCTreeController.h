@@ -35,13 +35,21 @@
 template <typename T>
 class MCTreeController {
  public:
+  /// The node type.
   using Node = MCTreeNode<T>;
+  /// A shared node.
   using NodePtr = std::shared_ptr<Node>;
+  /// A list of items.
   using Items = std::vector<T>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
+  /// A set of items.
   using ItemSet = std::unordered_set<T>;
+  /// The builder that makes subtrees by rules.
   using Builder = MCTreeBuilder<T>;
+  /// A shared rule.
   using RulePtr = typename Builder::RulePtr;
+  /// The delegate type.
   using Delegate = MCTreeControllerDelegate<T>;
 
   /// `initWithBuilder:items:` — the root becomes the builder's tree of `items`.
@@ -50,10 +58,15 @@ class MCTreeController {
   MCTreeController(const MCTreeController&) = delete;
   MCTreeController& operator=(const MCTreeController&) = delete;
 
+  /// The root node.
   const NodePtr& root() const { return root_; }
+  /// Replaces the root node.
   void setRoot(NodePtr root) { root_ = std::move(root); }
+  /// The builder.
   const std::shared_ptr<Builder>& builder() const { return builder_; }
+  /// Replaces the builder.
   void setBuilder(std::shared_ptr<Builder> builder) { builder_ = std::move(builder); }
+  /// The delegate, held weakly; none when it is gone.
   std::shared_ptr<Delegate> delegate() const { return delegate_.lock(); }
   /// Held weakly: a delegate that has gone gets no calls, and updates go on without it.
   void setDelegate(const std::shared_ptr<Delegate>& delegate) { delegate_ = delegate; }
