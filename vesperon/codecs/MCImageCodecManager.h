@@ -28,13 +28,16 @@
 
 class MCImageCodecManager {
  public:
+  /// A registered codec.
   using Extension = std::shared_ptr<MCImageCodec>;
+  /// Codecs in order of preference.
   using ExtensionList = std::vector<Extension>;
 
   MCImageCodecManager() = default;
   MCImageCodecManager(const MCImageCodecManager&) = delete;
   MCImageCodecManager& operator=(const MCImageCodecManager&) = delete;
 
+  /// The shared manager; it registers the installed plug-ins on first use.
   static MCImageCodecManager& sharedInstance();
   /// The folder where the project installs its plug-ins, relative to the library.
   static std::filesystem::path builtInPlugInsURL();
@@ -56,19 +59,27 @@ class MCImageCodecManager {
   /// Moves the sources at `indexes` to `index` (counted before the move) and answers their new places.
   MCIndexSet movePlugInsOrderAtIndexes(const MCIndexSet& indexes, uint64_t index);
 
+  /// Every codec that reads, in order.
   const ExtensionList& allSourceExtensions() const { return sourceExtensions_; }
+  /// Every codec that writes, in order.
   const ExtensionList& allDestinationExtensions() const { return destinationExtensions_; }
   /// A copy of the type's list, or none.
   std::optional<ExtensionList> sourceExtensionsForUTI(const std::string& uti) const;
+  /// A copy of the type's list of writers, or none.
   std::optional<ExtensionList> destinationExtensionsForUTI(const std::string& uti) const;
   /// Appends, even when the extension is already there.
   void registerSourceExtension(const Extension& extension, const std::string& uti);
+  /// Appends a writer for the type.
   void registerDestinationExtension(const Extension& extension, const std::string& uti);
 
+  /// @name Types
+  //@{
+  /// The image and video types some codec reads or writes.
   const std::set<std::string>& sourceImageTypes() const { return sourceImageTypes_; }
   const std::set<std::string>& sourceVideoTypes() const { return sourceVideoTypes_; }
   const std::set<std::string>& destinationImageTypes() const { return destinationImageTypes_; }
   const std::set<std::string>& destinationVideoTypes() const { return destinationVideoTypes_; }
+  //@}
 
  private:
   std::set<std::string> sourceImageTypes_;

@@ -18,6 +18,10 @@ class MCViewController : public MCViewControllerBase {
   virtual std::string nibName() const;
   /// The base's, then viewControllerDidLoad once in the object's life.
   void viewDidLoad() override;
+  /// @name Life and state
+  //@{
+  /// What subclasses override: the name shown (in a back button), the steps of loading, appearing
+  /// and disappearing (nothing by default), and the state saved and restored as a dictionary.
   virtual std::string displayName() const { return ""; }
   virtual void viewControllerDidLoad() {}
   virtual void viewControllerWillAppear(bool) {}
@@ -26,9 +30,13 @@ class MCViewController : public MCViewControllerBase {
   virtual void viewControllerDidDisappear(bool) {}
   virtual MCDictionary stateRepresentation() const { return {}; }
   virtual void restoreStateFromRepresentation(const MCDictionary&) {}
+  //@}
 
+  /// The navigation controller whose stack holds this one; none otherwise.
   MCNavigationController* navigationController() const { return navigationController_; }
+  /// Set by the navigation controller.
   void setNavigationController(MCNavigationController* controller) { navigationController_ = controller; }
+  /// Whether viewControllerDidLoad ran.
   bool isLoaded() const { return loaded_; }
 
  private:

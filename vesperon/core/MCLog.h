@@ -17,22 +17,33 @@ class MCLogWriter;
 
 class MCLog {
  public:
+  /// A log of `subsystem` and `category` (the shared ones below are what the library uses).
   MCLog(std::string subsystem, std::string category);
 
+  /// @name Shared logs
+  //@{
+  /// The library's four logs.
   static const std::shared_ptr<MCLog>& sdkGeneric();
   static const std::shared_ptr<MCLog>& sdkFileSystem();
   static const std::shared_ptr<MCLog>& sdkGraphics();
   static const std::shared_ptr<MCLog>& sdkImageCache();
+  //@}
 
+  /// Whether everything goes to the application's log file instead of the system log.
   static bool writesToFile();
+  /// Sends everything to the log file, or back to the system log.
   static void setWritesToFile(bool on);
 
+  /// The subsystem the lines name.
   const std::string& subsystem() const { return subsystem_; }
+  /// The category the lines name.
   const std::string& category() const { return category_; }
 
   /// Finished messages, at debug, info and error level.
   void logDebug(const std::string& message) const;
+  /// A line at info level.
   void log(const std::string& message) const;
+  /// A line at error level.
   void logError(const std::string& message) const;
 
   /// Writes a finished message to the log file whatever `writesToFile` says.

@@ -20,21 +20,30 @@ class MCCGImageMetadataPropertyReader {
   static constexpr int64_t kElementTypeReal = 3;     ///< "n/d" as a rational, else "%lf"
   static constexpr int64_t kElementTypeDate = 4;     ///< Exif date text, from Exif or XMP form
 
+  /// A reader of `propertyName` of the sub-dictionary `dictionaryName`, converting as `type` says.
   MCCGImageMetadataPropertyReader(std::string dictionaryName, std::string propertyName, int64_t type)
       : dictionaryName_(std::move(dictionaryName)), propertyName_(std::move(propertyName)), type_(type) {}
 
+  /// The same as a value.
   static MCCGImageMetadataPropertyReader readerWithDictionaryName(std::string dictionaryName, std::string propertyName,
                                                                   int64_t type) {
     return MCCGImageMetadataPropertyReader(std::move(dictionaryName), std::move(propertyName), type);
   }
+  /// @name Readers by sub-dictionary
+  //@{
+  /// A reader of a property of the Exif, IPTC, GPS, TIFF or ExifAux sub-dictionary.
   static MCCGImageMetadataPropertyReader exifWithName(std::string name, int64_t type);
   static MCCGImageMetadataPropertyReader iptcWithName(std::string name, int64_t type);
   static MCCGImageMetadataPropertyReader gpsWithName(std::string name, int64_t type);
   static MCCGImageMetadataPropertyReader tiffWithName(std::string name, int64_t type);
   static MCCGImageMetadataPropertyReader exifAuxWithName(std::string name, int64_t type);
+  //@}
 
+  /// The sub-dictionary's key ("{Exif}").
   const std::string& dictionaryName() const { return dictionaryName_; }
+  /// The property's key.
   const std::string& propertyName() const { return propertyName_; }
+  /// How the XMP value converts (the reader's type code).
   int64_t type() const { return type_; }
 
   /// Finds the tag of this property (with a second try by path for FlashPixVersion,

@@ -61,6 +61,10 @@ class MCRasterImage {
   static std::shared_ptr<const MCRasterImage> createWithImageInRect(const std::shared_ptr<const MCRasterImage>& image,
                                                                     const MCRect& rect);
 
+  /// @name Layout
+  //@{
+  /// The image's size in pixels and its memory layout: component and pixel bits, bytes per row,
+  /// colour space and the platform's bitmap info bits (alpha and byte order).
   std::size_t width() const { return width_; }
   std::size_t height() const { return height_; }
   std::size_t bitsPerComponent() const { return bitsPerComponent_; }
@@ -68,6 +72,8 @@ class MCRasterImage {
   std::size_t bytesPerRow() const { return bytesPerRow_; }
   const std::shared_ptr<const MCColorSpace>& colorSpace() const { return colorSpace_; }
   uint32_t bitmapInfo() const { return bitmapInfo_; }
+  //@}
+  /// Where alpha lies and whether it is premultiplied.
   MCImageAlphaInfo alphaInfo() const { return MCImageAlphaInfo(bitmapInfo_ & MCBitmapAlphaInfoMask); }
   /// True for the alpha infos with a real alpha component (1 to 4 and 7).
   bool hasAlpha() const {
@@ -76,7 +82,9 @@ class MCRasterImage {
   }
   /// The model of the colour space; RGB for an image without one and more than two components.
   MCColorSpace::Model colorModel() const;
+  /// The pixels, row after row.
   const std::vector<uint8_t>& pixels() const { return pixels_; }
+  /// The first byte of row `y`.
   const uint8_t* row(std::size_t y) const { return pixels_.data() + y * bytesPerRow_; }
 
  private:

@@ -20,9 +20,12 @@ namespace MCPredicate {
 
 /// A constant on either side of a comparison.
 struct ExpressionConstant {
+  /// The value.
   MCValue value;
+  /// The text shown; none shows the value.
   std::optional<std::string> name;
 
+  /// The constant as a predicate expression.
   MCPredicateExpression predicateExpression() const { return MCPredicateExpression::constantValue(value); }
   /// The name, else the value's plain text.
   std::string localizedString() const;
@@ -30,9 +33,12 @@ struct ExpressionConstant {
 
 /// A key path into the compared object.
 struct ExpressionKeyPath {
+  /// The key path.
   std::string keyPath;
+  /// The text shown; none shows the key path.
   std::optional<std::string> name;
 
+  /// The key path as a predicate expression.
   MCPredicateExpression predicateExpression() const { return MCPredicateExpression::keyPathExpression(keyPath); }
   /// The name, else the key path.
   std::string localizedString() const { return name ? *name : keyPath; }
@@ -41,7 +47,9 @@ struct ExpressionKeyPath {
 /// A comparison operator, by the platform's number (any number, not only those of
 /// MCPredicateOperatorType).
 struct Operator {
+  /// The operator's number.
   int type = int(MCPredicateOperatorType::EqualTo);
+  /// The text shown; none shows the standard text.
   std::optional<std::string> name;
 
   /// The name, else the operator's standard text (see the header comment).
@@ -67,7 +75,9 @@ enum class AttributeType : unsigned {
 
 /// The kind of value an entry field takes, and its placeholder.
 struct ExpressionAttributeType {
+  /// The kind of value.
   AttributeType type = AttributeType::String;
+  /// The placeholder.
   std::optional<std::string> hint;
 
   /// The hint, else the empty text.

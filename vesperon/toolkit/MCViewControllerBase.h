@@ -17,22 +17,32 @@ class MCViewControllerBase : public MCResponder {
 
   /// The view, loaded on first use.
   const MCViewRef& view();
+  /// Sets the view (none unloads it).
   void setView(MCViewRef view);
+  /// Whether the controller has its view.
   bool isViewLoaded() const { return view_ != nullptr; }
   /// Makes the view; a plain view by default. Subclasses set it with setView.
   virtual void loadView();
   /// After the view was loaded.
   virtual void viewDidLoad();
 
+  /// The controller's title.
   const std::string& title() const { return title_; }
+  /// Sets the title.
   void setTitle(std::string title) { title_ = std::move(title); }
 
   // Children.
+  /// The children, in order.
   const std::vector<std::shared_ptr<MCViewControllerBase>>& childViewControllers() const { return children_; }
+  /// The parent; none at the top.
   MCViewControllerBase* parentViewController() const { return parent_; }
+  /// Appends a child (it leaves its old parent first).
   void addChildViewController(const std::shared_ptr<MCViewControllerBase>& child);
+  /// Inserts a child at `index`.
   void insertChildViewController(const std::shared_ptr<MCViewControllerBase>& child, std::size_t index);
+  /// Removes the child at `index`.
   void removeChildViewControllerAtIndex(std::size_t index);
+  /// Leaves the parent.
   void removeFromParentViewController();
 
   /// After the view is in a window's tree: the view's superview, so the controller sees what its

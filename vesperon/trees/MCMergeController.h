@@ -26,15 +26,24 @@
 template <typename Old, typename New = Old>
 class MCMergeController {
  public:
+  /// Hears an element only the old list has.
   using OldBlock = std::function<void(const Old& oldElement, uint64_t position)>;
+  /// Hears an element only the new list has.
   using NewBlock = std::function<void(const New& newElement, uint64_t position)>;
+  /// Hears an element both lists have.
   using EqualBlock = std::function<void(const Old& oldElement, const New& newElement, uint64_t position)>;
 
+  /// What hears old-only elements.
   const OldBlock& oldBlock() const { return oldBlock_; }
+  /// What hears new-only elements.
   const NewBlock& newBlock() const { return newBlock_; }
+  /// What hears elements in both.
   const EqualBlock& equalBlock() const { return equalBlock_; }
+  /// Sets what hears old-only elements.
   void setOldBlock(OldBlock block) { oldBlock_ = std::move(block); }
+  /// Sets what hears new-only elements.
   void setNewBlock(NewBlock block) { newBlock_ = std::move(block); }
+  /// Sets what hears elements in both.
   void setEqualBlock(EqualBlock block) { equalBlock_ = std::move(block); }
 
   /// Walks both lists and calls one block per element (per pair for equal ones).

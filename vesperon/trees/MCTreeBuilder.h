@@ -26,18 +26,28 @@
 template <typename T>
 class MCTreeBuilder {
  public:
+  /// The node type.
   using Node = MCTreeNode<T>;
+  /// A shared node.
   using NodePtr = std::shared_ptr<Node>;
+  /// A list of items.
   using Items = std::vector<T>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
+  /// The rule type.
   using Rule = MCTreeBuilderRule<T>;
+  /// A shared rule.
   using RulePtr = std::shared_ptr<Rule>;
+  /// The rules, one per level.
   using Rules = std::vector<RulePtr>;
 
+  /// A builder of these rules.
   explicit MCTreeBuilder(Rules rules = {}) : rules_(std::move(rules)) {}
   virtual ~MCTreeBuilder() = default;
 
+  /// The rules, one per level.
   const Rules& rules() const { return rules_; }
+  /// Replaces the rules.
   void setRules(Rules rules) { rules_ = std::move(rules); }
 
   /// `nodeClass`: makes the empty root. The base makes an MCTreeNode.
