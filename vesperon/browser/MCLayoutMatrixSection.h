@@ -22,13 +22,20 @@ class MCLayoutMatrixSection {
   /// Subtracts `count` from the items length. Stops at 0 instead of wrapping around.
   void decreaseBy(uint64_t count) { itemsRange_.length = count > itemsRange_.length ? 0 : itemsRange_.length - count; }
 
+  /// How many items the section holds.
   uint64_t size() const { return itemsRange_.length; }
 
+  /// The section's items.
   MCRange itemsRange() const { return itemsRange_; }
+  /// Set by the matrix.
   void setItemsRange(MCRange range) { itemsRange_ = range; }
+  /// The section's lines.
   MCRange linesRange() const { return linesRange_; }
+  /// Set by the matrix.
   void setLinesRange(MCRange range) { linesRange_ = range; }
+  /// The section's cells, gap cells included.
   MCRange cellsRange() const { return cellsRange_; }
+  /// Set by the matrix.
   void setCellsRange(MCRange range) { cellsRange_ = range; }
 
   friend bool operator==(const MCLayoutMatrixSection&, const MCLayoutMatrixSection&) = default;

@@ -11,6 +11,9 @@
 
 struct MCImageReadingOptions {
   std::optional<MCMetadataReadingOptions> metadataOptions;  ///< none by default
+  /// @name Camera raw
+  //@{
+  /// Camera raw settings, as MCRAWImageSourceOptions names them; 0 and false keep its defaults.
   int32_t rawDemosaic = 0;
   int32_t rawOutputColorSpace = 0;
   int32_t rawOutputColorDepth = 0;
@@ -19,6 +22,7 @@ struct MCImageReadingOptions {
   int32_t rawAutoWhiteBalance = 0;  ///< 1: the camera's white balance; 2: automatic; others: neither
   bool rawAutoBrightness = false;
   double rawAutoBrightnessThresholdInPercent = 0.0;
+  //@}
   double scaleFactor = 1.0;  ///< wanted scale of the decoded image
   /// The decode budget in pixels of what is decoded; 0: MCDefaultMaxDecodePixelCount (128 million).
   /// An application that opens larger images raises it; sources refuse, with a log line, beyond it.

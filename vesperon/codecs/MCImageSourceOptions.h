@@ -28,6 +28,9 @@ class MCImageSourceOptions {
     return MCImageSourceOptions(fileType);
   }
 
+  /// @name Copies
+  //@{
+  /// Options copy (the raw options with them) and move as values.
   MCImageSourceOptions(const MCImageSourceOptions& other)
       : minThumbnailPixelSize(other.minThumbnailPixelSize),
         maxThumbnailPixelSize(other.maxThumbnailPixelSize),
@@ -42,6 +45,7 @@ class MCImageSourceOptions {
   }
   MCImageSourceOptions(MCImageSourceOptions&&) = default;
   MCImageSourceOptions& operator=(MCImageSourceOptions&&) = default;
+  //@}
 
   /// The uniform type identifier of the file.
   const std::string& fileType() const { return fileType_; }
@@ -51,10 +55,14 @@ class MCImageSourceOptions {
     if (!rawOptions_) rawOptions_ = MCRAWImageSourceOptions{};
     return *rawOptions_;
   }
+  /// Sets the camera raw settings.
   void setRawOptions(const MCRAWImageSourceOptions& options) { rawOptions_ = options; }
 
+  /// The smallest embedded thumbnail taken, in pixels; 0 takes any.
   uint64_t minThumbnailPixelSize = 0;
+  /// The largest side of a thumbnail made; 0 for no limit.
   uint64_t maxThumbnailPixelSize = 0;
+  /// Whether the image is turned upright by its orientation.
   bool shouldAutoRotate = false;
   uint64_t subsampleFactor = 0;  ///< 1, 2, 4 or 8 when set by the reader
   /// The most pixels (width × height of what is decoded) a source may decode; 0: the default.

@@ -11,13 +11,19 @@ class MCTextFieldModel : public MCControlModel {
  public:
   /// The numbers a field with a formatter takes: within [minimum, maximum], fractions or not.
   struct NumberFormat {
+    /// The smallest number taken.
     double minimum = 0;
+    /// The largest number taken.
     double maximum = 0;
+    /// Whether fractions are taken.
     bool allowsFloats = true;
   };
 
+  /// The text in the field.
   std::string stringValue;
+  /// The grey text of an empty field.
   std::string placeholderString;
+  /// How the field reads numbers; none for plain text.
   std::optional<NumberFormat> numberFormat;
 
   /// Whether the field would take `text`: any text without a formatter; with one, a number in

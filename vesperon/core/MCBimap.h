@@ -19,22 +19,29 @@ class MCBimap {
  public:
   MCBimap() = default;
 
+  /// How many pairs there are.
   uint64_t count() const { return keyToValueMap_.size(); }
 
+  /// The object of `key`; none when absent.
   MCNullable<V> objectForKey(const K& key) const { return lookup(keyToValueMap_, key); }
+  /// The key of `object`; none when absent.
   MCNullable<K> keyForObject(const V& object) const { return lookup(valueToKeyMap_, object); }
 
   /// One result per key, `notFoundMarker` at each miss.
   std::vector<V> objectsForKeys(const std::vector<K>& keys, const V& notFoundMarker) const {
     return lookupMany(keyToValueMap_, keys, notFoundMarker);
   }
+  /// The key of each object, `notFoundMarker` for one that is absent.
   std::vector<K> keysForObjects(const std::vector<V>& objects, const K& notFoundMarker) const {
     return lookupMany(valueToKeyMap_, objects, notFoundMarker);
   }
 
+  /// Whether `key` is present.
   bool containsKey(const K& key) const { return keyToValueMap_.count(key) != 0; }
+  /// Whether `object` is present.
   bool containsObject(const V& object) const { return valueToKeyMap_.count(object) != 0; }
 
+  /// Maps `key` to `object` and `object` back to `key`, replacing what each mapped to before.
   void setObject(const V& object, const K& key) {
     keyToValueMap_.insert_or_assign(key, object);
     valueToKeyMap_.insert_or_assign(object, key);
@@ -79,6 +86,7 @@ class MCBimap {
     return found;
   }
 
+  /// Removes every pair.
   void removeAllObjects() {
     keyToValueMap_.clear();
     valueToKeyMap_.clear();

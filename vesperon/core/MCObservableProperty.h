@@ -20,15 +20,20 @@
 template <typename T>
 class MCObservableProperty {
  public:
+  /// The value type.
   using Value = T;
 
+  /// A property under `keyPath` of `owner`, holding `initial`.
   MCObservableProperty(MCObservableObject& owner, std::string keyPath, T initial = T())
       : owner_(owner), keyPath_(std::move(keyPath)), value_(std::move(initial)) {}
   MCObservableProperty(const MCObservableProperty&) = delete;
   MCObservableProperty& operator=(const MCObservableProperty&) = delete;
 
+  /// The key path observers name it by.
   const std::string& keyPath() const { return keyPath_; }
+  /// The value.
   const T& get() const { return value_; }
+  /// The value.
   operator const T&() const { return value_; }
 
   /// Stores `value`, then emits Setting(old, new).
@@ -36,6 +41,7 @@ class MCObservableProperty {
     T old = std::exchange(value_, std::move(value));
     owner_.didChange(keyPath_, MCKeyValueChange<T>(MCKeyValueChangeKind::Setting, std::move(old), value_));
   }
+  /// Sets the value (a setting change), as set().
   MCObservableProperty& operator=(T value) {
     set(std::move(value));
     return *this;

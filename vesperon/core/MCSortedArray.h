@@ -23,7 +23,9 @@
 template <typename T, typename Compare = std::function<int(const T&, const T&)>>
 class MCSortedArray {
  public:
+  /// The ordering.
   using Comparator = Compare;
+  /// Iterates in order.
   using const_iterator = typename std::vector<T>::const_iterator;
 
   /// `initWithComparator:`: none for a nil comparator.
@@ -38,8 +40,11 @@ class MCSortedArray {
       throw std::invalid_argument("*** MCSortedArray::initWithComparator: comparator must not be nil");
   }
 
+  /// How many objects there are.
   uint64_t count() const { return array_.size(); }
+  /// Whether there is none.
   bool empty() const { return array_.empty(); }
+  /// The ordering.
   const Comparator& comparator() const { return comparator_; }
   /// The sorted contents.
   const std::vector<T>& array() const { return array_; }
@@ -75,6 +80,7 @@ class MCSortedArray {
     std::erase_if(array_, [&](const T& element) { return isIdenticalObject(element, object); });
   }
 
+  /// Removes every object.
   void removeAllObjects() { array_.clear(); }
 
   /// The first comparator-equal index, or NSNotFound.
@@ -90,6 +96,7 @@ class MCSortedArray {
     if (index >= array_.size()) mc_detail::throwIndexOutOfRange("MCSortedArray::objectAtIndex", index, array_.size());
     return array_[index];
   }
+  /// The object at `index`, as objectAtIndex.
   const T& operator[](uint64_t index) const { return objectAtIndex(index); }
 
   /// Calls `body(object, index, stop)` in order until `stop` is set.
@@ -99,7 +106,9 @@ class MCSortedArray {
     for (uint64_t i = 0; i < array_.size() && !stop; ++i) body(array_[i], i, stop);
   }
 
+  /// The first object.
   const_iterator begin() const { return array_.begin(); }
+  /// Past the last object.
   const_iterator end() const { return array_.end(); }
 
  private:

@@ -16,6 +16,7 @@
 
 class MCTaggedTextParser {
  public:
+  /// The attributes of each tag.
   using StyleMap = std::map<std::string, MCTextAttributes>;
 
   /// h1: 17-point system font, paragraph spacing 16; h2: 13 points, spacing 16; li: 13 points,
@@ -23,16 +24,24 @@ class MCTaggedTextParser {
   static StyleMap defaultStyleMap();
 
   MCTaggedTextParser() : styleMap_(defaultStyleMap()) {}
+  /// A parser with these styles.
   explicit MCTaggedTextParser(StyleMap styleMap) : styleMap_(std::move(styleMap)) {}
 
+  /// The styles by tag.
   const StyleMap& styleMap() const { return styleMap_; }
+  /// The styled text of the file at `url`; empty when it cannot be read or parsed.
   MCAttributedString attributedStringFromURL(const std::filesystem::path& url);
+  /// The styled text of `document`; empty when it cannot be parsed.
   MCAttributedString attributedStringFromData(const std::string& document);
 
   // The parser's steps, as the XML parser calls them.
+  /// @name Parser steps
+  //@{
+  /// The parser's steps, called by the XML parser for each start tag, text and end tag.
   void didStartElement(const std::string& name);
   void foundCharacters(const std::string& text);
   void didEndElement(const std::string& name);
+  //@}
 
  private:
   MCAttributedString parse(const std::function<int(void* handler, void* self)>& run);

@@ -20,22 +20,22 @@ union exif_four_bytes_value {
   struct {
     uint8_t value;
     uint8_t filler[3];
-  } UByte;
+  } UByte;  ///< An unsigned byte.
   struct {
     int8_t value;
     uint8_t filler[3];
-  } SByte;
+  } SByte;  ///< A signed byte.
   struct {
     uint16_t value;
     uint8_t filler[2];
-  } UShort;
+  } UShort;  ///< An unsigned 16-bit number.
   struct {
     int16_t value;
     uint8_t filler[2];
-  } SShort;
-  uint32_t ULong;
-  int32_t SLong;
-  float SFloat;
+  } SShort;  ///< A signed 16-bit number.
+  uint32_t ULong;  ///< An unsigned 32-bit number.
+  int32_t SLong;  ///< A signed 32-bit number.
+  float SFloat;  ///< A single-precision float.
 };
 
 class MCExifEncoder {

@@ -37,20 +37,26 @@ class MCImageCache {
   /// The process-wide cache, made on first use.
   static const std::shared_ptr<MCImageCache>& thumbnailsCache();
 
+  /// Whether the cache's root can be used.
   bool cacheExists() const { return true; }
+  /// The cache's folder.
   const std::filesystem::path& root() const { return root_; }
   /// The pixel sizes that have a container, ascending.
   std::vector<int64_t> pixelSizes() const;
 
   /// Whether any container holds a file for `id`.
+  /// Whether the image of `id` at `pixelSize` is stored.
   bool containsImageWithIdentifier(int64_t id);
   bool containsImageWithIdentifier(int64_t id, int64_t pixelSize);
   /// An image of `id` from any container of at least `minPixelSize` (the first found in ascending
   /// order of size, so the smallest that decodes); none when no such file decodes.
   MCRasterImageRef imageWithIdentifierMinPixelSize(int64_t id, int64_t minPixelSize);
+  /// The image of `id` at `pixelSize`; none when not stored or unreadable.
   MCRasterImageRef imageWithIdentifier(int64_t id, int64_t pixelSize);
+  /// Stores `image` as `id` at `pixelSize` (written to a temporary name, then renamed).
   void addImage(const MCRasterImageRef& image, int64_t id, int64_t pixelSize);
   /// Removes the file of `id` from every container; those without it log their failure.
+  /// Removes the image of `id` at `pixelSize`.
   void removeImageWithIdentifier(int64_t id);
   void removeImageWithIdentifier(int64_t id, int64_t pixelSize);
   /// Deletes every container's folder; the containers stay and work again at the next save.

@@ -18,8 +18,10 @@
 
 class MCResourceCache : public std::enable_shared_from_this<MCResourceCache> {
  public:
+  /// What resources are cached under.
   using Key = MCAnyHashable;
 
+  /// A cache that keeps `capacity` resources.
   static std::shared_ptr<MCResourceCache> create(uint64_t capacity) {
     return std::shared_ptr<MCResourceCache>(new MCResourceCache(capacity));
   }
@@ -28,6 +30,8 @@ class MCResourceCache : public std::enable_shared_from_this<MCResourceCache> {
 
   /// The cached resource or none, without a load. A hit makes the entry young, as any look-up does.
   std::shared_ptr<MCResource> resourceForKey(const Key& key);
+  /// The resource of `key` from the cache, or loaded from `descriptor`; the completion gets it on
+  /// the main queue.
   void fetchResourceForKey(const Key& key, std::shared_ptr<const MCResourceDescriptor> descriptor,
                            std::shared_ptr<const MCResourceLoadOptions> options, MCResourceCompletion completion);
   /// Empties the cache, then cancels every queued load.
@@ -36,9 +40,12 @@ class MCResourceCache : public std::enable_shared_from_this<MCResourceCache> {
   void invalidateResourceForKey(const Key& key);
   /// Cancels queued loads; what is cached stays.
   void cancelFetchingResourceForKey(const Key& key);
+  /// Cancels the loads of these keys.
   void cancelFetchingResourcesForKeys(const std::vector<Key>& keys);
 
+  /// The cache itself.
   MCCache<Key, std::shared_ptr<MCResource>>& cache() { return cache_; }
+  /// The private loader.
   MCResourceLoader& loader() { return loader_; }
 
  private:

@@ -26,28 +26,36 @@ class MCThumbnailCache : public std::enable_shared_from_this<MCThumbnailCache> {
  public:
   /// Options with the size and `createThumbnailFromImageAlways` false, and capacity 2048.
   static std::shared_ptr<MCThumbnailCache> cacheWithThumbnailSize(int64_t size);
+  /// A cache that loads with the shared `options` and keeps `capacity` thumbnails.
   static std::shared_ptr<MCThumbnailCache> create(std::shared_ptr<MCThumbnailLoadOptions> options, uint64_t capacity);
   MCThumbnailCache(const MCThumbnailCache&) = delete;
   MCThumbnailCache& operator=(const MCThumbnailCache&) = delete;
 
+  /// The delegate, held weakly.
   std::shared_ptr<MCThumbnailCacheDelegate> delegate() const { return delegate_.lock(); }
   /// Held weakly.
   void setDelegate(const std::shared_ptr<MCThumbnailCacheDelegate>& delegate) { delegate_ = delegate; }
+  /// The load options, shared with the requests.
   const std::shared_ptr<MCThumbnailLoadOptions>& options() const { return options_; }
 
+  /// The largest side of the thumbnails loaded, in pixels.
   int64_t thumbnailSize() const { return int64_t(options_->thumbnailMaxPixelSize()); }
+  /// Sets the size of the thumbnails loaded from now on (0 or less: no limit).
   void setThumbnailSize(int64_t size) { options_->setThumbnailMaxPixelSize(size > 0 ? uint64_t(size) : 0); }
 
   /// Forgets pending index paths and thumbnails, then empties the resource cache and cancels its loads.
   void invalidate();
   /// The thumbnail held for the provider's item, or none; starts no load.
   std::shared_ptr<const MCThumbnail> thumbnailForDescriptorProvider(const MCThumbnailDescriptorProvider& provider);
+  /// Asks for the thumbnails of these items at the present size; each arrives through the delegate.
   void fetchThumbnailsAtIndexPaths(const std::vector<MCIndexPath>& indexPaths);
+  /// Forgets these requests; their answers are dropped.
   void cancelFetchingForThumbnailsAtIndexPaths(const std::vector<MCIndexPath>& indexPaths);
   /// The arrival step: stores and delivers `resource` if `indexPath` still waits for `key`.
   void processReceivedResource(const std::shared_ptr<MCResource>& resource, const MCThumbnailCacheKey& key,
                                const MCIndexPath& indexPath);
 
+  /// The cache of loaded thumbnails behind this one.
   MCResourceCache& resourceCache() { return *resourceCache_; }
   /// Index paths fetched and not yet answered or cancelled.
   std::size_t pendingCount() const { return indexPathToKeyMap_.size(); }

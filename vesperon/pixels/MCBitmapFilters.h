@@ -35,12 +35,17 @@
 
 #include <cstdint>
 
+/// @name Filters
+//@{
+/// The filters above on one-channel (1C) and four-channel (4C) 8-bit bitmaps of `size`, from
+/// `source` to `destination`; false for no buffer, an empty size or (blur) an even kernel.
 bool MCBitmapBlur_1C_8(const uint8_t* source, uint8_t* destination, uint32_t kernel, MCSize size);
 bool MCBitmapBlur_4C_8(const uint8_t* source, uint8_t* destination, uint32_t kernel, MCSize size);
 bool MCBitmapContrast_1C_8(const uint8_t* source, uint8_t* destination, MCSize size);
 bool MCBitmapContrast_4C_8(const uint8_t* source, uint8_t* destination, MCSize size);
 bool MCBitmapEqualize_1C_8(const uint8_t* source, uint8_t* destination, MCSize size);
 bool MCBitmapEqualize_4C_8(const uint8_t* source, uint8_t* destination, MCSize size);
+//@}
 /// Drops the first byte of each 4-byte pixel.
 bool MCBitmapConvert_ARGB8_to_RGB8(const uint8_t* source, uint8_t* destination, MCSize size);
 /// Drops the last byte of each 4-byte pixel.

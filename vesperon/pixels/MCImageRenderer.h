@@ -18,6 +18,7 @@
 
 class MCImageRenderer {
  public:
+  /// Draws into the context within `bounds`; false fails the image.
   using DrawingBlock = std::function<bool(MCGraphicsContext& context, const MCRect& bounds)>;
 
   /// A renderer with bitmap info 6 (no alpha, skip first) in the screen's colour space, which
@@ -28,10 +29,15 @@ class MCImageRenderer {
   static std::shared_ptr<MCImageRenderer> create(MCSize size, double scale,
                                                  std::shared_ptr<MCImageRendererFormat> format);
 
+  /// The image's size in points.
   MCSize size() const { return size_; }
+  /// Pixels per point.
   double scale() const { return scale_; }
+  /// The pixel format.
   const std::shared_ptr<MCImageRendererFormat>& format() const { return format_; }
+  /// The context drawn into.
   MCGraphicsContext& context() const { return *context_; }
+  /// The bounds of the context in points.
   MCRect contextBounds() const { return contextBounds_; }
 
   /// Calls `block` with the context and contextBounds; none when it gives false (what it drew

@@ -22,12 +22,17 @@
 
 class MCColorSpace {
  public:
+  /// The colour model.
   enum class Model { Gray, RGB, CMYK };
 
+  /// @name Shared spaces
+  //@{
+  /// The shared spaces, one object each, compared by identity.
   static std::shared_ptr<const MCColorSpace> sRGB();
   static std::shared_ptr<const MCColorSpace> linearSRGB();
   static std::shared_ptr<const MCColorSpace> genericGrayGamma2_2();
   static std::shared_ptr<const MCColorSpace> linearGray();
+  //@}
 
   /// A space described by an ICC profile, its model read from the profile; none when the bytes
   /// are empty, are not a profile Little CMS can open, or describe neither gray, RGB nor CMYK.
@@ -43,7 +48,9 @@ class MCColorSpace {
   MCColorSpace(const MCColorSpace&) = delete;
   MCColorSpace& operator=(const MCColorSpace&) = delete;
 
+  /// The space's name.
   const std::string& name() const { return name_; }
+  /// The colour model.
   Model model() const { return model_; }
   /// Colour components per pixel without alpha: 1, 3 or 4.
   int numberOfComponents() const { return model_ == Model::Gray ? 1 : model_ == Model::RGB ? 3 : 4; }

@@ -14,6 +14,7 @@
 
 class MCDispatchQueue {
  public:
+  /// One task at a time, or many.
   enum class Kind { Serial, Concurrent };
 
   /// `width` 0 means the number of cores; a serial queue always has width 1.
@@ -22,12 +23,16 @@ class MCDispatchQueue {
   MCDispatchQueue(const MCDispatchQueue&) = delete;
   MCDispatchQueue& operator=(const MCDispatchQueue&) = delete;
 
+  /// The queue's name.
   const std::string& label() const;
 
+  /// Queues `work` and returns.
   void async(std::function<void()> work);
   /// Queues and waits. Must not be called from an item of the same serial queue.
   void sync(const std::function<void()>& work);
+  /// Queues `work` to run alone, after what is queued before it, and returns.
   void barrierAsync(std::function<void()> work);
+  /// Queues `work` to run alone and waits for it.
   void barrierSync(const std::function<void()>& work);
 
  private:

@@ -14,17 +14,25 @@
 #include <cstdint>
 #include <memory>
 
+/// How pixels lie in memory: colour model, bits and the platform's bitmap info bits.
 struct MCPixelLayout {
+  /// The colour model.
   MCColorSpace::Model model = MCColorSpace::Model::RGB;
+  /// Bits per component.
   std::size_t bitsPerComponent = 8;
+  /// Bits per pixel.
   std::size_t bitsPerPixel = 32;
+  /// Alpha placement and byte order.
   uint32_t bitmapInfo = 0;
 
   /// The layout's Little CMS pixel format, or 0 when it has none (alpha only, bits per pixel that
   /// do not match the components, 16-bit with a 32-bit byte order, CMYK with alpha).
   uint32_t littleCMSFormat() const;
+  /// Whether a component holds alpha.
   bool hasAlpha() const;
+  /// Whether a component is padding or alpha beside the colour.
   bool hasExtraComponent() const;
+  /// Bytes per pixel.
   std::size_t bytesPerPixel() const { return bitsPerPixel / 8; }
 };
 

@@ -17,6 +17,7 @@
 
 class MCRegularFile {
  public:
+  /// What became of a read.
   enum class Status {
     Read,        ///< `bytes` holds the whole file
     Missing,     ///< nothing at the path (nor at the end of its links)
@@ -25,11 +26,15 @@ class MCRegularFile {
     Failed,      ///< present but not readable (permissions, I/O error)
   };
 
+  /// A read's outcome.
   struct Result {
+    /// What happened.
     Status status = Status::Failed;
+    /// The file's bytes, when read.
     MCData bytes;
     /// Why the file was not read, for a message that names it ("is a FIFO", "is larger than …"); empty when read.
     std::string reason;
+    /// Whether the file was read.
     explicit operator bool() const { return status == Status::Read; }
   };
 

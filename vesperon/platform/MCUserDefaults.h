@@ -22,11 +22,13 @@
 
 class MCUserDefaults {
  public:
+  /// Settings kept in the JSON file at `fileURL`, read now.
   explicit MCUserDefaults(std::filesystem::path fileURL);
 
   /// "settings.json" in the application's own folder of $XDG_CONFIG_HOME.
   static std::filesystem::path defaultFileURL();
 
+  /// The settings file.
   const std::filesystem::path& fileURL() const { return fileURL_; }
 
   /// A file that was there but could not be used as settings, as the last read found it.
@@ -35,16 +37,21 @@ class MCUserDefaults {
     std::filesystem::path movedTo;   ///< where it went; empty when it could not be moved
   };
 
+  /// The largest settings file read.
   static constexpr std::size_t kMaxFileSize = 1024 * 1024;
+  /// The deepest nesting read.
   static constexpr int kMaxNestingDepth = 256;
 
+  /// Every setting.
   MCDictionary dictionaryRepresentation() const;
   /// Whether the last read of this store set the file aside, and why. Reads of other objects over
   /// the same file are not told.
   const std::optional<SetAside>& setAside() const { return setAside_; }
+  /// The setting of `key`; none when unset.
   std::optional<MCValue> objectForKey(const std::string& key) const;
   /// Writes the value under the key; false, logged, when the file cannot be written.
   bool setObject(const MCValue& value, const std::string& key);
+  /// Removes the setting and writes the file; false when the file cannot be written.
   bool removeObjectForKey(const std::string& key);
 
  private:

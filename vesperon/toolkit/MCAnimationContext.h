@@ -23,18 +23,25 @@ class MCTimer;
 
 class MCAnimationContext {
  public:
+  /// Makes the changes of a group.
   using Changes = std::function<void(MCAnimationContext& context)>;
+  /// Runs `changes` animated over the group's duration; `completionHandler` after the last frame.
   static void runAnimationGroup(const Changes& changes, std::function<void()> completionHandler = {});
   /// The context of the group whose changes are being set up, or none outside `runAnimationGroup`.
   static MCAnimationContext* currentContext();
 
+  /// The duration of a group unless set, in seconds.
   static constexpr double kDefaultDuration = 0.25;
+  /// The group's duration in seconds.
   double duration() const { return duration_; }
+  /// Sets the duration (negative is 0: the change is immediate).
   void setDuration(double seconds) { duration_ = seconds > 0 ? seconds : 0; }
 
   /// Calls `step` with the progress on every frame of the group.
   void animate(std::function<void(double progress)> step);
+  /// Moves the view to `frame` over the duration.
   void animateFrame(const std::shared_ptr<MCView>& view, const MCRect& frame);
+  /// Fades the view to `alpha` over the duration.
   void animateAlphaValue(const std::shared_ptr<MCView>& view, double alpha);
 
   /// The ease-in-ease-out curve the frames follow.

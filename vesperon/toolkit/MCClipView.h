@@ -12,10 +12,13 @@
 
 class MCClipView : public MCView {
  public:
+  /// A clip view of `frame` with no document.
   explicit MCClipView(MCRect frame = {});
   ~MCClipView() override;
 
+  /// The view scrolled; none until set.
   const MCViewRef& documentView() const { return documentView_; }
+  /// Puts `view` at the top left (it leaves its old superview first).
   void setDocumentView(const MCViewRef& view);
 
   bool isFlipped() const override { return documentView_ ? documentView_->isFlipped() : false; }
@@ -36,9 +39,13 @@ class MCClipView : public MCView {
   /// Scrolls toward a pointer outside the clip view; true when it scrolled.
   bool autoscroll(const MCEvent& event) override;
 
+  /// What shows where the document does not reach.
   MCColor backgroundColor() const { return backgroundColor_; }
+  /// Sets the background colour and redraws.
   void setBackgroundColor(const MCColor& color) { backgroundColor_ = color; setNeedsDisplay(true); }
+  /// Whether the background is drawn.
   bool drawsBackground() const { return drawsBackground_; }
+  /// Sets whether the background is drawn.
   void setDrawsBackground(bool flag) { drawsBackground_ = flag; setNeedsDisplay(true); }
   void drawRect(const MCRect& dirtyRect) override;
   bool isOpaque() const override { return drawsBackground_ && backgroundColor_.alphaComponent() >= 1; }

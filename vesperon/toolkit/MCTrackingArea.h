@@ -29,13 +29,18 @@ class MCTrackingArea {
   MCTrackingArea(MCRect rect, uint64_t options, MCResponder* owner, long userData = 0)
       : rect_(rect), options_(options), owner_(owner), userData_(userData), inside_(options & MCTrackingAssumeInside) {}
 
+  /// The area, in the owner view's coordinates.
   MCRect rect() const { return rect_; }
+  /// What the area reports (the platform's option bits).
   uint64_t options() const { return options_; }
+  /// Who hears the events.
   MCResponder* owner() const { return owner_; }
+  /// A number for the owner's own use.
   long userData() const { return userData_; }
 
   /// Whether the window last saw the pointer inside; the window keeps it.
   bool isInside() const { return inside_; }
+  /// Set by the window as the pointer enters and leaves.
   void setInside(bool inside) { inside_ = inside; }
 
  private:
