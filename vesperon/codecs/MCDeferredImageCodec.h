@@ -19,9 +19,12 @@
 
 class MCDeferredImageCodec final : public MCImageCodec {
  public:
+  /// A stand-in for the plug-in at `plugInURL`, known from `manifest` until first used.
   MCDeferredImageCodec(std::filesystem::path plugInURL, MCImageCodecManifest manifest);
 
+  /// The plug-in module.
   const std::filesystem::path& plugInURL() const { return plugInURL_; }
+  /// What the manifest says.
   const MCImageCodecManifest& manifest() const { return manifest_; }
   /// Whether the module has been opened (successfully or not).
   bool isLoaded() const { return loaded_.load(std::memory_order_acquire); }

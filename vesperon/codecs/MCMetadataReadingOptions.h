@@ -5,6 +5,7 @@
 #include <cstdint>
 
 struct MCMetadataReadingOptions {
+  /// How XMP is read and merged (MCCGImageMetadataReader merge bits).
   uint64_t xmpOptions = 0;
   friend bool operator==(const MCMetadataReadingOptions&, const MCMetadataReadingOptions&) = default;
 };

@@ -3,6 +3,7 @@
 // keys (pixel size, orientation, {Exif} capture date, {GPS} location): a "{Movie}" sub-dictionary.
 // The platform's image properties have no such group; these keys are the library's own.
 
+/// The key of the "{Movie}" sub-dictionary.
 inline constexpr const char* kMCImagePropertyMovieDictionary = "{Movie}";
 /// The clip's length in seconds (a real number).
 inline constexpr const char* kMCImagePropertyMovieDuration = "Duration";

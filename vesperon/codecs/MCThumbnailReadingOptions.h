@@ -8,6 +8,7 @@
 #include <optional>
 
 struct MCThumbnailReadingOptions {
+  /// Whether and how metadata is read with the thumbnail; none reads none.
   std::optional<MCMetadataReadingOptions> metadataReadingOptions;
   /// Make the thumbnail from the full image even if the file holds one.
   bool createThumbnailFromImageAlways = false;

@@ -17,6 +17,7 @@ class MCColorLabelMapper {
   MCColorLabelMapper() = delete;
   /// 0 for any number outside 0 to 7.
   static long colorLabelFromURLResource(long resourceLabel);
+  /// The file manager's label number of a colour label.
   static long urlResourceLabelFromColorLabel(long colorLabel);
 
   /// "Red" … "Gray" for 1 … 7; none otherwise.
@@ -29,5 +30,6 @@ class MCColorLabelMapper {
   /// Writes (or, for 0, removes) the label in the sidecar, creating it when needed; false when
   /// the sidecar cannot be read or written.
   static bool setLabelOfFile(const std::filesystem::path& file, long label);
+  /// The XMP sidecar beside `file`.
   static std::filesystem::path sidecarOfFile(const std::filesystem::path& file);
 };

@@ -11,9 +11,13 @@ class MCControlModel {
  public:
   virtual ~MCControlModel() = default;
 
+  /// Whether the control is hidden.
   bool isHidden() const { return hidden_; }
+  /// Hides or shows the control.
   void setHidden(bool hidden) { hidden_ = hidden; }
+  /// A number for the program's own use.
   long tag() const { return tag_; }
+  /// Sets the tag.
   void setTag(long tag) { tag_ = tag; }
 
   /// Called with the control by `sendAction`; none by default.

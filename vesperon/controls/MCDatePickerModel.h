@@ -10,6 +10,7 @@ class MCDatePickerModel : public MCControlModel {
  public:
   MCDatePickerModel() : dateValue(double(std::time(nullptr))) {}
 
+  /// The date, in seconds since 1970.
   double dateValue;
   /// What a user's choice does: stores the date and sends the action.
   void chooseDate(double date) {

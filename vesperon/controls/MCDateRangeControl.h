@@ -16,6 +16,7 @@
 
 class MCDateRangeControl : public MCControlModel {
  public:
+  /// Which parts show: none, one date, or a number and a unit.
   enum class ControlType { empty = 0, datePicker = 1, dateRange = 2 };
 
   /// Units of the number, by tag.
@@ -26,6 +27,7 @@ class MCDateRangeControl : public MCControlModel {
   MCDateRangeControl(const MCDateRangeControl&) = delete;
   MCDateRangeControl& operator=(const MCDateRangeControl&) = delete;
 
+  /// Which parts show.
   ControlType controlType() const { return controlType_; }
   /// Shows the parts of the type and hides the others.
   void setControlType(ControlType type) {

@@ -15,11 +15,15 @@
 
 class MCHistogramView : public MCView {
  public:
+  /// 256 bins of one channel.
   using Histogram = std::vector<float>;  // 256 bins
+  /// A closed polygon in the unit square.
   using Path = std::vector<MCPoint>;     // a closed polygon in the unit square
 
+  /// An empty histogram view of `frame`.
   explicit MCHistogramView(MCRect frame = {}) : MCView(frame) {}
 
+  /// The image whose histogram shows.
   const MCRasterImageRef& image() const { return image_; }
   /// A new image drops the histograms and curves and marks for display; the same one does nothing.
   void setImage(MCRasterImageRef image);
@@ -29,6 +33,7 @@ class MCHistogramView : public MCView {
   const std::optional<std::vector<Histogram>>& histograms();
   /// The curves, built on first use under a lock; empty when every bin looked at is 0.
   std::vector<Path> histogramPaths();
+  /// Works out the channels' polygons from the image again, and redraws.
   void reloadHistogramPaths();
   /// The largest bin over all channels, bins 1 to 254; 0 without histograms.
   float peak();

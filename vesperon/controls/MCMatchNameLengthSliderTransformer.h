@@ -7,6 +7,7 @@
 
 class MCMatchNameLengthSliderTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCMatchNameLengthSliderTransformer& sharedInstance();
   /// The values, from position 0 upward, made once.
   static const std::vector<double>& possibleValues();

@@ -5,6 +5,7 @@
 
 class MCMatchNameLengthStringTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCMatchNameLengthStringTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return false; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

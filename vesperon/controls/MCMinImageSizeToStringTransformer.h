@@ -7,6 +7,7 @@
 
 class MCMinImageSizeToStringTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCMinImageSizeToStringTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return false; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

@@ -5,6 +5,7 @@
 
 class MCNullAvoidNumberTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCNullAvoidNumberTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return true; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

@@ -5,6 +5,7 @@
 
 class MCRequiredQualitySliderTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCRequiredQualitySliderTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return true; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

@@ -5,6 +5,7 @@
 
 class MCRequiredQualityStringTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCRequiredQualityStringTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return false; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

@@ -7,6 +7,7 @@
 
 class MCRequiredTimeIntervalSliderTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCRequiredTimeIntervalSliderTransformer& sharedInstance();
   /// The values, from position 0 upward, made once.
   static const std::vector<double>& possibleValues();

@@ -5,6 +5,7 @@
 
 class MCRequiredTimeIntervalStringTransformer : public MCValueTransformer {
  public:
+  /// The shared transformer.
   static const MCRequiredTimeIntervalStringTransformer& sharedInstance();
   bool allowsReverseTransformation() const override { return false; }
   std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const override;

@@ -10,8 +10,11 @@
 class MCValueTransformer {
  public:
   virtual ~MCValueTransformer() = default;
+  /// Whether reverseTransformedValue works; not by default.
   virtual bool allowsReverseTransformation() const { return false; }
+  /// The value as the control shows it; none for none or an unusable value.
   virtual std::optional<MCValue> transformedValue(const std::optional<MCValue>& value) const = 0;
+  /// The model's value for what the control shows; none by default.
   virtual std::optional<MCValue> reverseTransformedValue(const std::optional<MCValue>& value) const {
     return transformedValue(value);
   }

@@ -13,13 +13,16 @@
 
 class MCActivityAssertion {
  public:
+  /// Keeps the display awake.
   static constexpr uint64_t MCActivityOptionDisplaySleepDisabled = 2;
+  /// Keeps the system awake.
   static constexpr uint64_t MCActivityOptionSystemSleepDisabled = 4;
 
   /// None when the platform gave no token (for example, no system bus).
   static std::shared_ptr<MCActivityAssertion> beginActivityWithReason(const std::string& reason, uint64_t options);
   /// The same with options word 4.
   static std::shared_ptr<MCActivityAssertion> beginActivityWithReason(const std::string& reason);
+  /// Ends the activity (none does nothing).
   static void endActivity(const std::shared_ptr<MCActivityAssertion>& assertion);
 
   /// The platform's options value for an options word: 0xEFFFFF, 0xFFFFFF, 0x10000EFFFFF or 0x10000FFFFFF.

@@ -20,12 +20,17 @@ class MCAnyHashable {
   template <typename T, typename D = std::decay_t<T>,
             typename = std::enable_if_t<!std::is_same_v<D, MCAnyHashable> && !std::is_same_v<D, const char*> &&
                                         !std::is_same_v<D, char*>>>
+  /// Wraps `value` (any type with std::hash and ==).
   MCAnyHashable(T&& value) : box_(std::make_shared<Box<D>>(std::forward<T>(value))) {}
 
+  /// Wraps `text` as a std::string.
   MCAnyHashable(const char* text) : MCAnyHashable(std::string(text)) {}
 
+  /// Whether nothing is wrapped.
   bool empty() const { return box_ == nullptr; }
+  /// The wrapped value's hash; 0 when empty.
   std::size_t hash() const { return box_ ? box_->hash() : 0; }
+  /// The wrapped type; void when empty.
   const std::type_info& type() const { return box_ ? box_->type() : typeid(void); }
 
   /// The held value when it is a T, else nullptr.

@@ -60,6 +60,7 @@ MCIndexSet insertionIndexesForObjects(const std::vector<T>& array, const std::ve
   }
   return result;
 }
+/// The same, ordered by sort descriptors.
 template <typename T>
 MCIndexSet insertionIndexesForObjects(const std::vector<T>& array, const std::vector<T>& objects,
                                       const std::vector<MCSortDescriptor<T>>& sortDescriptors) {
@@ -87,6 +88,7 @@ MCIndexSet indexesOfSortedObjects(const std::vector<T>& array, const std::vector
   }
   return result;
 }
+/// The same, ordered by sort descriptors.
 template <typename T>
 MCIndexSet indexesOfSortedObjects(const std::vector<T>& array, const std::vector<T>& objects,
                                   const std::vector<MCSortDescriptor<T>>& sortDescriptors) {
@@ -174,10 +176,12 @@ std::vector<T> arrayByInsertingUniqueObjects(const std::vector<T>& array, const 
   return result;
 }
 
+/// The array without its first element (empty stays empty).
 template <typename T>
 std::vector<T> arrayByRemovingFirstObject(const std::vector<T>& array) {
   return array.empty() ? array : std::vector<T>(array.begin() + 1, array.end());
 }
+/// The array without its last element (empty stays empty).
 template <typename T>
 std::vector<T> arrayByRemovingLastObject(const std::vector<T>& array) {
   return array.empty() ? array : std::vector<T>(array.begin(), array.end() - 1);

@@ -11,6 +11,7 @@
 #include <optional>
 #include <span>
 
+/// A view of bytes.
 using MCByteSpan = std::span<const uint8_t>;
 
 /// `compareToData:` of a receiver that is not nil: -1, 0 or 1.

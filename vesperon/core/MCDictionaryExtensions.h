@@ -28,6 +28,9 @@ std::vector<MCValue> objectsForKeys(const MCDictionary& dictionary, const std::v
 /// The value under `key` when it is of that kind (booleans, integers and doubles are numbers);
 /// otherwise nullptr.
 const MCValue* safeNumberForKey(const MCDictionary& dictionary, const std::string& key);
+/// The text under `key`; none when absent or not text.
 const std::string* safeStringForKey(const MCDictionary& dictionary, const std::string& key);
+/// The array under `key`; none when absent or not an array.
 const MCArray* safeArrayForKey(const MCDictionary& dictionary, const std::string& key);
+/// The dictionary under `key`; none when absent or not a dictionary.
 const MCDictionary* safeDictionaryForKey(const MCDictionary& dictionary, const std::string& key);

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+/// Options of the enumerations that take them.
 enum MCEnumerationOptions : uint64_t {
   /// A hint that the calls may run at the same time. The library's containers honour the order
   /// instead: one thread at a time owns a container, so their enumerations run serially.

@@ -16,8 +16,11 @@ class MCFastData {
   MCFastData(const MCFastData&) = delete;
   MCFastData& operator=(const MCFastData&) = delete;
 
+  /// The bytes.
   uint8_t* bytes() { return bytes_; }
+  /// The bytes.
   const uint8_t* bytes() const { return bytes_; }
+  /// How many bytes there are.
   std::size_t length() const { return length_; }
 
   /// Keeps the allocation when the length stays, else reallocates; copies `bytes` when given,
@@ -26,6 +29,7 @@ class MCFastData {
 
   /// Equal lengths and equal bytes.
   bool isEqualToData(const MCFastData& other) const;
+  /// Whether both hold the same bytes (none equals only none).
   static bool isEqualData(const MCFastData* a, const MCFastData* b);
   /// -1, 0 or 1. The same object is equal; a null argument makes the receiver larger. When either is
   /// empty the lengths decide; otherwise memcmp over the shorter length, and on a tie the shorter

@@ -34,6 +34,7 @@ class MCIndexMap {
  public:
   MCIndexMap() = default;
 
+  /// How many indexes are mapped.
   uint64_t count() const { return indexes_.size(); }
   /// Appends one entry.
   void addIndex(uint64_t index) { indexes_.push_back(index); }
@@ -59,6 +60,7 @@ class MCIndexMap {
   /// Reserves room for `capacity` entries without changing the count.
   void reserve(uint64_t capacity) { indexes_.reserve(capacity); }
 
+  /// The mapped indexes in order.
   const uint64_t* data() const { return indexes_.data(); }
 
  private:

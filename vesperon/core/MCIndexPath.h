@@ -8,11 +8,16 @@
 #include <functional>
 
 struct MCIndexPath {
+  /// The group.
   uint64_t group = NSNotFound;
+  /// The item in the group.
   uint64_t item = NSNotFound;
 
+  /// The path of `item` in `group`.
   static constexpr MCIndexPath indexPathForItem(uint64_t item, uint64_t group) { return MCIndexPath{group, item}; }
+  /// The group.
   constexpr uint64_t groupIndex() const { return group; }
+  /// The item.
   constexpr uint64_t itemIndex() const { return item; }
 
   /// Group first, then item, as the platform compares index paths.

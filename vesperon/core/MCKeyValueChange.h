@@ -25,9 +25,11 @@ enum class MCKeyValueChangeKind : int {
 
 /// The part of a change that does not depend on the value type; what the object's signal carries.
 struct MCKeyValueChangeBase {
+  /// A change of `kind` at `indexes`.
   explicit MCKeyValueChangeBase(MCKeyValueChangeKind k, MCIndexSet i = {}) : kind(k), indexes(std::move(i)) {}
   virtual ~MCKeyValueChangeBase() = default;
 
+  /// Setting, insertion, removal or replacement.
   MCKeyValueChangeKind kind;
   /// Empty for a setting.
   MCIndexSet indexes;
@@ -35,6 +37,7 @@ struct MCKeyValueChangeBase {
 
 template <typename V>
 struct MCKeyValueChange final : MCKeyValueChangeBase {
+  /// A change of `kind` from `oldV` to `newV` at `i`.
   MCKeyValueChange(MCKeyValueChangeKind k, V oldV, V newV, MCIndexSet i = {})
       : MCKeyValueChangeBase(k, std::move(i)), oldValue(std::move(oldV)), newValue(std::move(newV)) {}
 

@@ -14,7 +14,9 @@
 
 class MCKeyedArchiver {
  public:
+  /// The tag an archived MCExifRational carries.
   static constexpr uint64_t rationalTag = 40001;
+  /// The tag an archived MCExifComment carries.
   static constexpr uint64_t commentTag = 40002;
 
   /// `archivedRootObject:`: the archive of `object`; on failure logs "Failed to encode root

@@ -15,17 +15,22 @@
 
 /// A key and its English wording, for tables of keys that are looked up later.
 struct MCLocalizableKey {
+  /// The message id.
   const char* key;
+  /// The English wording, for the catalogue and for translators.
   const char* comment;
 };
 
 /// The translation of `key`, or the key.
 std::string MCLocalizedString(const std::string& key);
+/// The text of `key` in the user's language; the key itself when it has no translation.
 std::string MCLocalizedString(const std::string& key, const char* comment);
+/// The same for a key with its comment.
 std::string MCLocalizedString(const MCLocalizableKey& key);
 
 /// The translation of `key` with its places filled from `values`, in order; places beyond the
 /// values stay as they are, values beyond the places are dropped.
 std::string MCLocalizedStringWithFormat(const std::string& key, const std::vector<std::string>& values);
+/// The same, with the English wording that the catalogue collects.
 std::string MCLocalizedStringWithFormat(const std::string& key, const char* comment,
                                         const std::vector<std::string>& values);

@@ -34,6 +34,7 @@ class MCLogWriter {
   MCLogWriter(const MCLogWriter&) = delete;
   MCLogWriter& operator=(const MCLogWriter&) = delete;
 
+  /// The log file.
   const std::filesystem::path& fileURL() const { return fileURL_; }
 
   /// Queues one line; returns at once. A message that is not valid UTF-8 is dropped.
@@ -45,6 +46,7 @@ class MCLogWriter {
                  const Args&... args) {
     logArgs(subsystem, category, format, fmt::make_format_args(args...));
   }
+  /// Writes one line of `subsystem` and `category`, formatted from `format` and the arguments.
   void logArgs(const std::string& subsystem, const std::string& category, std::string_view format,
                fmt::format_args args);
 

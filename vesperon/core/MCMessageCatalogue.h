@@ -31,6 +31,7 @@ class MCMessageCatalogue {
 
   /// The translation of `key`, or none.
   std::optional<std::string_view> translationForKey(std::string_view key) const;
+  /// How many messages the catalogue holds.
   std::size_t count() const { return messages_.size(); }
 
  private:

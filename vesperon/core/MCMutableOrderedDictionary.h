@@ -58,8 +58,8 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
   static MCMutableOrderedDictionary orderedDictionaryWithOrderedDictionary(const Base* other) {
     return other ? MCMutableOrderedDictionary(*other) : MCMutableOrderedDictionary();
   }
-  template <typename... Args>
   /// Object, key, object, key, …; stops at the first nil object or key.
+  template <typename... Args>
   static MCMutableOrderedDictionary orderedDictionaryWithObjectsAndKeys(const Args&... objectsAndKeys) {
     return MCMutableOrderedDictionary(Base::orderedDictionaryWithObjectsAndKeys(objectsAndKeys...));
   }
@@ -188,13 +188,13 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
   void sortKeysUsingDescriptors(const std::vector<MCSortDescriptor<K>>& descriptors) {
     sortKeysUsingComparator(MCComparatorWithSortDescriptors(descriptors));
   }
-  template <typename Comparator>
   /// Sorts the keys by `comparator(a, b)`, a comparison result; equal keys keep their order.
+  template <typename Comparator>
   void sortKeysUsingComparator(const Comparator& comparator) {
     std::stable_sort(keys_.begin(), keys_.end(), [&](const K& a, const K& b) { return comparator(a, b) < 0; });
   }
-  template <typename Comparator>
   /// The same (the options change nothing: the sort is always stable).
+  template <typename Comparator>
   void sortKeysWithOptions(uint64_t /*options*/, const Comparator& comparator) {
     sortKeysUsingComparator(comparator);
   }
@@ -205,8 +205,8 @@ class MCMutableOrderedDictionary : public MCOrderedDictionary<K, V, Hash, KeyEqu
       return comparator(a, hashMap_.at(a), b, hashMap_.at(b)) < 0;
     });
   }
-  template <typename Comparator>
   /// The same (the options change nothing: the sort is always stable).
+  template <typename Comparator>
   void sortKeysAndObjectsWithOptions(uint64_t /*options*/, const Comparator& comparator) {
     sortKeysAndObjectsUsingComparator(comparator);
   }

@@ -30,10 +30,14 @@ class MCNumber {
     }
     storage_ = static_cast<int64_t>(value);
   }
+  /// A double.
   MCNumber(double value) : storage_(value) {}
+  /// A double of `value`.
   MCNumber(float value) : storage_(static_cast<double>(value)) {}
 
+  /// Whether it holds an integer.
   bool isInteger() const { return !isDouble(); }
+  /// Whether it holds a double.
   bool isDouble() const { return std::holds_alternative<double>(storage_); }
   /// The value as a double; integers beyond 2^53 round to the nearest double.
   double doubleValue() const;

@@ -17,12 +17,14 @@ int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber
 /// Nil-safe. With b - a above `deviation`, -1; below -deviation, 1; otherwise 0, so a difference of
 /// exactly the deviation compares as equal. With an integer involved the difference is exact.
 int compareNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b, double deviation);
+/// Nil-safe equality of numbers: none equals only none.
 bool isEqualNumber(const std::optional<MCNumber>& a, const std::optional<MCNumber>& b);
 
 /// The smaller or larger of the two; the receiver on a tie.
 inline MCNumber minNumber(const MCNumber& receiver, const MCNumber& other) {
   return MCCompareNumbers(other, receiver) < 0 ? other : receiver;
 }
+/// The larger of the two.
 inline MCNumber maxNumber(const MCNumber& receiver, const MCNumber& other) {
   return MCCompareNumbers(other, receiver) > 0 ? other : receiver;
 }

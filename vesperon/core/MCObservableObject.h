@@ -23,6 +23,7 @@
 
 class MCObservableObject {
  public:
+  /// Hears a change.
   using Handler = std::function<void(const MCKeyValueChangeBase& change)>;
 
   MCObservableObject() = default;

@@ -7,8 +7,10 @@
 
 class MCOperation : public MCPlatformOperation {
  public:
+  /// An operation known by `identifier`.
   explicit MCOperation(MCAnyHashable identifier) : identifier_(std::move(identifier)) {}
 
+  /// The identifier it is cancelled by.
   const MCAnyHashable& identifier() const { return identifier_; }
 
  private:

@@ -22,15 +22,20 @@ class MCOperationQueue : public std::enable_shared_from_this<MCOperationQueue> {
   MCOperationQueue(const MCOperationQueue&) = delete;
   MCOperationQueue& operator=(const MCOperationQueue&) = delete;
 
+  /// How many operations run at once; -1 for the platform's default.
   int64_t maxConcurrentOperationCount() const;
+  /// Sets how many operations run at once.
   void setMaxConcurrentOperationCount(int64_t count);
 
   /// Replaces the operation's completion action with one that forgets it here when it ends.
   void addOperation(const std::shared_ptr<MCOperation>& operation);
   /// Forgets the operation if its identifier's entry is this very operation. No cancelling.
   void removeOperation(const std::shared_ptr<MCOperation>& operation);
+  /// Cancels the operation of `identifier`.
   void cancelOperationWithIdentifier(const MCAnyHashable& identifier);
+  /// Cancels the operations of these identifiers.
   void cancelOperationsWithIdentifiers(const std::vector<MCAnyHashable>& identifiers);
+  /// Cancels every operation.
   void cancelAllOperations();
 
   /// The operation known under `identifier`, or nullptr.

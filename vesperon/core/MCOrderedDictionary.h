@@ -219,8 +219,8 @@ class MCOrderedDictionary {
   void enumerateKeysAndObjectsUsingBlock(Body&& body) const {
     enumerateKeysAndObjectsWithOptions(0, body);
   }
-  template <typename Body>
   /// The same; MCEnumerationReverse walks from the last key.
+  template <typename Body>
   void enumerateKeysAndObjectsWithOptions(uint64_t options, Body&& body) const {
     walk(options, [&](uint64_t i, bool& stop) { body(keys_[i], hashMap_.at(keys_[i]), i, stop); });
   }
@@ -286,8 +286,8 @@ class MCOrderedDictionary {
       mc_detail::throwIndexOutOfRange(operation, indexes.lastIndex(), keys_.size());
   }
 
-  template <typename Step>
   /// Calls `step(index, stop)` over the indexes, forward or (MCEnumerationReverse) backward, until `stop`.
+  template <typename Step>
   void walk(uint64_t options, Step&& step) const {
     bool stop = false;
     const uint64_t n = keys_.size();

@@ -11,8 +11,10 @@
 template <typename T>
 class MCSortDescriptor {
  public:
+  /// Compares two objects: -1, 0 or 1.
   using Comparator = std::function<int(const T&, const T&)>;
 
+  /// Sorts by `comparator`, ascending or descending.
   MCSortDescriptor(Comparator comparator, bool ascending = true)
       : comparator_(std::move(comparator)), ascending_(ascending) {}
 
@@ -23,7 +25,9 @@ class MCSortDescriptor {
         [key](const T& a, const T& b) -> int { return MCCompareValues(key(a), key(b)); }, ascending);
   }
 
+  /// Whether the order is ascending.
   bool ascending() const { return ascending_; }
+  /// The comparison.
   const Comparator& comparator() const { return comparator_; }
 
   /// The comparator's answer, reversed for a descending descriptor.
@@ -32,6 +36,7 @@ class MCSortDescriptor {
     return ascending_ ? result : -result;
   }
 
+  /// The same comparison in the other direction.
   MCSortDescriptor reversedSortDescriptor() const { return MCSortDescriptor(comparator_, !ascending_); }
 
  private:

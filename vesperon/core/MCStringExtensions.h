@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+/// Options of compareString, with the platform's values.
 enum MCStringCompareOptions : uint64_t {
   MCCaseInsensitiveSearch = 1,
   MCLiteralSearch = 2,
@@ -27,7 +28,9 @@ enum MCStringCompareOptions : uint64_t {
 
 /// -1, 0 or 1, nil first; without options by code points.
 int compareString(std::optional<std::string_view> a, std::optional<std::string_view> b);
+/// The same with MCStringCompareOptions.
 int compareString(std::optional<std::string_view> a, std::optional<std::string_view> b, uint64_t options);
+/// Nil-safe equality: none equals only none.
 bool isEqualString(std::optional<std::string_view> a, std::optional<std::string_view> b);
 /// Equal when the comparison with `options` answers 0.
 bool isEqualString(std::optional<std::string_view> a, std::optional<std::string_view> b, uint64_t options);

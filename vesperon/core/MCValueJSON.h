@@ -9,5 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+/// The value as JSON (rationals and comments in tagged objects).
 nlohmann::json MCValueToJSON(const MCValue& value);
+/// The value of JSON made by MCValueToJSON.
 MCValue MCValueFromJSON(const nlohmann::json& json);

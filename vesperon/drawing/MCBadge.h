@@ -11,9 +11,13 @@ class MCBadge {
  public:
   virtual ~MCBadge() = default;
 
+  /// The smallest size the badge draws at.
   MCSize minimumSize() const { return minimumSize_; }
+  /// Sets the smallest size.
   void setMinimumSize(MCSize size) { minimumSize_ = size; }
+  /// The room around the content.
   MCEdgeInsets contentInsets() const { return contentInsets_; }
+  /// Sets the room around the content.
   void setContentInsets(MCEdgeInsets insets) { contentInsets_ = insets; }
 
   /// contentSize plus the insets, each side raised to the minimum size.

@@ -9,9 +9,12 @@
 
 class MCIconBadge : public MCBadge {
  public:
+  /// A badge of `icon`, tinted when a colour is given.
   MCIconBadge(MCImageRef icon, std::optional<MCColor> tintColor) : icon_(std::move(icon)), tintColor_(tintColor) {}
 
+  /// The icon.
   const MCImageRef& icon() const { return icon_; }
+  /// The tint; none draws the icon as it is.
   const std::optional<MCColor>& tintColor() const { return tintColor_; }
   /// The icon, or with a tint a new image of its size in the tint's colour.
   MCImageRef tintedIcon() const;

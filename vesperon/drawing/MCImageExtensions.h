@@ -10,6 +10,7 @@
 #include <functional>
 #include <memory>
 
+/// A shared image.
 using MCImageRef = std::shared_ptr<const MCImage>;
 
 /// The image's size in points.

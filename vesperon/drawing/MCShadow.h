@@ -9,13 +9,18 @@
 #include <cmath>
 
 struct MCShadow {
+  /// The shadow's colour.
   MCColor shadowColor = MCColor::blackColor().colorWithAlphaComponent(1.0 / 3.0);
+  /// How far the shadow falls from what casts it (y up).
   MCSize shadowOffset{0, 0};
+  /// The blur radius.
   double shadowBlurRadius = 0;
 
   /// The room a shadow needs around a shape along x and along y: the offset and the blur.
   double marginX() const { return std::ceil(std::fabs(shadowOffset.width) + std::max(shadowBlurRadius, 0.0)); }
+  /// How far the shadow reaches beyond the shape vertically.
   double marginY() const { return std::ceil(std::fabs(shadowOffset.height) + std::max(shadowBlurRadius, 0.0)); }
 
+  /// Whether colour, offset and blur are equal.
   bool operator==(const MCShadow&) const = default;
 };

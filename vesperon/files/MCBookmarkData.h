@@ -26,7 +26,9 @@
 #include <string>
 
 struct MCBookmarkData {
+  /// The file or folder.
   std::filesystem::path path;
+  /// Its identity when the bookmark was made.
   MCFileIdentity identity;
   /// The document portal's id of the item, empty outside a sandbox.
   std::string documentIdentifier;
@@ -37,6 +39,7 @@ struct MCBookmarkData {
   static std::optional<MCBookmarkData> ofItemAtPath(const std::filesystem::path& path, std::string* error,
                                                     MCDocumentPortal* portal = MCDocumentPortal::sandboxPortal());
 
+  /// The bookmark as bytes, for storing.
   MCData encoded() const;
   /// None for bytes that are not a whole bookmark.
   static std::optional<MCBookmarkData> decode(const MCData& data);

@@ -9,7 +9,9 @@
 #include <optional>
 
 struct MCFileIdentity {
+  /// The device the file lies on.
   uint64_t device = 0;
+  /// The file's inode.
   uint64_t inode = 0;
   /// Birth time in nanoseconds since 1970, 0 where the file system keeps none.
   int64_t birthTime = 0;

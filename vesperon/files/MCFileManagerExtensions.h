@@ -19,7 +19,9 @@ std::optional<std::filesystem::path> volumeURLOfItemAtURL(const std::filesystem:
 /// Whether the volume holding the item is among the mounted volumes. None or an unreadable item
 /// gives false.
 bool isMountedVolumeOfItemAtURL(const std::optional<std::filesystem::path>& url);
+/// Whether `path` is the root of a mounted volume.
 bool isMountedVolumeOfItemAtPath(const std::string& path);
+/// The same, when it is known whether `path` is a folder.
 bool isMountedVolumeOfItemAtPath(const std::string& path, bool isDirectory);
 
 /// `path` when nothing exists there, else the first free one of "stem 2.ext", "stem 3.ext" …

@@ -12,7 +12,9 @@
 
 class MCResponder;
 
+/// Fills `menu` with the applications that open the files, the default first.
 void buildOpenWithMenuForURLs(MCMenu& menu, const std::vector<std::filesystem::path>& urls,
                               const std::shared_ptr<MCResponder>& target, const std::string& action);
+/// The same for paths given as text.
 void buildOpenWithMenuForPaths(MCMenu& menu, const std::vector<std::string>& paths,
                                const std::shared_ptr<MCResponder>& target, const std::string& action);

@@ -13,7 +13,9 @@ class MCSandboxAccessoryView : public MCView {
   /// The view with `title` and the localised "open_panel_description_access_needed".
   static std::shared_ptr<MCSandboxAccessoryView> accessoryViewWithTitle(const std::string& title);
 
+  /// The headline shown with the panel.
   const std::string& titleLabel() const { return title_; }
+  /// The text under it.
   const std::string& descriptionLabel() const { return description_; }
   /// The icon-theme name of the image beside the texts.
   const std::string& imageName() const { return imageName_; }

@@ -25,9 +25,12 @@ class MCSandboxURL {
   static std::shared_ptr<MCSandboxURL> createWithDictionary(const MCDictionary& dictionary,
                                                             std::string* error = nullptr);
 
+  /// A granted folder at `url`, not yet accessed.
   explicit MCSandboxURL(std::filesystem::path url) : securityScopedURL_(std::move(url)) {}
 
+  /// The folder.
   const std::filesystem::path& securityScopedURL() const { return securityScopedURL_; }
+  /// How many accesses are open.
   long securityScopedResourceRetainCount() const { return retainCount_; }
 
   /// Claims the resource; false, and the count stays 0, when the first claim cannot start access.

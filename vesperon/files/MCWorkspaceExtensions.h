@@ -16,12 +16,14 @@
 /// whose type cannot be read are passed over; only the first file of each type is asked.
 std::optional<std::filesystem::path> applicationURLForURLs(const std::vector<std::filesystem::path>& urls,
                                                            std::vector<std::filesystem::path>* otherApplicationURLs);
+/// The desktop file of the default application that opens all the paths; none when there is none.
 std::optional<std::filesystem::path> applicationURLForPaths(const std::vector<std::string>& paths,
                                                             std::vector<std::filesystem::path>* otherApplicationURLs);
 
 /// The same by identifiers; the other list holds distinct identifiers without the main one.
 std::optional<std::string> applicationBundleIDForURLs(const std::vector<std::filesystem::path>& urls,
                                                       std::vector<std::string>* otherApplicationBundleIDs);
+/// The identifier of that application; none when there is none.
 std::optional<std::string> applicationBundleIDForPaths(const std::vector<std::string>& paths,
                                                        std::vector<std::string>* otherApplicationBundleIDs);
 

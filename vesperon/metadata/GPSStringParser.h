@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+/// Reads coordinates written as text ("48°51'24\"N 2°21'3\"E", decimals …).
 class GPSStringParser {
  public:
   /// The altitude, negated when `altitudeRef` is "1" (below sea level). None when `value` gives no

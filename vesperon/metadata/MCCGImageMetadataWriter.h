@@ -15,6 +15,7 @@
 
 class MCCGImageMetadataWriter {
  public:
+  /// Exif tag numbers by property key.
   using TagMap = std::map<std::string, uint16_t>;
 
   /// Keys of "{TIFF}" to their tags in IFD 0.

@@ -21,8 +21,11 @@ class MCCalendar {
   /// A Gregorian calendar for `localeIdentifier`, in the default time zone.
   explicit MCCalendar(const std::string& localeIdentifier = "en_US_POSIX");
 
+  /// The locale the calendar follows.
   const std::string& localeIdentifier() const { return localeIdentifier_; }
+  /// The time zone dates are told in.
   const MCTimeZone& timeZone() const { return timeZone_; }
+  /// Sets the time zone.
   void setTimeZone(MCTimeZone zone);
 
   /// The instant of these fields in the calendar's zone. Fields out of their range roll over

@@ -165,9 +165,13 @@
 class MCExif {
  public:
   using Number = MCValue;  ///< always an integer or a double
+  /// @name Value types
+  //@{
+  /// The types the record's fields hold.
   using String = std::string;
   using Array = MCArray;
   using Data = MCData;
+  //@}
 
   MCExif() = default;
   MCExif(const MCExif&) = delete;
@@ -190,7 +194,9 @@ class MCExif {
   MCDictionary dictionary() const;
   /// One sub-dictionary each, holding the present properties that have a key.
   MCDictionary tiffDictionary() const;
+  /// The record's Exif fields as a "{Exif}" property dictionary.
   MCDictionary exifDictionary() const;
+  /// The record's GPS fields as a "{GPS}" property dictionary.
   MCDictionary gpsDictionary() const;
 
  private:

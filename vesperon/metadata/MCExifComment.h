@@ -9,9 +9,12 @@
 class MCExifComment {
  public:
   MCExifComment() = default;
+  /// A comment of `text`.
   explicit MCExifComment(std::string text) : stringValue_(std::move(text)) {}
 
+  /// The text.
   const std::string& stringValue() const { return stringValue_; }
+  /// Replaces the text.
   void setStringValue(std::string text) { stringValue_ = std::move(text); }
 
   /// The user comment bytes: "ASCII" padded to 8 bytes and the text when it is plain ASCII;

@@ -24,7 +24,9 @@ class MCExifData {
   MCExifData(const MCExifData&) = delete;
   MCExifData& operator=(const MCExifData&) = delete;
 
+  /// Adds an entry to the Exif IFD.
   void addEntry(const MCExifEntry& entry);
+  /// Adds an entry to the GPS IFD.
   void addGPSEntry(const MCExifGPSEntry& entry);
 
   /// The saved block: "Exif\0\0", a big-endian TIFF header and the IFDs with their tags in

@@ -33,8 +33,10 @@ class MCExifEntryFields {
 };
 }  // namespace mc_detail
 
+/// An entry of the Exif IFD: a tag and its value, typed by the tag.
 class MCExifEntry : public mc_detail::MCExifEntryFields {
  public:
+  /// The entry of `tag`, of the tag's TIFF type.
   MCExifEntry(uint16_t tag, MCValue value) : MCExifEntryFields(tag, typeForExifTag(tag), std::move(value)) {}
 
   /// The TIFF type of a tag of IFD 0 or the Exif IFD; ASCII (2) for every tag not in the table.
@@ -42,8 +44,10 @@ class MCExifEntry : public mc_detail::MCExifEntryFields {
   static uint16_t typeForExifTag(uint16_t tag);
 };
 
+/// An entry of the GPS IFD.
 class MCExifGPSEntry : public mc_detail::MCExifEntryFields {
  public:
+  /// The entry of `tag`, of the GPS tag's TIFF type.
   MCExifGPSEntry(uint16_t tag, MCValue value) : MCExifEntryFields(tag, typeForExifGPSTag(tag), std::move(value)) {}
 
   /// The TIFF type of GPS tags 1 to 31; BYTE (1) for every other tag, tag 0 among them.

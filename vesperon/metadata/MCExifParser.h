@@ -32,6 +32,7 @@ class MCExifParser {
 
   /// The two tables, over a value reader already set up.
   void parseExifWithValueReader(const MCExifValueReader& reader);
+  /// Reads one GPS entry into the record.
   void parseGPSWithValueReader(const MCExifValueReader& reader);
 
  private:

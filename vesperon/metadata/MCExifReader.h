@@ -19,6 +19,7 @@ class MCExifReader {
  public:
   /// None when libexif gives no block.
   static std::shared_ptr<MCExifReader> create(const uint8_t* bytes, std::size_t length);
+  /// A reader of the Exif block in `data`; none when it is not one.
   static std::shared_ptr<MCExifReader> create(const MCData& data) { return create(data.data(), data.size()); }
   ~MCExifReader();
   MCExifReader(const MCExifReader&) = delete;

@@ -44,11 +44,13 @@ class MCExifUtils {
 
   /// Scans "%02u%01u%01u" within the data ("0230" gives 2, 3, 0); none and a log line otherwise.
   static std::optional<MCArray> arrayFromExifVersionData(const uint8_t* bytes, std::size_t length);
+  /// The ExifVersion bytes as an array of numbers; none when empty.
   static std::optional<MCArray> arrayFromExifVersionData(const MCData& data) {
     return arrayFromExifVersionData(data.data(), data.size());
   }
   /// Scans "%02u%02u" within the data ("0100" gives 1, 0); none and a log line otherwise.
   static std::optional<MCArray> arrayFromFlashPixVersionData(const uint8_t* bytes, std::size_t length);
+  /// The FlashPixVersion bytes as an array of numbers; none when empty.
   static std::optional<MCArray> arrayFromFlashPixVersionData(const MCData& data) {
     return arrayFromFlashPixVersionData(data.data(), data.size());
   }
@@ -57,6 +59,7 @@ class MCExifUtils {
   /// prefix of it, eight NULs included) reads up to the first NUL; "UNICODE" reads UTF-16
   /// big-endian up to the first 0 unit. Anything else, and data under 8 bytes, gives none.
   static std::optional<std::string> stringWithUserCommentData(const uint8_t* bytes, std::size_t length);
+  /// The text of UserComment bytes; none when empty.
   static std::optional<std::string> stringWithUserCommentData(const MCData& data) {
     return stringWithUserCommentData(data.data(), data.size());
   }

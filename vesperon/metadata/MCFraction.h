@@ -13,10 +13,13 @@ class MCFraction {
   /// and 4 give 3/2 and 0 and 5 give 0/1.
   static std::shared_ptr<const MCFraction> fractionWithNumerator(uint64_t numerator, uint64_t denominator);
 
+  /// The numerator.
   int64_t numerator() const { return numerator_; }
+  /// The denominator.
   int64_t denominator() const { return denominator_; }
   /// Numerator over denominator, each first converted to the result's width.
   float floatValue() const { return static_cast<float>(numerator_) / static_cast<float>(denominator_); }
+  /// The quotient.
   double doubleValue() const { return static_cast<double>(numerator_) / static_cast<double>(denominator_); }
 
   /// By doubleValue: less is ascending, greater descending, else same.

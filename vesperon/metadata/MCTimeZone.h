@@ -24,6 +24,7 @@ class MCTimeZone {
   /// A fixed offset east of Greenwich, with no daylight saving time.
   static MCTimeZone withSecondsFromGMT(int seconds);
 
+  /// The zone's name ("Europe/Paris").
   const std::string& name() const { return name_; }
   /// The zone's offset from UTC at `date`, daylight saving time included.
   int secondsFromGMT(MCDate date) const;

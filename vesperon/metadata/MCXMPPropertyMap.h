@@ -35,12 +35,15 @@ enum class MCXMPForm {
   TimeOfDate,      ///< the time of an XMP date whose day another key holds; IIM "HHMMSS±HHMM"
 };
 
+/// Where a property key lives in XMP.
 struct MCXMPProperty {
   const char* dictionaryName;  ///< kCGImageProperty…Dictionary
   const char* propertyKey;     ///< the key inside it
+  /// The XMP namespace.
   const char* namespaceURI;
   const char* prefix;          ///< the usual prefix of the namespace
   const char* name;            ///< the property's local name
+  /// How the value is written (simple, array, structure …).
   MCXMPForm form;
 
   /// "prefix:name", the form CGImageMetadataCopyTagWithPath takes.

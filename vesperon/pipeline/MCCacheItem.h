@@ -8,10 +8,14 @@
 template <typename Key, typename Object>
 class MCCacheItem {
  public:
+  /// An entry of `object` under `key`.
   MCCacheItem(Key key, Object object) : key(std::move(key)), object(std::move(object)) {}
 
+  /// The key.
   Key key;
+  /// The next older entry.
   std::shared_ptr<MCCacheItem> nextItem;
+  /// The next newer entry (the head's is the oldest).
   std::shared_ptr<MCCacheItem> previousItem;
   Object object;  ///< may be none (a null pointer)
 };

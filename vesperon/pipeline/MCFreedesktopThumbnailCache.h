@@ -24,6 +24,7 @@ class MCFreedesktopThumbnailCache {
  public:
   /// The cache under `root`; by default "$XDG_CACHE_HOME/thumbnails" (or ~/.cache/thumbnails).
   explicit MCFreedesktopThumbnailCache(std::filesystem::path root = defaultRoot());
+  /// The desktop's shared thumbnail folder ($XDG_CACHE_HOME/thumbnails).
   static std::filesystem::path defaultRoot();
 
   /// The name this library's failures are kept under in fail/.
@@ -46,6 +47,7 @@ class MCFreedesktopThumbnailCache {
   /// Records that the file could not be thumbnailed.
   bool writeFailureForFile(const std::filesystem::path& file) const;
 
+  /// The thumbnail folder read.
   const std::filesystem::path& root() const { return root_; }
 
  private:

@@ -14,9 +14,13 @@ class MCImage {
     return std::shared_ptr<const MCImage>(new MCImage(std::move(image), scale));
   }
 
+  /// The pixels.
   const MCRasterImageRef& CGImage() const { return image_; }
+  /// Pixels per point.
   double scale() const { return scale_; }
+  /// The size in pixels.
   MCSize size() const { return {double(image_->width()), double(image_->height())}; }
+  /// The pixels' colour space.
   const std::shared_ptr<const MCColorSpace>& colorSpace() const { return image_->colorSpace(); }
 
  private:

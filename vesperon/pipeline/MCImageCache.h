@@ -47,6 +47,7 @@ class MCImageCache {
   /// Whether any container holds a file for `id`.
   /// Whether the image of `id` at `pixelSize` is stored.
   bool containsImageWithIdentifier(int64_t id);
+  /// Whether the image of `id` is stored at `pixelSize`.
   bool containsImageWithIdentifier(int64_t id, int64_t pixelSize);
   /// An image of `id` from any container of at least `minPixelSize` (the first found in ascending
   /// order of size, so the smallest that decodes); none when no such file decodes.
@@ -58,6 +59,7 @@ class MCImageCache {
   /// Removes the file of `id` from every container; those without it log their failure.
   /// Removes the image of `id` at `pixelSize`.
   void removeImageWithIdentifier(int64_t id);
+  /// Removes the image of `id` at `pixelSize`.
   void removeImageWithIdentifier(int64_t id, int64_t pixelSize);
   /// Deletes every container's folder; the containers stay and work again at the next save.
   void clean();

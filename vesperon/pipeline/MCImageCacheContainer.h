@@ -34,7 +34,9 @@ class MCImageCacheContainer {
   MCImageCacheContainer(const MCImageCacheContainer&) = delete;
   MCImageCacheContainer& operator=(const MCImageCacheContainer&) = delete;
 
+  /// The container's folder.
   const std::filesystem::path& directoryURL() const { return directoryURL_; }
+  /// The log failures go to.
   const std::shared_ptr<MCLog>& log() const { return log_; }
   /// The file of `id`, without touching the disk.
   std::filesystem::path imageURL(int64_t id) const;

@@ -18,11 +18,15 @@
 class MCImageDescriptor : public MCResourceDescriptor {
  public:
   MCImageDescriptor() = default;
+  /// The image of the file at `fileURL`.
   explicit MCImageDescriptor(std::filesystem::path fileURL) : fileURL(std::move(fileURL)) {}
 
+  /// The file.
   std::filesystem::path fileURL;
   std::optional<std::string> typeIdentifier;  ///< none: the reader asks the file system
   uint64_t estimatedPixelSize = 0;            ///< larger side in pixels; 0: unknown
+  /// Thumbnail files known beside the image, tried first.
   std::optional<std::vector<MCThumbnailDescriptor>> thumbnailDescriptors;
+  /// How to read; none for the defaults.
   std::optional<MCImageReadingOptions> readingOptions;
 };

@@ -6,6 +6,7 @@
 class MCImageLoadOptions : public MCResourceLoadOptions {
  public:
   MCImageLoadOptions() : strategy_(std::make_shared<MCImageLoadStrategy>()) {}
+  /// The image strategy.
   std::shared_ptr<MCResourceLoadStrategy> strategy() const override { return strategy_; }
 
  private:

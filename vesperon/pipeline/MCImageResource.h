@@ -9,13 +9,16 @@
 
 class MCImageResource : public MCResource {
  public:
+  /// An image loaded, with its property dictionary when read.
   MCImageResource(std::shared_ptr<const MCImage> image, std::optional<MCDictionary> metadata,
                   std::optional<std::string> error = std::nullopt)
       : image_(std::move(image)), metadata_(std::move(metadata)), error_(std::move(error)) {}
 
   int64_t resourceType() const override { return 0; }
   const std::optional<std::string>& error() const override { return error_; }
+  /// The image; none when the load failed.
   const std::shared_ptr<const MCImage>& image() const { return image_; }
+  /// The nested property dictionary; none when not read.
   const std::optional<MCDictionary>& metadata() const { return metadata_; }
 
  private:

@@ -13,11 +13,13 @@
 #include <optional>
 #include <string>
 
+/// What to load (a file, a thumbnail of one).
 class MCResourceDescriptor {
  public:
   virtual ~MCResourceDescriptor() = default;
 };
 
+/// What a load gives back.
 class MCResource {
  public:
   virtual ~MCResource() = default;
@@ -29,6 +31,7 @@ class MCResource {
 
 class MCResourceLoadOptions;
 
+/// How a load is done, on a worker thread.
 class MCResourceLoadStrategy {
  public:
   virtual ~MCResourceLoadStrategy() = default;
@@ -37,8 +40,10 @@ class MCResourceLoadStrategy {
                                                                 const std::shared_ptr<const MCResourceLoadOptions>& options) = 0;
 };
 
+/// The options of a load, which name its strategy.
 class MCResourceLoadOptions {
  public:
   virtual ~MCResourceLoadOptions() = default;
+  /// The strategy that does the load.
   virtual std::shared_ptr<MCResourceLoadStrategy> strategy() const = 0;
 };

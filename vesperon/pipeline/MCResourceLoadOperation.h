@@ -19,10 +19,14 @@ using MCResourceCompletion = std::function<void(std::shared_ptr<MCResource>)>;
 
 class MCResourceLoadOperation : public MCOperation {
  public:
+  /// An operation of `identifier`.
   explicit MCResourceLoadOperation(MCAnyHashable identifier) : MCOperation(std::move(identifier)) {}
 
+  /// What to load.
   std::shared_ptr<const MCResourceDescriptor> descriptor;
+  /// How to load it.
   std::shared_ptr<const MCResourceLoadOptions> options;
+  /// What gets the resource on the main queue.
   MCResourceCompletion completion;
 
   void main() override;

@@ -25,12 +25,17 @@ class MCResourceLoader {
   /// The process-wide loader, made on first use.
   static MCResourceLoader& sharedInstance();
 
+  /// Queues a load of `descriptor` with `options` under `identifier`; the completion gets the
+  /// resource (or none) on the main queue.
   void requestResourceForIdentifier(const MCAnyHashable& identifier,
                                     std::shared_ptr<const MCResourceDescriptor> descriptor,
                                     std::shared_ptr<const MCResourceLoadOptions> options,
                                     MCResourceCompletion completion);
+  /// Cancels the load of `identifier`; its completion is not called.
   void cancelRequestWithID(const MCAnyHashable& identifier);
+  /// Cancels the loads of these identifiers.
   void cancelRequestsWithIDs(const std::vector<MCAnyHashable>& identifiers);
+  /// Cancels every load.
   void cancelAllRequests();
 
   // Convenience requests, each with fresh load options and a new random UUID as its identifier.
@@ -45,6 +50,7 @@ class MCResourceLoader {
   void requestThumbnail(std::shared_ptr<const MCImageDescriptor> descriptor, int64_t maxPixelSize,
                         std::function<void(MCRasterImageRef)> completion);
 
+  /// The queue the loads run on.
   const std::shared_ptr<MCOperationQueue>& operationQueue() const { return operationQueue_; }
 
  private:

@@ -11,6 +11,7 @@
 
 class MCImage;
 
+/// Gets the images a loader answers.
 class MCImageReceiver {
  public:
   virtual ~MCImageReceiver() = default;
@@ -19,6 +20,7 @@ class MCImageReceiver {
                             const std::string& uuid) = 0;
 };
 
+/// Gets the thumbnails a loader answers.
 class MCThumbnailReceiver {
  public:
   virtual ~MCThumbnailReceiver() = default;

@@ -11,6 +11,7 @@
 
 class MCThumbnailCache;
 
+/// What a thumbnail cache asks of an item: its identifier and what to load.
 class MCThumbnailDescriptorProvider {
  public:
   virtual ~MCThumbnailDescriptorProvider() = default;
@@ -20,6 +21,7 @@ class MCThumbnailDescriptorProvider {
   virtual std::shared_ptr<const MCImageDescriptor> resourceDescriptor() const = 0;
 };
 
+/// The host of a thumbnail cache: it names the items and hears the thumbnails.
 class MCThumbnailCacheDelegate {
  public:
   virtual ~MCThumbnailCacheDelegate() = default;

@@ -9,7 +9,9 @@
 #include <functional>
 
 struct MCThumbnailCacheKey {
+  /// The item's resource identifier.
   MCAnyHashable identifier;
+  /// The thumbnail size asked for.
   int64_t thumbnailSize = 0;
 
   friend bool operator==(const MCThumbnailCacheKey& a, const MCThumbnailCacheKey& b) {

@@ -7,6 +7,7 @@
 #include <string>
 
 struct MCThumbnailDescriptor {
+  /// The thumbnail file.
   std::filesystem::path fileURL;
   std::string typeIdentifier;   ///< uniform type identifier; empty: ask the file system
   uint64_t estimatedPixelSize = 0;  ///< larger side in pixels; 0: unknown

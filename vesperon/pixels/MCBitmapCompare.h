@@ -16,5 +16,7 @@
 #include <cstddef>
 #include <cstdint>
 
+/// How alike two byte runs of `length` are (see above).
 float MCBitmapCompareFast(const uint8_t* a, const uint8_t* b, std::size_t length);
+/// How alike two histograms of `length` bins are (see above).
 float MCBitmapCompareHistogram(const float* a, const float* b, std::size_t length);

@@ -12,8 +12,11 @@ class MCCachableImage {
   /// The image is both the source and the first cached copy, at its own size.
   explicit MCCachableImage(MCRasterImageRef image);
 
+  /// The image.
   const MCRasterImageRef& image() const { return image_; }
+  /// The image scaled to cachedSize; none until made.
   const MCRasterImageRef& cachedImage() const { return cachedImage_; }
+  /// The size of the cached image.
   MCSize cachedSize() const { return cachedSize_; }
 
   /// Draws into `rect` of `context`. When the rectangle's size differs from the cached size, the

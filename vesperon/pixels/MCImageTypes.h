@@ -22,8 +22,13 @@ const std::set<std::string>& MCJPEGImageTypes();
 /// "public.heic" and "public.heif".
 const std::set<std::string>& MCHEICImageTypes();
 
+/// Whether the type is an image type (conforms to "public.image"); false for none.
 bool MCIsImageType(const std::optional<std::string>& identifier);
+/// Whether the type is a camera raw type.
 bool MCIsRAWImageType(const std::optional<std::string>& identifier);
+/// Whether the type is JPEG.
 bool MCIsJPEGImageType(const std::optional<std::string>& identifier);
+/// Whether the type is HEIC or HEIF.
 bool MCIsHEICImageType(const std::optional<std::string>& identifier);
+/// Whether the type is a movie type (conforms to "public.movie").
 bool MCIsMovieType(const std::optional<std::string>& identifier);

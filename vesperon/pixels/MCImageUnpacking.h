@@ -18,7 +18,11 @@
 
 #include <memory>
 
+/// The image's pixels as 8-bit gray; none when it cannot be converted.
 std::shared_ptr<MCFastData> MCCopyGrayscaleDataFromImage(const MCRasterImageRef& image);
+/// The image's pixels as 8-bit RGBA; none when it cannot be converted.
 std::shared_ptr<MCFastData> MCCopyRGBADataFromImage(const MCRasterImageRef& image);
+/// The image scaled to `width` by `height` as 8-bit gray; none on failure.
 std::shared_ptr<MCFastData> MCCopyLinearDataFromAnyImage_1C_8(const MCRasterImageRef& image, double width, double height);
+/// The image scaled to `width` by `height` as 8-bit RGBA; none on failure.
 std::shared_ptr<MCFastData> MCCopyLinearDataFromAnyImage_RGBA8(const MCRasterImageRef& image, double width, double height);

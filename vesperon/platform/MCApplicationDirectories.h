@@ -7,11 +7,14 @@
 #include <filesystem>
 #include <string>
 
+/// The application's identifier and its folders (XDG state, cache, config).
 class MCApplicationDirectories {
  public:
   MCApplicationDirectories() = delete;
 
+  /// The application's identifier; the executable's name unless set.
   static std::string applicationIdentifier();
+  /// Sets the application's identifier.
   static void setApplicationIdentifier(const std::string& identifier);
 
   /// The identifier of the library itself, used as the subsystem of its logs.

@@ -17,9 +17,13 @@ class MCPlatformOperation {
   /// The work. Subclasses override it; the default does nothing.
   virtual void main() {}
 
+  /// Marks the operation cancelled; a queued one does not start.
   void cancel() { cancelled_.store(true); }
+  /// Whether it was cancelled.
   bool isCancelled() const { return cancelled_.load(); }
+  /// Whether it is running.
   bool isExecuting() const { return executing_.load(); }
+  /// Whether it finished (or was cancelled before starting).
   bool isFinished() const { return finished_.load(); }
 
   /// Replaces the completion action.

@@ -21,12 +21,14 @@ class MCPlatformOperationQueue {
   MCPlatformOperationQueue(const MCPlatformOperationQueue&) = delete;
   MCPlatformOperationQueue& operator=(const MCPlatformOperationQueue&) = delete;
 
+  /// Queues an operation.
   void addOperation(std::shared_ptr<MCPlatformOperation> operation);
   /// Cancels every queued and running operation.
   void cancelAllOperations();
   /// Blocks until nothing is queued or running. Not for the main thread of a GUI.
   void waitUntilAllOperationsAreFinished();
 
+  /// How many operations run at once.
   int64_t maxConcurrentOperationCount() const;
   /// Values below 1 restore the default, the number of cores.
   void setMaxConcurrentOperationCount(int64_t count);
@@ -35,6 +37,7 @@ class MCPlatformOperationQueue {
 
   /// How long a worker waits for new work before it ends; a change applies from a worker's next wait.
   std::chrono::milliseconds idleThreadTimeout() const;
+  /// How long an idle worker thread waits before it ends.
   void setIdleThreadTimeout(std::chrono::milliseconds timeout);
   /// Worker threads alive now, working or idle.
   std::size_t threadCount() const;

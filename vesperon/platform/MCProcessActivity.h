@@ -11,7 +11,9 @@
 
 class MCProcessActivity {
  public:
+  /// The system does not sleep while the activity lasts.
   static constexpr uint64_t NSActivityIdleSystemSleepDisabled = 1ull << 20;
+  /// The display does not sleep while the activity lasts.
   static constexpr uint64_t NSActivityIdleDisplaySleepDisabled = 1ull << 40;
 
   /// Takes an inhibitor from logind. None when there is no system bus or logind refuses.
@@ -25,6 +27,7 @@ class MCProcessActivity {
 
   /// Releases the inhibitor. A second call does nothing.
   void end();
+  /// Whether the activity has not ended.
   bool isActive() const { return !ended_; }
 
  private:

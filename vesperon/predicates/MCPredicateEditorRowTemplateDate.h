@@ -30,6 +30,7 @@ class MCPredicateEditorRowTemplateDate : public MCPredicateEditorRowTemplate {
     thisYear = 8,
   };
 
+  /// A date row over these key paths with these operators.
   MCPredicateEditorRowTemplateDate(const std::vector<Expression>& leftExpressions, const std::vector<Operator>& operators,
                                    const AttributeType& rightAttributeType, MCComparisonPredicateModifier modifier,
                                    unsigned options, std::optional<bool> defaultValue = std::nullopt);

@@ -7,6 +7,7 @@
 
 class MCPredicateEditorRowTemplateFileSize : public mc_detail::MCPredicateEditorUnitRowTemplate {
  public:
+  /// The units of the unit pop-up.
   enum class SizeUnit : long { KB = 0, MB = 1, GB = 2 };
 
   using MCPredicateEditorUnitRowTemplate::MCPredicateEditorUnitRowTemplate;
@@ -19,6 +20,8 @@ class MCPredicateEditorRowTemplateFileSize : public mc_detail::MCPredicateEditor
   const std::shared_ptr<MCPopUpModel>& sizeUnitPopUp() { return unitPopUp(); }
 
  protected:
+  /// Copies the settings (see copy).
   MCPredicateEditorRowTemplateFileSize(const MCPredicateEditorRowTemplateFileSize&) = default;
+  /// KB, MB and GB.
   const std::vector<mc_detail::MCPredicateEditorUnit>& units() const override;
 };

@@ -20,6 +20,7 @@ class MCPredicateEditorRowTemplateFlippedExpression : public MCPredicateEditorRo
   void setPredicate(const MCPredicateNode& predicate) override;
 
  protected:
+  /// Copies the settings (see copy).
   MCPredicateEditorRowTemplateFlippedExpression(const MCPredicateEditorRowTemplateFlippedExpression&) = default;
 
  private:

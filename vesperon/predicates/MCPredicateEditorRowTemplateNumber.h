@@ -21,5 +21,6 @@ class MCPredicateEditorRowTemplateNumber : public MCPredicateEditorRowTemplate {
   static std::optional<double> numberOfText(std::string_view text);
 
  protected:
+  /// Copies the settings (see copy).
   MCPredicateEditorRowTemplateNumber(const MCPredicateEditorRowTemplateNumber&) = default;
 };

@@ -15,5 +15,6 @@ class MCPredicateEditorRowTemplateString : public MCPredicateEditorRowTemplate {
   MCPredicateRef predicateWithSubpredicates(const std::vector<MCPredicateRef>& subpredicates) override;
 
  protected:
+  /// Copies the settings (see copy).
   MCPredicateEditorRowTemplateString(const MCPredicateEditorRowTemplateString&) = default;
 };

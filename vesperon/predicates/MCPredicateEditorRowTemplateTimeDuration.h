@@ -7,6 +7,7 @@
 
 class MCPredicateEditorRowTemplateTimeDuration : public mc_detail::MCPredicateEditorUnitRowTemplate {
  public:
+  /// The units of the unit pop-up.
   enum class TimeUnit : long { seconds = 0, minutes = 1, hours = 2 };
 
   using MCPredicateEditorUnitRowTemplate::MCPredicateEditorUnitRowTemplate;
@@ -19,6 +20,8 @@ class MCPredicateEditorRowTemplateTimeDuration : public mc_detail::MCPredicateEd
   const std::shared_ptr<MCPopUpModel>& timeUnitPopUp() { return unitPopUp(); }
 
  protected:
+  /// Copies the settings (see copy).
   MCPredicateEditorRowTemplateTimeDuration(const MCPredicateEditorRowTemplateTimeDuration&) = default;
+  /// Seconds, minutes and hours.
   const std::vector<mc_detail::MCPredicateEditorUnit>& units() const override;
 };

@@ -13,15 +13,19 @@
 #include <string>
 #include <string_view>
 
+/// A parse's outcome: the predicate, or why there is none.
 struct MCPredicateParseResult {
   MCPredicateRef predicate;  ///< none when the text does not parse
   std::string error;         ///< why, when it does not
   std::size_t position = 0;  ///< where, in bytes from the start
+  /// Whether a predicate was read.
   explicit operator bool() const { return predicate != nullptr; }
 };
 
 class MCPredicateParser {
  public:
+  /// The deepest nesting read; deeper text fails.
   static constexpr int kMaximumDepth = 200;
+  /// Reads a predicate from its text form.
   static MCPredicateParseResult parse(std::string_view text);
 };

@@ -50,6 +50,7 @@ class MCKeyBindings {
   /// shortcut; none when no key sends it.
   std::optional<std::pair<char32_t, uint64_t>> keyForCommand(const std::string& command) const;
 
+  /// The modifiers a binding is matched on.
   static constexpr uint64_t kComparedModifiers = MCEventModifierFlagShift | MCEventModifierFlagControl |
                                                  MCEventModifierFlagOption | MCEventModifierFlagCommand;
 

@@ -21,8 +21,11 @@ class MCTimer : public std::enable_shared_from_this<MCTimer> {
   MCTimer(const MCTimer&) = delete;
   MCTimer& operator=(const MCTimer&) = delete;
 
+  /// Stops the timer; it fires no more.
   void invalidate();
+  /// Whether it will still fire.
   bool isValid() const { return source_ != 0; }
+  /// The period in seconds (0 for a one-shot timer).
   double timeInterval() const { return period_; }
 
  private:

@@ -48,6 +48,7 @@ enum class MCCursor {
 
 class MCWindowHost {
  public:
+  /// When waitForEvents gives up; none waits for ever.
   using Deadline = std::optional<std::chrono::steady_clock::time_point>;
 
   virtual ~MCWindowHost() = default;
@@ -70,6 +71,7 @@ class MCWindowHost {
   /// The window's origin (bottom left) on the screen, for converting to screen coordinates.
   virtual MCPoint windowOriginOnScreen() const { return {0, 0}; }
 
+  /// Shows the cursor; nothing by default.
   virtual void setCursor(MCCursor) {}
 
   /// Starts a drag of the session's items; false when the host cannot drag.
@@ -88,6 +90,7 @@ class MCWindowHost {
     (void)fullScreen;
     return false;
   }
+  /// Whether the window fills the screen; not by default.
   virtual bool isFullScreen() const { return false; }
 
   /// Shows `menu` as a context menu at the point (base coordinates) and returns at once; `chosen`

@@ -15,12 +15,16 @@
 template <typename T>
 class MCSmartTreeRule {
  public:
+  /// Orders the rule's groups.
   using Comparator = std::function<int(const T&, const T&)>;
 
+  /// A rule whose groups sort by `comparator`.
   explicit MCSmartTreeRule(Comparator comparator) : comparator_(std::move(comparator)) {}
   virtual ~MCSmartTreeRule() = default;
 
+  /// The order of the groups.
   const Comparator& comparator() const { return comparator_; }
+  /// Replaces the order.
   void setComparator(Comparator comparator) { comparator_ = std::move(comparator); }
 
  private:

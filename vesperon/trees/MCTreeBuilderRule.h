@@ -43,9 +43,13 @@
 template <typename T>
 class MCTreeBuilderRule {
  public:
+  /// The node type.
   using Node = MCTreeNode<T>;
+  /// A shared node.
   using NodePtr = std::shared_ptr<Node>;
+  /// A list of items.
   using Items = std::vector<T>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
 
   virtual ~MCTreeBuilderRule() = default;

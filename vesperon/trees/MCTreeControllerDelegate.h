@@ -26,9 +26,13 @@ class MCTreeController;
 template <typename T>
 class MCTreeControllerDelegate {
  public:
+  /// The controller type.
   using Controller = MCTreeController<T>;
+  /// A shared node.
   using NodePtr = std::shared_ptr<MCTreeNode<T>>;
+  /// A list of nodes.
   using Nodes = std::vector<NodePtr>;
+  /// A list of items.
   using Items = std::vector<T>;
 
   virtual ~MCTreeControllerDelegate() = default;
