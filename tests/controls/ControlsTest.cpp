@@ -292,8 +292,11 @@ TEST(ColorLabels, TextColourReadsOnADarkBackground) {
     const double ratio = contrast(*control, host.render());
     if (light) {
       EXPECT_GE(ratio, 4.5);
-      for (const auto& item : control->labelItemControls())
-        if (item->isClearItem()) EXPECT_EQ(item->inkColor(), MCColor::colorWithHex(0xE0E0E0));
+      for (const auto& item : control->labelItemControls()) {
+        if (item->isClearItem()) {
+          EXPECT_EQ(item->inkColor(), MCColor::colorWithHex(0xE0E0E0));
+        }
+      }
     } else {
       EXPECT_LT(ratio, 2.0);
     }
