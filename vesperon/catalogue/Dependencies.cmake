@@ -1,0 +1,2 @@
+# SQLite: the catalogue's database, through its C API.
+vesperon_pkg_dependency(SQLITE3 PRIVATE sqlite3)

@@ -1,0 +1,113 @@
+#include <vesperon/catalogue/MCSearchableProperties.h>
+
+#include <vesperon/codecs/MCImageReader.h>
+#include <vesperon/metadata/MCCGImageMetadataReader.h>
+#include <vesperon/metadata/MCExifReader.h>
+#include <vesperon/pixels/MCImageTypes.h>
+#include <vesperon/platform/MCUniformTypeIdentifiers.h>
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// The types are asked of the codec registry at each walk: a host may register plug-ins later.
+std::set<std::string> mediaTypes() {
+  auto types = MCImageTypes();
+  types.merge(MCMovieTypes());  // a clip shows as its representative frame
+  return types;
+}
+
+bool isMediaFileName(const fs::path& file, const std::set<std::string>& types) {
+  const std::string name = file.filename().string();
+  if (name.empty() || name.front() == '.') return false;
+  const std::string ext = file.extension().string();
+  if (ext.size() < 2) return false;
+  auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(ext.substr(1));
+  return type && types.count(*type);
+}
+
+std::optional<MCData> fileBytes(const fs::path& file) {
+  std::ifstream in(file, std::ios::binary);
+  if (!in) return std::nullopt;
+  MCData bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  if (in.bad()) return std::nullopt;
+  return bytes;
+}
+
+}  // namespace
+
+bool MCIsMediaFileName(const fs::path& file) { return isMediaFileName(file, mediaTypes()); }
+
+std::vector<fs::path> MCFindMediaFiles(const fs::path& folder) {
+  const auto types = mediaTypes();
+  std::vector<fs::path> files;
+  std::error_code ec;
+  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
+  for (; !ec && it != end; it.increment(ec)) {
+    std::error_code typeError;
+    if (!it->is_regular_file(typeError)) continue;
+    if (isMediaFileName(it->path(), types)) files.push_back(it->path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+fs::path MCSidecarPathOfFile(const fs::path& file) {
+  fs::path sidecar = file;
+  sidecar.replace_extension("xmp");
+  return sidecar;
+}
+
+std::optional<MCDictionary> MCMediaPropertiesOfFile(const fs::path& file, uint64_t mergeMask) {
+  try {
+    auto bytes = fileBytes(file);
+    if (!bytes) return std::nullopt;
+    MCDictionary properties;
+    if (auto reader = MCExifReader::create(*bytes)) {
+      if (auto exif = reader->parseExif()) properties = exif->dictionary();
+    }
+    // Without an Exif block of its own (a PNG, a clip …) the file says what its plug-in reads.
+    if (properties.empty()) {
+      if (auto read = MCImageReader::metadataFromImageAtURL(file, std::nullopt)) properties = std::move(*read);
+    }
+    if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(file))
+      properties = MCCGImageMetadataReader::mergeImageMetadata(properties, *sidecar, mergeMask);
+    return properties;
+  } catch (const std::exception&) {
+    return std::nullopt;
+  }
+}
+
+void MCAddSearchableFileAttributes(MCDictionary& properties, const fs::path& file, int64_t size,
+                                   std::time_t modificationTime, const std::optional<std::string>& type) {
+  properties["name"] = MCValue(file.filename().string());
+  properties["path"] = MCValue(file.string());
+  if (size >= 0) properties["size"] = MCValue(size);
+  if (type) properties["type"] = MCValue(*type);
+  std::tm local{};
+  localtime_r(&modificationTime, &local);
+  char text[32];
+  std::strftime(text, sizeof text, "%Y:%m:%d %H:%M:%S", &local);
+  properties["modificationDate"] = MCValue(std::string(text));
+}
+
+MCDictionary MCSearchablePropertiesOfFile(const fs::path& file) {
+  MCDictionary properties = MCMediaPropertiesOfFile(file).value_or(MCDictionary{});
+  struct stat st {};
+  if (::stat(file.c_str(), &st) != 0) {
+    // What cannot be looked at keeps its name and path, as before.
+    properties["name"] = MCValue(file.filename().string());
+    properties["path"] = MCValue(file.string());
+    if (auto type = MCTypeIdentifierForURL(file)) properties["type"] = MCValue(*type);
+    return properties;
+  }
+  MCAddSearchableFileAttributes(properties, file, int64_t(st.st_size), st.st_mtime, MCTypeIdentifierForURL(file));
+  return properties;
+}
