@@ -10,7 +10,8 @@
 // with a message naming the file: status 1.
 //
 // When DIR is catalogued (`vesperon index`), the files that changed since are read into the
-// catalogue first and the catalogue answers; --no-catalogue reads every file instead. Which of
+// catalogue first and the catalogue answers (--no-refresh: as of the last scan); --no-catalogue
+// reads every file instead. Which of
 // the two it did goes to stderr, so that stdout stays the list.
 
 #include "MediaFiles.h"
@@ -31,6 +32,7 @@ struct FindSettings {
   std::string where;
   fs::path catalogue;
   bool noCatalogue = false;
+  bool noRefresh = false;
 };
 
 int findInFiles(const FindSettings& settings, const MCPredicateNode& predicate) {
@@ -67,8 +69,9 @@ std::shared_ptr<MCCatalogue> catalogueFor(const FindSettings& settings) {
                  file.c_str());
     return nullptr;
   }
-  if (catalogue->isReadOnly()) {
-    std::fprintf(stderr, "vesperon find: answered from the catalogue %s, read-only, as of its last scan\n", file.c_str());
+  if (catalogue->isReadOnly() || settings.noRefresh) {
+    std::fprintf(stderr, "vesperon find: answered from the catalogue %s%s, as of its last scan\n", file.c_str(),
+                 settings.noRefresh ? "" : " (read-only)");
     return catalogue;
   }
   try {
@@ -120,6 +123,8 @@ std::function<int()> defineFind(CLI::App& command) {
   command.add_option("--catalogue", settings->catalogue,
                      "the catalogue file (default: $XDG_DATA_HOME/vesperon/catalogue.sqlite3)");
   command.add_flag("--no-catalogue", settings->noCatalogue, "read the files even where DIR is catalogued");
+  command.add_flag("--no-refresh", settings->noRefresh,
+                   "answer from the catalogue as of its last scan, without reading the files that changed since");
   return [settings] { return runFind(*settings); };
 }
 
