@@ -33,10 +33,42 @@ bool isMediaFileName(const fs::path& file, const std::set<std::string>& types) {
   return type && types.count(*type);
 }
 
+// How many leading bytes of a JPEG the Exif reader can look at: libexif walks the segments from
+// the start to the first APP1 and reads its Exif block, which is at most 64 KiB, or gives up at
+// the first segment that is not an application or comment one. Past the first APP1 (plus its
+// 64 KiB) or the first other marker, no byte changes what it reads. None when the head given does
+// not reach that far.
+std::optional<std::size_t> exifExtent(const MCData& head) {
+  constexpr std::size_t kBlock = 0x10000 + 16;
+  const std::size_t n = head.size();
+  if (n < 2 || head[0] != 0xFF || head[1] != 0xD8) return std::nullopt;  // not a JPEG: read it whole
+  std::size_t at = 2;
+  while (true) {
+    while (at < n && head[at] == 0xFF) ++at;
+    if (at >= n) return std::nullopt;
+    const uint8_t marker = head[at++];
+    if (marker == 0xD8) continue;
+    if (marker == 0xE1) return at + kBlock;
+    const bool skippable = (marker >= 0xE0 && marker <= 0xEF) || marker == 0xFE;
+    if (!skippable) return at + 2;
+    if (at + 2 > n) return std::nullopt;
+    at += (std::size_t(head[at]) << 8) | head[at + 1];
+  }
+}
+
+// The file's bytes as far as its Exif block can reach: its head when that covers it (most of a
+// camera JPEG is its image data, which is never looked at), else the whole file.
 std::optional<MCData> fileBytes(const fs::path& file) {
+  constexpr std::size_t kHead = 256 * 1024;
   std::ifstream in(file, std::ios::binary);
   if (!in) return std::nullopt;
-  MCData bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+  MCData bytes(kHead);
+  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(kHead));
+  if (in.bad()) return std::nullopt;
+  bytes.resize(std::size_t(in.gcount()));
+  if (bytes.size() < kHead) return bytes;  // the whole file
+  if (const auto extent = exifExtent(bytes); extent && *extent <= bytes.size()) return bytes;
+  bytes.insert(bytes.end(), std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   if (in.bad()) return std::nullopt;
   return bytes;
 }
