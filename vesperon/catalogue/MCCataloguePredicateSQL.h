@@ -54,6 +54,7 @@ std::string MCCatalogueWhereClause(const MCPredicateNode& predicate, MCCatalogue
 void MCCatalogueRegisterFunctions(sqlite3* db, MCCataloguePredicateContext* context);
 
 /// The columns mc_part takes after the part's index: enough to make the searchable dictionary.
-inline constexpr const char* kMCCatalogueRowArguments = "id, path, size, mtime_s, media_type, properties";
+inline constexpr const char* kMCCatalogueRowArguments =
+    "id, path, size, mtime_s, media_type, (SELECT json FROM properties WHERE properties.id = files.id)";
 
 }  // namespace mc_detail
