@@ -79,18 +79,39 @@ TEST(VesperonCommandLine, UsageErrorsSayWhatIsWrongAndExitTwo) {
 
 // `vesperon find` on the samples: the five files of 2 and 3 October 2022 by their capture dates
 // (four photos from the samples' table, and the clip whose creation time is that day), counted by
-// hand; a predicate that does not parse prints where, nothing else, and ends with status 2.
+// hand, read from the files and then from a catalogue of them, with a line on stderr saying which;
+// a predicate that does not parse prints where, nothing else, and ends with status 2.
 TEST(VesperonCommandLine, FindPrintsTheFilesThatSatisfyThePredicate) {
   const std::string samples = "'" VESPERON_SAMPLES_DIR "'";
-  const Outcome days = vesperon(
-      "find " + samples + " --where '{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:03 23:59:59\"}'");
+  const std::string none = " --catalogue /nonexistent/catalogue.sqlite3";
+  const std::string readingFiles = "vesperon find: reading the files (no catalogue at /nonexistent/catalogue.sqlite3)\n";
+  const std::string octoberDays = " --where '{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:03 23:59:59\"}'";
+  const Outcome days = vesperon("find " + samples + none + octoberDays);
   EXPECT_EQ(days.status, 0) << days.output;
   const std::string dir = VESPERON_SAMPLES_DIR;
-  EXPECT_EQ(days.output, dir + "/beach-clip.mp4\n" + dir + "/boat.jpg\n" + dir + "/lake.jpg\n" + dir +
-                             "/pano-valley.jpg\n" + dir + "/ridge.jpg\n");
+  const std::string october =
+      dir + "/beach-clip.mp4\n" + dir + "/boat.jpg\n" + dir + "/lake.jpg\n" + dir + "/pano-valley.jpg\n" + dir + "/ridge.jpg\n";
+  EXPECT_EQ(days.output, readingFiles + october);
 
-  const Outcome formats = vesperon("find " + samples + " --where 'name LIKE[c] \"*.HEIC\" OR type == \"public.avif\"'");
-  EXPECT_EQ(formats.output, dir + "/fern.avif\n" + dir + "/market-phone.heic\n");
+  const std::string formatsWhere = " --where 'name LIKE[c] \"*.HEIC\" OR type == \"public.avif\"'";
+  const Outcome formats = vesperon("find " + samples + none + formatsWhere);
+  EXPECT_EQ(formats.output, readingFiles + dir + "/fern.avif\n" + dir + "/market-phone.heic\n");
+
+  // The same answers from a catalogue of the samples, refreshed first (nothing changed).
+  const std::filesystem::path catalogue =
+      std::filesystem::path(VESPERON_TEST_BINARY_DIR) / ("find-catalogue-" + std::to_string(::getpid()) + ".sqlite3");
+  const Outcome index = vesperon("index " + samples + " --catalogue '" + catalogue.string() + "'");
+  EXPECT_EQ(index.status, 0) << index.output;
+  EXPECT_TRUE(contains(index.output, " 0 failed, 0 removed")) << index.output;
+  const std::string fromCatalogue = "vesperon find: answered from the catalogue " + catalogue.string() + " (refreshed first: 0 of ";
+  const Outcome catalogued = vesperon("find " + samples + " --catalogue '" + catalogue.string() + "'" + octoberDays);
+  EXPECT_EQ(catalogued.status, 0) << catalogued.output;
+  EXPECT_EQ(catalogued.output.rfind(fromCatalogue, 0), 0u) << catalogued.output;
+  EXPECT_EQ(catalogued.output.substr(catalogued.output.find('\n') + 1), october);
+  const Outcome noCatalogue = vesperon("find " + samples + " --catalogue '" + catalogue.string() + "' --no-catalogue" + formatsWhere);
+  EXPECT_EQ(noCatalogue.output,
+            "vesperon find: reading the files (--no-catalogue)\n" + dir + "/fern.avif\n" + dir + "/market-phone.heic\n");
+  for (const char* suffix : {"", "-wal", "-shm"}) std::filesystem::remove(catalogue.string() + suffix);
 
   const Outcome bad = vesperon("find " + samples + " --where '{Exif}.FNumber < '");
   EXPECT_EQ(bad.status, 2);
