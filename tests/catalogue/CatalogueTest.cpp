@@ -256,6 +256,14 @@ TEST(Catalogue, EveryOperatorAnswersAsTheFilesDo) {
       {"{Exif}.FNumber > {Exif}.FocalLength", false},
       {"\"Z\" IN {TIFF}.Model", false},
       {"{Exif}.ExposureProgram == 3 OR {Exif}.FNumber < 2", false},
+      {"{Exif}.ExposureProgram >= \"2\"", false},
+      {"{TIFF}.XResolution > 50", false},
+      {"{GPS}.LatitudeRef ==[c] \"n\"", false},
+      {"{Exif}.DateTimeDigitized > \"2022-10-02\"", false},
+      {"{Exif}.ComponentsConfiguration CONTAINS 1", false},
+      {"{Exif}.ExifVersion == 2", false},
+      {"{Exif}.ExposureTime.x == 2", false},
+      {"NOT {Exif}.Missing == 2", false},
   };
   for (const auto& [text, inColumns] : predicates) {
     auto predicate = parse(text);

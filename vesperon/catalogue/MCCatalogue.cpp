@@ -611,7 +611,8 @@ void query(sqlite3* db, const std::string& select, const MCPredicateNode* predic
     }
     where = (wide ? "+path > ?1 AND +path < ?2 AND " : "path > ?1 AND path < ?2 AND ") + where;
   }
-  Statement statement(db, select + " FROM files WHERE " + where + order);
+  const std::string join = context.joinsProperties ? " LEFT JOIN properties ON properties.id = files.id" : "";
+  Statement statement(db, select + " FROM files" + join + " WHERE " + where + order);
   if (!folder.empty()) {
     const auto [low, high] = rangeOf(context.storedFolder);
     statement.bindBlob(1, low);

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 
 namespace mc_detail {
 namespace {
@@ -129,7 +130,51 @@ struct Translator {
       }
       return column(c.expression, std::string(c.column) == "capture_date", comparison, shared);
     }
+    if (modifier == Modifier::Direct) {
+      if (auto path = jsonPath(keyPath)) {
+        // Numbers and texts come out of the JSON as they went in; other kinds (arrays, bytes,
+        // comments, none) are left to the dictionary, a missing value is false.
+        context.joinsProperties = true;
+        const std::string type = "json_type(properties.json, '" + *path + "')";
+        const std::string value = "json_extract(properties.json, '" + *path + "')";
+        context.parts.push_back(shared);
+        const std::string fallback = "mc_part(" + std::to_string(context.parts.size() - 1) + ", " + kMCCatalogueRowArguments + ")";
+        translated = false;
+        return "(CASE WHEN " + type + " IN ('integer', 'real', 'text') THEN " + compareCall(value, shared) + " WHEN " + type +
+               " IS NULL THEN 0 ELSE " + fallback + " END)";
+      }
+    }
     return part(shared);
+  }
+
+  // The JSON path of a key path into the stored dictionary ($."{Exif}"."ExposureProgram"), or
+  // none when a key cannot be written in one, or the key path starts at a file attribute, which
+  // the stored dictionary does not hold.
+  static std::optional<std::string> jsonPath(const std::string& keyPath) {
+    std::vector<std::string> keys;
+    std::string key;
+    int depth = 0;
+    for (char c : keyPath) {
+      if (c == '{') ++depth;
+      if (c == '}' && depth > 0) --depth;
+      if (c == '.' && depth == 0) {
+        keys.push_back(std::move(key));
+        key.clear();
+      } else {
+        key += c;
+      }
+    }
+    keys.push_back(std::move(key));
+    for (const auto& attribute : kAttributes)
+      if (keys.front() == attribute.keyPath) return std::nullopt;
+    std::string path = "$";
+    for (const std::string& k : keys) {
+      if (k.empty() || !MCCatalogueIsUTF8(k)) return std::nullopt;
+      for (unsigned char c : k)
+        if (c == '"' || c == '\\' || c == '\'' || c < 0x20) return std::nullopt;
+      path += ".\"" + k + "\"";
+    }
+    return path;
   }
 
   // Plain SQL first: AND and OR stop at the first term that settles them.

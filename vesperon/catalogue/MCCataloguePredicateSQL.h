@@ -3,8 +3,10 @@
 // table, and the SQL functions that clause calls. Comparisons of a column's key path with a
 // constant become SQL over the column: plain SQL where the column's type settles the answer (a
 // number against a number, a capture date against a date), otherwise mc_compare, which applies
-// the predicate's own comparison to the column's value. Every other part becomes mc_part, which
-// evaluates it over the row's stored dictionary. Each part gives 0 or 1, never NULL, so NOT, AND
+// the predicate's own comparison to the column's value. A comparison of another key path with a
+// constant reads the value out of the stored JSON with json_extract where it is a number or a
+// text, and applies mc_compare to it. Every other part becomes mc_part, which evaluates it over
+// the row's stored dictionary. Each part gives 0 or 1, never NULL, so NOT, AND
 // and OR combine them as the predicate does.
 
 #include <vesperon/predicates/MCPredicateNode.h>
@@ -32,6 +34,7 @@ struct MCCataloguePredicateContext {
   std::vector<MCPredicateRef> comparisons;  ///< mc_compare's, by index
   std::vector<MCPredicateRef> parts;        ///< mc_part's, by index (0: the whole predicate)
   std::string error;                        ///< the first evaluation error
+  bool joinsProperties = false;             ///< the clause reads properties.json of each row
   /// Paths are stored absolute; "path" shows them under the folder as the caller named it.
   std::string storedFolder;
   std::string shownFolder;
@@ -55,6 +58,6 @@ void MCCatalogueRegisterFunctions(sqlite3* db, MCCataloguePredicateContext* cont
 
 /// The columns mc_part takes after the part's index: enough to make the searchable dictionary.
 inline constexpr const char* kMCCatalogueRowArguments =
-    "id, path, size, mtime_s, media_type, (SELECT json FROM properties WHERE properties.id = files.id)";
+    "files.id, path, size, mtime_s, media_type, (SELECT json FROM properties WHERE properties.id = files.id)";
 
 }  // namespace mc_detail
