@@ -434,3 +434,21 @@ TEST(Catalogue, KilledScanLeavesAConsistentDatabaseThatARescanCompletes) {
   EXPECT_EQ(reader->filesMatching(parse("{TIFF}.Model == \"Seed\" AND {Exif}.FNumber == 2").get()).size(), kFiles);
   EXPECT_EQ(reader->scan({photos}).read, 0u);
 }
+
+TEST(Catalogue, TwoScannersAtOnceLeaveOneConsistentCatalogue) {
+  TempFolder temp;
+  const fs::path photos = temp.path / "photos";
+  makePhoto(photos / "seed.jpg", {"Model=Seed"});
+  const std::size_t kFiles = MCCatalogue::kBatchSize * 2 + 3;
+  for (std::size_t i = 1; i < kFiles; ++i) fs::copy_file(photos / "seed.jpg", photos / ("p" + std::to_string(i) + ".jpg"));
+  const fs::path file = temp.path / "catalogue.sqlite3";
+  // Two catalogues on one file are two connections, as two processes have.
+  auto first = MCCatalogue::open(file), second = MCCatalogue::open(file);
+  ASSERT_TRUE(first && second);
+  std::thread other([&] { second->scan({photos}); });
+  first->scan({photos});
+  other.join();
+  EXPECT_EQ(first->fileCount(), kFiles);
+  EXPECT_EQ(second->scan({photos}).read, 0u);
+  EXPECT_EQ(first->filesMatching(parse("{TIFF}.Model == \"Seed\"").get()).size(), kFiles);
+}

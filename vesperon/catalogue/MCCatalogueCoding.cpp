@@ -114,7 +114,9 @@ MCValue decode(const json& j, int depth) {
     }
     case json::value_t::object: {
       if (j.size() == 1) {
-        const auto& [key, inner] = *j.items().begin();
+        const auto first = j.begin();
+        const std::string& key = first.key();
+        const json& inner = first.value();
         if (key == kText) {
           if (auto text = decodeText(j)) return MCValue(*text);
         } else if (key == kBytes && inner.is_string()) {
