@@ -38,7 +38,7 @@ TEST(CatalogueMonitor, ChangesUnderTheRootsReachTheCatalogue) {
   const fs::path photos = temp.path / "photos";
   copySample("beach.jpg", photos / "a.jpg");
   copySample("fern.jpg", photos / "old" / "b.jpg");
-  auto catalogue = MCCatalogue::open(temp.path / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "catalogue.db");
   ASSERT_TRUE(catalogue);
   catalogue->scan({photos});
   ASSERT_EQ(catalogue->fileCount(), 2u);

@@ -126,7 +126,7 @@ TEST(Catalogue, ScanAndRescanReadOnlyWhatChanged) {
   TempFolder temp;
   const fs::path photos = temp.path / "photos";
   makeFixture(photos);
-  auto catalogue = MCCatalogue::open(temp.path / "db" / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "db" / "catalogue.db");
   ASSERT_TRUE(catalogue);
 
   Counter first;
@@ -185,7 +185,7 @@ TEST(Catalogue, EveryOperatorAnswersAsTheFilesDo) {
   makeFixture(photos);
   // A model on which a backtracking pattern runs past its bounds.
   makePhoto(photos / "long.jpg", {"Model=" + std::string(40, 'a') + "!"});
-  auto catalogue = MCCatalogue::open(temp.path / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "catalogue.db");
   ASSERT_TRUE(catalogue);
   catalogue->scan({photos});
 
@@ -293,7 +293,7 @@ TEST(Catalogue, SortedByCaptureDateAndGroupedByDay) {
   TempFolder temp;
   const fs::path photos = temp.path / "photos";
   makeFixture(photos);
-  auto catalogue = MCCatalogue::open(temp.path / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "catalogue.db");
   ASSERT_TRUE(catalogue);
   fs::last_write_time(photos / "d.jpg", fs::file_time_type::clock::now() - std::chrono::hours(24 * 3650 * 2));
   catalogue->scan({photos});
@@ -321,7 +321,7 @@ TEST(Catalogue, UnreachableRootKeepsItsRowsOffline) {
   TempFolder temp;
   const fs::path photos = temp.path / "photos";
   makePhoto(photos / "a.jpg", {"Model=One"});
-  auto catalogue = MCCatalogue::open(temp.path / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "catalogue.db");
   ASSERT_TRUE(catalogue);
   catalogue->scan({photos});
   fs::rename(photos, temp.path / "elsewhere");
@@ -339,7 +339,7 @@ TEST(Catalogue, BackgroundScanReportsOnTheMainQueue) {
   TempFolder temp;
   makePhoto(temp.path / "photos" / "a.jpg", {"Model=One"});
   makePhoto(temp.path / "photos" / "b.jpg", {"Model=Two"});
-  auto catalogue = MCCatalogue::open(temp.path / "catalogue.sqlite3");
+  auto catalogue = MCCatalogue::open(temp.path / "catalogue.db");
   ASSERT_TRUE(catalogue);
   MCPlatformOperationQueue queue;
   auto counter = std::make_shared<Counter>();
@@ -360,7 +360,7 @@ TEST(Catalogue, DamagedFileMovedAsideAndFutureVersionRefused) {
   TempFolder temp;
   LogCapture log;
   ASSERT_TRUE(log.available());
-  const fs::path file = temp.path / "catalogue.sqlite3";
+  const fs::path file = temp.path / "catalogue.db";
   std::ofstream(file) << std::string(5000, 'x');
   auto catalogue = MCCatalogue::open(file);
   ASSERT_TRUE(catalogue);
@@ -368,7 +368,7 @@ TEST(Catalogue, DamagedFileMovedAsideAndFutureVersionRefused) {
   EXPECT_TRUE(log.contains("moved aside"));
   std::size_t aside = 0;
   for (const auto& entry : fs::directory_iterator(temp.path))
-    if (entry.path().filename().string().rfind("catalogue.sqlite3.corrupt-", 0) == 0) {
+    if (entry.path().filename().string().rfind("catalogue.db.corrupt-", 0) == 0) {
       ++aside;
       EXPECT_EQ(bytesOf(entry.path()), std::vector<char>(5000, 'x'));
     }
@@ -399,7 +399,7 @@ TEST(Catalogue, KilledScanLeavesAConsistentDatabaseThatARescanCompletes) {
   makePhoto(photos / "seed.jpg", {"Model=Seed", "FNumber=2"});
   const std::size_t kFiles = MCCatalogue::kBatchSize * 3 + 17;
   for (std::size_t i = 0; i < kFiles - 1; ++i) fs::copy_file(photos / "seed.jpg", photos / ("p" + std::to_string(i) + ".jpg"));
-  const fs::path file = temp.path / "catalogue.sqlite3";
+  const fs::path file = temp.path / "catalogue.db";
   ASSERT_TRUE(MCCatalogue::open(file));
 
   const pid_t child = ::fork();
@@ -441,7 +441,7 @@ TEST(Catalogue, TwoScannersAtOnceLeaveOneConsistentCatalogue) {
   makePhoto(photos / "seed.jpg", {"Model=Seed"});
   const std::size_t kFiles = MCCatalogue::kBatchSize * 2 + 3;
   for (std::size_t i = 1; i < kFiles; ++i) fs::copy_file(photos / "seed.jpg", photos / ("p" + std::to_string(i) + ".jpg"));
-  const fs::path file = temp.path / "catalogue.sqlite3";
+  const fs::path file = temp.path / "catalogue.db";
   // Two catalogues on one file are two connections, as two processes have.
   auto first = MCCatalogue::open(file), second = MCCatalogue::open(file);
   ASSERT_TRUE(first && second);

@@ -83,8 +83,8 @@ TEST(VesperonCommandLine, UsageErrorsSayWhatIsWrongAndExitTwo) {
 // a predicate that does not parse prints where, nothing else, and ends with status 2.
 TEST(VesperonCommandLine, FindPrintsTheFilesThatSatisfyThePredicate) {
   const std::string samples = "'" VESPERON_SAMPLES_DIR "'";
-  const std::string none = " --catalogue /nonexistent/catalogue.sqlite3";
-  const std::string readingFiles = "vesperon find: reading the files (no catalogue at /nonexistent/catalogue.sqlite3)\n";
+  const std::string none = " --catalogue /nonexistent/catalogue.db";
+  const std::string readingFiles = "vesperon find: reading the files (no catalogue at /nonexistent/catalogue.db)\n";
   const std::string octoberDays = " --where '{Exif}.DateTimeOriginal BETWEEN {\"2022:10:02 00:00:00\", \"2022:10:03 23:59:59\"}'";
   const Outcome days = vesperon("find " + samples + none + octoberDays);
   EXPECT_EQ(days.status, 0) << days.output;

@@ -189,7 +189,7 @@ fs::path MCCatalogue::defaultLocation() {
     const char* home = std::getenv("HOME");
     base = fs::path(home && *home ? home : "/tmp") / ".local" / "share";
   }
-  return base / "vesperon" / "catalogue.sqlite3";
+  return base / "vesperon" / "catalogue.db";
 }
 
 MCCatalogue::MCCatalogue(fs::path file, sqlite3* db, bool readOnly) : file_(std::move(file)), db_(db), readOnly_(readOnly) {}

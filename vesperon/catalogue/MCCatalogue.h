@@ -96,7 +96,7 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   /// Files whose changes go into one transaction.
   static constexpr std::size_t kBatchSize = 200;
 
-  /// `$XDG_DATA_HOME/vesperon/catalogue.sqlite3` (`~/.local/share/…` without the variable).
+  /// `$XDG_DATA_HOME/vesperon/catalogue.db` (`~/.local/share/…` without the variable).
   static std::filesystem::path defaultLocation();
 
   /// Opens (or creates, with its folder) the catalogue in `file`. None, with the reason in `error`

@@ -57,9 +57,11 @@ std::optional<std::size_t> exifExtent(const MCData& head) {
 }
 
 // The file's bytes as far as its Exif block can reach: its head when that covers it (most of a
-// camera JPEG is its image data, which is never looked at), else the whole file.
+// camera JPEG is its image data, which is never looked at), else the whole file — up to 64 MB.
+// Of a larger file (a 100-megapixel TIFF, a long clip) only the first MiB is read, and its plug-in
+// reads the tags of the rest.
 std::optional<MCData> fileBytes(const fs::path& file) {
-  constexpr std::size_t kHead = 256 * 1024;
+  constexpr std::size_t kHead = 256 * 1024, kWholeLimit = 64u << 20, kLargeHead = 1u << 20;
   std::ifstream in(file, std::ios::binary);
   if (!in) return std::nullopt;
   MCData bytes(kHead);
@@ -68,6 +70,14 @@ std::optional<MCData> fileBytes(const fs::path& file) {
   bytes.resize(std::size_t(in.gcount()));
   if (bytes.size() < kHead) return bytes;  // the whole file
   if (const auto extent = exifExtent(bytes); extent && *extent <= bytes.size()) return bytes;
+  std::error_code ec;
+  if (const auto size = fs::file_size(file, ec); !ec && size > kWholeLimit) {
+    bytes.resize(kLargeHead);
+    in.read(reinterpret_cast<char*>(bytes.data() + kHead), std::streamsize(kLargeHead - kHead));
+    if (in.bad()) return std::nullopt;
+    bytes.resize(kHead + std::size_t(in.gcount()));
+    return bytes;
+  }
   bytes.insert(bytes.end(), std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
   if (in.bad()) return std::nullopt;
   return bytes;
