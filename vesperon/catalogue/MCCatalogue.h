@@ -52,7 +52,7 @@ struct MCCatalogueScanProgress {
   uint64_t failed = 0;   ///< of those read, files that could not be read (kept with empty properties)
   uint64_t removed = 0;  ///< rows removed, their files gone
   uint64_t offlineRoots = 0;  ///< roots that could not be reached; their rows are kept
-  bool cancelled = false;
+  bool cancelled = false;  ///< the scan was cancelled before it ended
 };
 
 /// Told of a scan's progress, on the thread that runs the scan.
@@ -67,7 +67,7 @@ class MCCatalogueScanDelegate {
 
 /// One file of a sorted answer: its path and, when it has one, its capture date.
 struct MCCatalogueEntry {
-  std::filesystem::path path;
+  std::filesystem::path path;  ///< the file, as the scan found it
   /// The Exif capture date as the file holds it ("2024:05:01 10:00:00"), else empty.
   std::string captureDate;
   /// The day the entry is grouped under, "YYYY-MM-DD": its capture date's, else its modification
@@ -79,7 +79,7 @@ struct MCCatalogueEntry {
 struct MCCatalogueDayGroup {
   std::string day;        ///< "YYYY-MM-DD"
   std::size_t first = 0;  ///< index of its first entry
-  std::size_t count = 0;
+  std::size_t count = 0;  ///< how many entries it holds
 };
 
 /// Thrown by queries whose predicate cannot be answered within its bounds (see
@@ -108,6 +108,7 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   MCCatalogue(const MCCatalogue&) = delete;
   MCCatalogue& operator=(const MCCatalogue&) = delete;
 
+  /// The database file.
   const std::filesystem::path& file() const { return file_; }
   /// True when the file could only be opened for reading.
   bool isReadOnly() const { return readOnly_; }

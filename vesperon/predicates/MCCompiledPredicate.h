@@ -21,6 +21,7 @@ class MCCompiledPredicate {
   /// What `predicate->evaluateWithObject(object)` answers. May throw MCPredicateEvaluationError.
   bool evaluateWithObject(const MCDictionary& object) const;
 
+  /// The predicate it was prepared from.
   const MCPredicateRef& predicate() const { return predicate_; }
 
  private:
