@@ -1,5 +1,7 @@
 #include "BrowseController.h"
 
+#include "BrowseSharedThumbnailStrategy.h"
+
 #include <utility>
 
 #include <vesperon/controls/MCColorLabelMapper.h>
@@ -8,6 +10,7 @@
 #include <vesperon/metadata/MCExif.h>
 #include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
+#include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 #include <vesperon/toolkit/MCWindow.h>
@@ -124,8 +127,14 @@ std::shared_ptr<MCThumbnailCache> BrowseController::handOverThumbnailCache() {
 
 void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   view_ = view;
-  if (cache_) cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
-  else cache_ = MCThumbnailCache::cacheWithThumbnailSize(int64_t(thumbnailPixelSize()));
+  if (cache_) {
+    cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
+  } else {
+    // Thumbnails kept between runs, in the desktop's shared cache.
+    auto options = std::make_shared<MCThumbnailLoadOptions>(std::make_shared<BrowseSharedThumbnailStrategy>());
+    options->setThumbnailMaxPixelSize(thumbnailPixelSize());
+    cache_ = MCThumbnailCache::create(std::move(options), 2048);
+  }
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);
   itemCell_->backgroundColor = MCColor::colorWithHex(0xEDEDEC);
