@@ -155,7 +155,9 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
   g_signal_connect(scroll, "scroll", G_CALLBACK(+[](GtkEventControllerScroll* controller, double dx, double dy,
                                                     gpointer data) -> gboolean {
                      const bool precise = gtk_event_controller_scroll_get_unit(controller) == GDK_SCROLL_UNIT_SURFACE;
-                     static_cast<MCGtkWindowHost*>(data)->scrolled(dx, dy, precise);
+                     // Ctrl with the wheel zooms in the views that say so: the modifiers go along.
+                     const auto state = gtk_event_controller_get_current_event_state(GTK_EVENT_CONTROLLER(controller));
+                     static_cast<MCGtkWindowHost*>(data)->scrolled(dx, dy, precise, unsigned(state));
                      return TRUE;
                    }), host.get());
   gtk_widget_add_controller(host->widget_, scroll);
@@ -422,9 +424,9 @@ bool MCGtkWindowHost::legacyEvent(GdkEvent* event) {
   return true;
 }
 
-void MCGtkWindowHost::scrolled(double dx, double dy, bool precise) {
+void MCGtkWindowHost::scrolled(double dx, double dy, bool precise, unsigned state) {
   // GTK's deltas grow as the content should move up; the platform's grow as it moves down.
-  deliver(MCEvent::scrollWheelEvent(pointer_, -dx, -dy, precise));
+  deliver(MCEvent::scrollWheelEvent(pointer_, -dx, -dy, precise, modifierFlags(GdkModifierType(state))));
 }
 
 void MCGtkWindowHost::zoomBegan() { lastZoomScale_ = 1; }

@@ -97,7 +97,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   void snapshot(GdkSnapshot* snapshot);
   void allocated(int width, int height);
   bool legacyEvent(GdkEvent* event);
-  void scrolled(double dx, double dy, bool precise);
+  void scrolled(double dx, double dy, bool precise, unsigned state);
   void zoomBegan();
   void zoomChanged(double scale);
   bool keyPressed(unsigned keyval, unsigned state, bool pressed);

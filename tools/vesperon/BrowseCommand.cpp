@@ -11,6 +11,8 @@
 #include "browse/BrowseController.h"
 #include "browse/BrowseFilter.h"
 #include "browse/BrowseFilterBar.h"
+#include "browse/BrowsePreferences.h"
+#include "browse/BrowseStatusBar.h"
 #include "browse/BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
@@ -49,23 +51,8 @@ struct BrowseSettings {
   double slideshowInterval = 4;  // seconds
   MCSize size{1024, 720};
   bool report = false;
-};
-
-class StatusBar : public MCView {
- public:
-  using MCView::MCView;
-  static constexpr double kHeight = 26;
-  std::string text;
-  bool isOpaque() const override { return true; }
-  void drawRect(const MCRect& dirty) override {
-    MCGraphicsContext& context = *MCGraphicsContext::currentContext();
-    MCColor::windowBackgroundColor().setFill(context);
-    context.fillRect(dirty);
-    MCColor::separatorColor().setFill(context);
-    context.fillRect(MCMakeRect(0, bounds().size.height - 1, bounds().size.width, 1));
-    MCAttributedString line(text, {MCFont::systemFontOfSize(12), MCColor::secondaryLabelColor(), {}, {}, {}});
-    line.drawAtPoint({10, (bounds().size.height - line.size().height) / 2}, context);
-  }
+  std::optional<BrowseSortKey> sort;  // none: the order remembered
+  bool reverse = false;
 };
 
 /// The grid page: the browser in its scroll view, and the status line.
@@ -90,7 +77,9 @@ struct Browser : std::enable_shared_from_this<Browser> {
   BrowseSettings settings;
   std::shared_ptr<MCWindow> window;
   std::shared_ptr<BrowseView> view;
-  std::shared_ptr<StatusBar> status;
+  std::shared_ptr<BrowseStatusBar> status;
+  BrowsePreferences preferences;
+  BrowseSortOrder order;
   std::shared_ptr<BrowseController> controller;
   std::shared_ptr<MCNavigationController> navigation;
   fs::path folder;
@@ -115,6 +104,12 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void zoomViewer(std::optional<double> percent);
   void trashSelection();
   void showContextMenu(MCPoint pointInView);
+  /// Shows the photos in another order, and remembers it.
+  void sortBy(const BrowseSortOrder& newOrder);
+  /// The menu of orders, at a point of the grid view.
+  void showSortMenu(MCPoint pointInView);
+  /// Turns every filter row off.
+  void clearFilter();
 };
 
 /// Remembers `folder` as the one opened last, through the folders the sandbox helper keeps.
@@ -131,7 +126,7 @@ void Browser::load(const fs::path& newFolder) {
     propertyReader.join();
   }
   filter.forgetProperties();
-  all = BrowseCollection::scan(folder);
+  all = BrowseCollection::scan(folder, order);
   if (filter.predicate()) applyFilter();
   else show(all);
   report("folder " + folder.string() + " " + std::to_string(all.numberOfFiles()) + " photos");
@@ -169,7 +164,7 @@ void Browser::applyFilter() {
 
 void Browser::show(BrowseCollection collection) {
   if (navigation) navigation->popToRootViewControllerAnimated(false);
-  std::weak_ptr<StatusBar> weakStatus = status;
+  std::weak_ptr<BrowseStatusBar> weakStatus = status;
   std::weak_ptr<Browser> self = weak_from_this();
   auto thumbnails = controller ? controller->handOverThumbnailCache() : nullptr;
   controller = std::make_shared<BrowseController>(
@@ -178,12 +173,11 @@ void Browser::show(BrowseCollection collection) {
         if (auto b = self.lock()) b->report(line);
       },
       [weakStatus](const std::string& line) {
-        if (auto bar = weakStatus.lock()) {
-          bar->text = line;
-          bar->setNeedsDisplay(true);
-        }
+        if (auto bar = weakStatus.lock()) bar->setText(line);
       },
       std::move(thumbnails));
+  controller->setTotalCount(all.numberOfFiles());
+  status->setShowsClearFilter(filter.predicate() != nullptr);
   // A double-click or Return opens the photo in a viewer page; leaving it gives the keys back.
   auto open = [self](const MCIndexPath& path) {
     auto b = self.lock();
@@ -338,16 +332,78 @@ void Browser::showContextMenu(MCPoint pointInView) {
   });
 }
 
+void Browser::sortBy(const BrowseSortOrder& newOrder) {
+  order = newOrder;
+  preferences.setSortOrder(order);
+  all = all.sorted(order);
+  report("sort " + std::string(BrowseSortOrder::nameOfKey(order.key)) + (order.reversed ? " reversed" : ""));
+  if (filter.predicate()) applyFilter();
+  else show(all);
+}
+
+void Browser::showSortMenu(MCPoint pointInView) {
+  MCMenu menu;
+  for (BrowseSortKey key : {BrowseSortKey::Date, BrowseSortKey::Name, BrowseSortKey::Modified, BrowseSortKey::Size}) {
+    MCMenuItem item(BrowseSortOrder{key, false}.title(), "sortBy:", long(key));
+    if (key == order.key) item.iconName = "object-select-symbolic";
+    menu.addItem(item);
+  }
+  menu.addSeparator();
+  MCMenuItem reversed("Reversed", "sortReversed:");
+  if (order.reversed) reversed.iconName = "object-select-symbolic";
+  menu.addItem(reversed);
+  std::weak_ptr<Browser> self = weak_from_this();
+  window->popUpContextMenu(menu, pointInView, view.get(), [self](const MCMenuItem& item) {
+    auto b = self.lock();
+    if (!b) return;
+    BrowseSortOrder next = b->order;
+    if (item.action == "sortBy:") next.key = BrowseSortKey(item.tag);
+    else if (item.action == "sortReversed:") next.reversed = !next.reversed;
+    else return;
+    b->sortBy(next);
+  });
+}
+
+void Browser::clearFilter() {
+  filter.clear();
+  report("filter cleared");
+  applyFilter();
+}
+
 std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::path& folder) {
   auto b = std::make_shared<Browser>();
   b->settings = settings;
+  b->order = b->preferences.sortOrder();
+  if (settings.sort) b->order = {*settings.sort, settings.reverse};
+  else if (settings.reverse) b->order.reversed = true;
+  if (settings.sort || settings.reverse) b->preferences.setSortOrder(b->order);
   const MCSize size = settings.size;
   b->window = MCWindow::create(size);
-  b->status = std::make_shared<StatusBar>(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
+  b->status = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
   auto scrollView = std::make_shared<MCScrollView>(
-      MCMakeRect(0, StatusBar::kHeight, size.width, size.height - StatusBar::kHeight));
-  b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - StatusBar::kHeight));
+      MCMakeRect(0, BrowseStatusBar::kHeight, size.width, size.height - BrowseStatusBar::kHeight));
+  b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - BrowseStatusBar::kHeight));
   scrollView->setDocumentView(b->view);
+  // The thumbnail size kept from the last run; the slider and the view follow each other.
+  b->view->setScale(b->preferences.scale(b->view->minScale(), b->view->maxScale()).value_or(BrowseView::kDefaultScale));
+  b->status->setScaleRange(b->view->minScale(), b->view->maxScale());
+  b->status->setScale(b->view->scale());
+  {
+    std::weak_ptr<Browser> weak = b;
+    b->view->scaleChanged = [weak](double scale) {
+      auto browser = weak.lock();
+      if (!browser) return;
+      browser->status->setScale(scale);
+      browser->preferences.setScale(scale);
+      browser->report("scale " + std::to_string(scale));
+    };
+    b->status->scaleChanged = [weak](double scale) {
+      if (auto browser = weak.lock()) browser->view->zoomTo(scale);
+    };
+    b->status->clearFilter = [weak] {
+      if (auto browser = weak.lock()) browser->clearFilter();
+    };
+  }
   // The status line along the bottom, the grid above it. Laid out from the size each time rather
   // than by autoresizing, which loses the status line's height when the page passes through a
   // smaller size on its way into the window.
@@ -360,8 +416,8 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
     }
     void resizeSubviewsWithOldSize(MCSize) override {
       const MCSize size = bounds().size;
-      status_->setFrame(MCMakeRect(0, 0, size.width, StatusBar::kHeight));
-      scroll_->setFrame(MCMakeRect(0, StatusBar::kHeight, size.width, std::max(0.0, size.height - StatusBar::kHeight)));
+      status_->setFrame(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
+      scroll_->setFrame(MCMakeRect(0, BrowseStatusBar::kHeight, size.width, std::max(0.0, size.height - BrowseStatusBar::kHeight)));
     }
 
    private:
@@ -462,6 +518,12 @@ int runBrowse(const BrowseSettings& settings) {
     host->addTitleBarButton("document-open-symbolic", "Open Folder… (Ctrl+O)", [weak] {
       if (auto browser = weak.lock()) browser->openFolder();
     });
+    host->addTitleBarButton("view-sort-descending-symbolic", "Sort", [weak] {
+      auto browser = weak.lock();
+      if (!browser) return;
+      const MCRect visible = browser->view->visibleRect();
+      browser->showSortMenu({MCMaxX(visible) - 40, MCMinY(visible) + 4});
+    });
     host->addTitleBarButton("edit-find-symbolic", "Filter (Ctrl+F)", [weak, &filterBar] {
       if (filterBar) filterBar->toggle();
     });
@@ -555,6 +617,14 @@ std::function<int()> defineBrowse(CLI::App& command) {
   command.add_option("--slideshow-interval", settings->slideshowInterval,
                      "seconds each photo shows in the viewer's slideshow (F5)")
       ->check(CLI::Range(0.2, 3600.0));
+  command.add_option_function<std::string>(
+      "--sort",
+      [settings](const std::string& text) {
+        settings->sort = BrowseSortOrder::keyNamed(text);
+        if (!settings->sort) throw CLI::ValidationError("--sort", "'" + text + "' is not date, name, modified or size");
+      },
+      "the order of the photos: date (capture date, by day; the default), name, modified or size; remembered");
+  command.add_flag("--reverse", settings->reverse, "the order reversed (oldest, Z to A, smallest first); remembered");
   command.add_flag("--report", settings->report,
                    "print each thing that happens (selections, the viewer, copies, drags), a line each");
   return [settings] {

@@ -79,14 +79,51 @@ std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
   return modificationDay(file);
 }
 
-BrowseCollection BrowseCollection::scan(const fs::path& folder, std::size_t exifLimit) {
+BrowseCollection BrowseCollection::scan(const fs::path& folder, BrowseSortOrder order, std::size_t exifLimit) {
   const std::vector<fs::path> files = findMediaFiles(folder);
   const bool readExif = files.size() <= exifLimit;
-  std::map<std::string, std::vector<fs::path>, std::greater<>> byDay;
-  for (const auto& file : files) byDay[captureDay(file, readExif)].push_back(file);
+  std::vector<BrowseFileFacts> facts;
+  facts.reserve(files.size());
+  for (const auto& file : files) {
+    BrowseFileFacts about{file, captureDay(file, readExif), 0, 0};
+    std::error_code ec;
+    about.size = fs::file_size(file, ec);
+    if (ec) about.size = 0;
+    if (const auto time = fs::last_write_time(file, ec); !ec)
+      about.modified = std::chrono::system_clock::to_time_t(std::chrono::file_clock::to_sys(time));
+    facts.push_back(std::move(about));
+  }
+  return withFacts(std::move(facts), order);
+}
+
+BrowseCollection BrowseCollection::withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order) {
   BrowseCollection collection;
-  for (auto& [day, dayFiles] : byDay) collection.groups_.push_back({day.empty() ? "unknown day" : day, std::move(dayFiles)});
+  collection.facts_ = std::move(facts);
+  collection.order_ = order;
+  collection.sizes_.reserve(collection.facts_.size());
+  for (const auto& about : collection.facts_) collection.sizes_.emplace(about.file.native(), about.size);
+  collection.arrange();
   return collection;
+}
+
+void BrowseCollection::arrange() {
+  groups_.clear();
+  for (auto& group : BrowseArrange(facts_, order_)) {
+    BrowseGroup shown{std::move(group.title), {}};
+    shown.files.reserve(group.members.size());
+    for (std::size_t i : group.members) shown.files.push_back(facts_[i].file);
+    groups_.push_back(std::move(shown));
+  }
+}
+
+BrowseCollection BrowseCollection::sorted(const BrowseSortOrder& order) const {
+  if (facts_.empty() && !groups_.empty()) return *this;  // made-up items know no facts
+  return withFacts(facts_, order);
+}
+
+uint64_t BrowseCollection::sizeOfFile(const fs::path& file) const {
+  const auto it = sizes_.find(file.native());
+  return it == sizes_.end() ? 0 : it->second;
 }
 
 BrowseCollection BrowseCollection::synthetic(const std::vector<std::size_t>& groupSizes) {
@@ -108,12 +145,18 @@ std::size_t BrowseCollection::numberOfFiles() const {
 }
 
 BrowseCollection BrowseCollection::filtered(const std::function<bool(const std::filesystem::path&)>& keep) const {
-  BrowseCollection out;
-  for (const BrowseGroup& group : groups_) {
-    BrowseGroup kept{group.day, {}};
-    for (const auto& file : group.files)
-      if (keep(file)) kept.files.push_back(file);
-    if (!kept.files.empty()) out.groups_.push_back(std::move(kept));
+  if (facts_.empty()) {
+    BrowseCollection out;
+    for (const BrowseGroup& group : groups_) {
+      BrowseGroup kept{group.day, {}};
+      for (const auto& file : group.files)
+        if (keep(file)) kept.files.push_back(file);
+      if (!kept.files.empty()) out.groups_.push_back(std::move(kept));
+    }
+    return out;
   }
-  return out;
+  std::vector<BrowseFileFacts> kept;
+  for (const auto& about : facts_)
+    if (keep(about.file)) kept.push_back(about);
+  return withFacts(std::move(kept), order_);
 }

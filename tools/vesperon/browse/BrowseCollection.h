@@ -1,16 +1,21 @@
 #pragma once
-// The photos `vesperon browse` shows: every image under a folder, in groups by capture day — the
-// Exif DateTimeOriginal of the file (its own Exif block, else what its codec plug-in reads, as
-// for HEIC, WebP and clips), or the day the file was last changed when it has none —
-// newest day first, files in name order within a day.
+// The photos `vesperon browse` shows: every image under a folder, in the groups of a sort order
+// (BrowseSorting). By capture date, the default, a group is a capture day — the Exif
+// DateTimeOriginal of the file (its own Exif block, else what its codec plug-in reads, as for
+// HEIC, WebP and clips), or the day the file was last changed when it has none — newest day
+// first, files in name order within a day.
+
+#include "BrowseSorting.h"
 
 #include <filesystem>
+#include <cstdint>
 #include <functional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 struct BrowseGroup {
-  std::string day;  // "2024-05-01"
+  std::string day;  // "2024-05-01", or the order's title for the flat orders
   std::vector<std::filesystem::path> files;
 };
 
@@ -19,9 +24,18 @@ class BrowseCollection {
   /// Scans `folder`. Capture days are read from the files' Exif blocks while there are at most
   /// `exifLimit` files; a larger folder is grouped by the files' own days, so the window opens at
   /// once whatever the folder holds.
-  static BrowseCollection scan(const std::filesystem::path& folder, std::size_t exifLimit = 5000);
+  static BrowseCollection scan(const std::filesystem::path& folder, BrowseSortOrder order = {},
+                               std::size_t exifLimit = 5000);
+  /// These files with what is known of them, arranged in `order`.
+  static BrowseCollection withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order);
   /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.
   static BrowseCollection synthetic(const std::vector<std::size_t>& groupSizes);
+
+  /// The same files in another order.
+  BrowseCollection sorted(const BrowseSortOrder& order) const;
+  const BrowseSortOrder& sortOrder() const { return order_; }
+  /// The size in bytes of a file, as the scan found it; 0 when unknown.
+  uint64_t sizeOfFile(const std::filesystem::path& file) const;
 
   /// The files that `keep` answers true for, in the same groups and order; empty groups go.
   BrowseCollection filtered(const std::function<bool(const std::filesystem::path&)>& keep) const;
@@ -36,5 +50,10 @@ class BrowseCollection {
   static std::string captureDay(const std::filesystem::path& file, bool readExif);
 
  private:
+  void arrange();
+
+  std::vector<BrowseFileFacts> facts_;
+  std::unordered_map<std::string, uint64_t> sizes_;
+  BrowseSortOrder order_;
   std::vector<BrowseGroup> groups_;
 };

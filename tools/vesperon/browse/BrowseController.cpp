@@ -13,6 +13,7 @@
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
+#include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCWindow.h>
 
 #include <fstream>
@@ -93,6 +94,23 @@ void BrowseView::keyDown(const MCEvent& event) {
     openFolder();
     return;
   }
+  if (!keys.empty() && (event.modifierFlags() & MCEventModifierFlagCommand)) {
+    switch (keys.front()) {
+      case U'+':
+      case U'=':
+        zoomTo(scale() * kZoomStep);
+        return;
+      case U'-':
+      case U'_':
+        zoomTo(scale() / kZoomStep);
+        return;
+      case U'0':
+        zoomTo(kDefaultScale);
+        return;
+      default:
+        break;
+    }
+  }
   if (!keys.empty() && (keys.front() == U'f' || keys.front() == U'F') &&
       (event.modifierFlags() & MCEventModifierFlagCommand) && toggleFilter) {
     toggleFilter();
@@ -101,14 +119,28 @@ void BrowseView::keyDown(const MCEvent& event) {
   MCBrowserView::keyDown(event);
 }
 
+double BrowseView::wheelStep(double visibleLength) { return std::pow(std::max(1.0, visibleLength), 2.0 / 3.0); }
+
+void BrowseView::zoomTo(double scale) { setScale(std::clamp(scale, minScale(), maxScale())); }
+
 void BrowseView::scrollWheel(const MCEvent& event) {
-  if (!(event.modifierFlags() & MCEventModifierFlagCommand)) {
-    MCBrowserView::scrollWheel(event);
+  if (event.modifierFlags() & MCEventModifierFlagCommand) {
+    // A wheel notch zooms by a tenth; a touchpad by its distance.
+    const double step = event.hasPreciseScrollingDeltas() ? event.scrollingDeltaY() / 200 : event.scrollingDeltaY() / 10;
+    zoomTo(scale() * (1 + step));
     return;
   }
-  // A wheel notch zooms by a tenth; a touchpad by its distance.
-  const double step = event.hasPreciseScrollingDeltas() ? event.scrollingDeltaY() / 200 : event.scrollingDeltaY() / 10;
-  setScale(std::clamp(scale() * (1 + step), minScale(), maxScale()));
+  if (event.hasPreciseScrollingDeltas() || !enclosingScrollView()) {
+    MCBrowserView::scrollWheel(event);  // a touchpad's pixels, as they come
+    return;
+  }
+  // A notch moves the visible length to the power two thirds (about a third of a screen), as GTK's
+  // scrolled windows do, rather than a few lines.
+  const MCSize visible = enclosingScrollView()->contentSize();
+  MCBrowserView::scrollWheel(MCEvent::scrollWheelEvent(event.locationInWindow(),
+                                                       event.scrollingDeltaX() * wheelStep(visible.width),
+                                                       event.scrollingDeltaY() * wheelStep(visible.height), true,
+                                                       event.modifierFlags(), event.timestamp()));
 }
 
 BrowseController::BrowseController(BrowseCollection collection, std::function<void(const std::string&)> report,
@@ -159,12 +191,49 @@ uint64_t BrowseController::thumbnailPixelSize() const {
   return uint64_t(std::ceil(MCBrowserViewItemCardCell::defaultImageWidth() * scale * backing));
 }
 
+std::string BrowseController::formatCount(std::size_t count) {
+  const std::string digits = std::to_string(count);
+  std::string text;
+  for (std::size_t i = 0; i < digits.size(); ++i) {
+    if (i > 0 && (digits.size() - i) % 3 == 0) text += ',';
+    text += digits[i];
+  }
+  return text;
+}
+
+std::string BrowseController::formatByteCount(uint64_t bytes) {
+  if (bytes < 1000) return std::to_string(bytes) + (bytes == 1 ? " byte" : " bytes");
+  static const char* const units[] = {"kB", "MB", "GB", "TB"};
+  double value = double(bytes) / 1000;
+  std::size_t unit = 0;
+  while (value >= 999.95 && unit + 1 < std::size(units)) {
+    value /= 1000;
+    ++unit;
+  }
+  char text[32];
+  std::snprintf(text, sizeof text, "%.1f %s", value, units[unit]);
+  return text;
+}
+
 std::string BrowseController::statusLine() const {
   auto view = view_.lock();
-  const std::size_t photos = collection_.numberOfFiles(), days = collection_.groups().size();
-  std::string line = std::to_string(photos) + (photos == 1 ? " photo" : " photos") + " in " + std::to_string(days) +
-                     (days == 1 ? " day" : " days");
-  if (view && view->hasSelection()) line += ", " + std::to_string(view->selectionCount()) + " selected";
+  const std::size_t photos = collection_.numberOfFiles(), groups = collection_.groups().size();
+  const auto noun = [](std::size_t n) { return n == 1 ? " photo" : " photos"; };
+  std::string line;
+  if (totalCount_ > photos) {
+    line = formatCount(photos) + " of " + formatCount(totalCount_) + noun(totalCount_);
+  } else {
+    line = formatCount(photos) + noun(photos);
+    if (collection_.sortOrder().key == BrowseSortKey::Date)
+      line += " in " + formatCount(groups) + (groups == 1 ? " day" : " days");
+  }
+  if (view && view->hasSelection()) {
+    uint64_t bytes = 0;
+    for (const MCIndexPath& path : view->selectionIndexPaths())
+      bytes += collection_.sizeOfFile(collection_.file(path.group, path.item));
+    const std::size_t selected = view->selectionCount();
+    line += ", " + formatCount(selected) + noun(selected) + " selected (" + formatByteCount(bytes) + ")";
+  }
   return line;
 }
 
@@ -259,6 +328,7 @@ void BrowseController::browserViewScaleDidChange(MCBrowserView& view) {
   // for everything, at the new size, once the view has its new layout.
   cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
   view.invalidatePrefetching();
+  if (auto* browse = dynamic_cast<BrowseView*>(&view); browse && browse->scaleChanged) browse->scaleChanged(view.scale());
 }
 
 void BrowseController::browserViewSelectionDidChange(MCBrowserView& view) {

@@ -28,12 +28,22 @@ struct BrowseItemInfo {
   static BrowseItemInfo read(const std::filesystem::path& file);
 };
 
-/// The browser view of the program: Ctrl with the wheel zooms, as a pinch does; Return opens the
-/// first selected photo; Delete moves the selected files to the trash; Ctrl+O opens a folder;
-/// Ctrl+F shows or hides the filter bar.
+/// The browser view of the program: Ctrl with the wheel zooms, as a pinch and Ctrl+plus, Ctrl+minus
+/// and Ctrl+0 (back to the default size) do; a wheel notch scrolls as far as in GTK's own scrolled
+/// windows; Return opens the first selected photo; Delete moves the selected files to the trash;
+/// Ctrl+O opens a folder; Ctrl+F shows or hides the filter bar.
 class BrowseView : public MCBrowserView {
  public:
   using MCBrowserView::MCBrowserView;
+  static constexpr double kDefaultScale = 0.5;
+  /// How far one Ctrl+plus or Ctrl+minus changes the scale: a factor.
+  static constexpr double kZoomStep = 1.2;
+  /// The distance of one wheel notch over a visible length, as GTK's scrolled windows take it.
+  static double wheelStep(double visibleLength);
+  /// Sets the scale, kept between the smallest and the largest.
+  void zoomTo(double scale);
+  /// Told of every change of the scale, by whatever means.
+  std::function<void(double)> scaleChanged;
   std::function<void(const MCIndexPath&)> openItem;
   std::function<void()> trashSelection;
   std::function<void()> openFolder;
@@ -64,7 +74,15 @@ class BrowseController : public MCBrowserViewDataSource,
   const BrowseCollection& collection() const { return collection_; }
   /// Items asked for and not yet answered.
   std::size_t pendingCount() const { return pending_.size(); }
+  /// How many photos the folder holds, of which the collection shows those a filter let through.
+  void setTotalCount(std::size_t count) { totalCount_ = count; }
+  /// "2,000 photos in 49 days", "89 of 2,000 photos" while a filter narrows, then the selection:
+  /// "9 photos selected (25.3 MB)".
   std::string statusLine() const;
+  /// A count with thousands separated by commas: "20,000".
+  static std::string formatCount(std::size_t count);
+  /// A size in bytes as people read it: "980 bytes", "25.3 MB" (decimal units, as GNOME's).
+  static std::string formatByteCount(uint64_t bytes);
   /// Opens a photo in the viewer (set by the program); a double-click calls it.
   std::function<void(const MCIndexPath&)> openItem;
   /// Shows the context menu of the selection (set by the program); a right-click on a cell calls
@@ -109,6 +127,7 @@ class BrowseController : public MCBrowserViewDataSource,
   std::shared_ptr<MCThumbnailDescriptorProvider> provider(const MCIndexPath& indexPath) const;
 
   BrowseCollection collection_;
+  std::size_t totalCount_ = 0;
   std::function<void(const std::string&)> report_, status_;
   std::weak_ptr<BrowseView> view_;
   std::shared_ptr<MCThumbnailCache> cache_;

@@ -28,6 +28,10 @@ class BrowseFilter {
   std::vector<Row>& rows() { return rows_; }
   /// "All / Any / None of the following are true": how the rows that are on combine.
   const MCPredicateEditorRowTemplateRef& compoundRow() const { return compound_; }
+  /// Turns every row off; their values stay for when they are turned on again.
+  void clear() {
+    for (Row& row : rows_) row.enabled = false;
+  }
   /// The compound row's predicate over the rows that are on; none when no row is on.
   MCPredicateRef predicate();
 

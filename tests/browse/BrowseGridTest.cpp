@@ -1,0 +1,264 @@
+// The grid of `vesperon browse` offscreen: the sort orders and their groups, the status line
+// (counts, the filter's "of", the selection's size), the thumbnail size by keys, wheel and slider
+// and its memory between runs, and the wheel's step.
+
+#include "../../tools/vesperon/browse/BrowseController.h"
+#include "../../tools/vesperon/browse/BrowsePreferences.h"
+#include "../../tools/vesperon/browse/BrowseStatusBar.h"
+
+#include <vesperon/platform/MCMainQueue.h>
+#include <vesperon/toolkit/MCOffscreenHost.h>
+#include <vesperon/toolkit/MCScrollView.h>
+#include <vesperon/toolkit/MCWindow.h>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cmath>
+#include <fstream>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+BrowseFileFacts fact(const char* name, const char* day, std::time_t modified, uint64_t size) {
+  return {fs::path("/photos") / name, day, modified, size};
+}
+
+std::vector<std::string> names(const BrowseCollection& collection) {
+  std::vector<std::string> out;
+  for (const auto& group : collection.groups()) {
+    out.push_back("[" + group.day + "]");
+    for (const auto& file : group.files) out.push_back(file.filename().string());
+  }
+  return out;
+}
+
+std::vector<BrowseFileFacts> sampleFacts() {
+  return {fact("b.jpg", "2024-05-01", 300, 10), fact("a.jpg", "2024-05-01", 100, 30), fact("c.jpg", "2023-01-02", 200, 20),
+          fact("d.jpg", "", 400, 20), fact("e.jpg", "2024-12-31", 50, 5)};
+}
+
+}  // namespace
+
+TEST(BrowseSorting, EachOrderAndItsReverse) {
+  const auto facts = sampleFacts();
+  using V = std::vector<std::string>;
+  // By capture date: newest day first, names in order within a day, the unknown day last.
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {})),
+            (V{"[2024-12-31]", "e.jpg", "[2024-05-01]", "a.jpg", "b.jpg", "[2023-01-02]", "c.jpg", "[unknown day]", "d.jpg"}));
+  // Reversed: the oldest day first, the names backwards; the unknown day still last.
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Date, true})),
+            (V{"[2023-01-02]", "c.jpg", "[2024-05-01]", "b.jpg", "a.jpg", "[2024-12-31]", "e.jpg", "[unknown day]", "d.jpg"}));
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Name, false})),
+            (V{"[Name, A to Z]", "a.jpg", "b.jpg", "c.jpg", "d.jpg", "e.jpg"}));
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Name, true})),
+            (V{"[Name, Z to A]", "e.jpg", "d.jpg", "c.jpg", "b.jpg", "a.jpg"}));
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Modified, false})),
+            (V{"[Modified, newest first]", "d.jpg", "b.jpg", "c.jpg", "a.jpg", "e.jpg"}));
+  // Equal sizes keep the names' order.
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Size, false})),
+            (V{"[Size, largest first]", "a.jpg", "c.jpg", "d.jpg", "b.jpg", "e.jpg"}));
+  EXPECT_EQ(names(BrowseCollection::withFacts(facts, {BrowseSortKey::Size, true})),
+            (V{"[Size, smallest first]", "e.jpg", "b.jpg", "d.jpg", "c.jpg", "a.jpg"}));
+
+  // A filter keeps the order; sorting again keeps the files.
+  const BrowseCollection bySize = BrowseCollection::withFacts(facts, {BrowseSortKey::Size, false});
+  const BrowseCollection some = bySize.filtered([](const fs::path& file) { return file.filename() != "c.jpg"; });
+  EXPECT_EQ(names(some), (V{"[Size, largest first]", "a.jpg", "d.jpg", "b.jpg", "e.jpg"}));
+  EXPECT_EQ(some.sorted({}).numberOfFiles(), 4u);
+  EXPECT_EQ(some.sizeOfFile("/photos/a.jpg"), 30u);
+  EXPECT_EQ(some.sizeOfFile("/photos/c.jpg"), 0u);
+  EXPECT_TRUE(BrowseCollection::withFacts({}, {}).groups().empty());
+
+  for (auto key : {BrowseSortKey::Date, BrowseSortKey::Name, BrowseSortKey::Modified, BrowseSortKey::Size})
+    EXPECT_EQ(BrowseSortOrder::keyNamed(BrowseSortOrder::nameOfKey(key)), key);
+  EXPECT_EQ(BrowseSortOrder::keyNamed("Date"), std::nullopt);
+  EXPECT_EQ(BrowseSortOrder::keyNamed(""), std::nullopt);
+}
+
+TEST(BrowseStatus, CountsAndSizes) {
+  EXPECT_EQ(BrowseController::formatCount(0), "0");
+  EXPECT_EQ(BrowseController::formatCount(999), "999");
+  EXPECT_EQ(BrowseController::formatCount(1000), "1,000");
+  EXPECT_EQ(BrowseController::formatCount(20000), "20,000");
+  EXPECT_EQ(BrowseController::formatCount(1234567), "1,234,567");
+  EXPECT_EQ(BrowseController::formatByteCount(1), "1 byte");
+  EXPECT_EQ(BrowseController::formatByteCount(999), "999 bytes");
+  EXPECT_EQ(BrowseController::formatByteCount(1000), "1.0 kB");
+  EXPECT_EQ(BrowseController::formatByteCount(25'300'000), "25.3 MB");
+  // Rounding up to 1000.0 MB reads as 1.0 GB.
+  EXPECT_EQ(BrowseController::formatByteCount(999'960'000), "1.0 GB");
+}
+
+namespace {
+
+// A grid in an offscreen window, as the program makes it: the view in a scroll view.
+struct Grid {
+  std::shared_ptr<MCWindow> window = MCWindow::create({800, 600});
+  std::shared_ptr<MCScrollView> scroll = std::make_shared<MCScrollView>(MCMakeRect(0, 0, 800, 600));
+  std::shared_ptr<BrowseView> view = std::make_shared<BrowseView>(MCMakeRect(0, 0, 800, 600));
+  std::unique_ptr<MCOffscreenHost> host;
+  std::shared_ptr<BrowseController> controller;
+  std::vector<std::string> statuses;
+
+  explicit Grid(BrowseCollection collection, std::size_t total) {
+    scroll->setDocumentView(view);
+    window->setContentView(scroll);
+    window->makeFirstResponder(view.get());
+    host = std::make_unique<MCOffscreenHost>(window, 1.0);
+    controller = std::make_shared<BrowseController>(std::move(collection), nullptr,
+                                                     [this](const std::string& line) { statuses.push_back(line); });
+    controller->setTotalCount(total);
+    controller->attach(view);
+    host->render();
+  }
+  MCPoint inWindow(MCPoint inView) const { return view->convertPointToView(inView, nullptr); }
+};
+
+std::vector<BrowseFileFacts> manyFacts(std::size_t count) {
+  std::vector<BrowseFileFacts> facts;
+  for (std::size_t i = 0; i < count; ++i)
+    facts.push_back({"/nowhere/" + std::to_string(1000 + i) + ".jpg", i % 2 ? "2024-01-02" : "2024-01-01", 0,
+                     uint64_t(2'811'111)});
+  return facts;
+}
+
+}  // namespace
+
+TEST(BrowseStatus, SaysTheFilterAndTheSelection) {
+  Grid all(BrowseCollection::withFacts(manyFacts(2000), {}), 2000);
+  EXPECT_EQ(all.controller->statusLine(), "2,000 photos in 2 days");
+  // Nine photos of about 2.8 MB each.
+  for (uint64_t i = 0; i < 9; ++i) all.view->selectItemAtIndexPath(MCIndexPath::indexPathForItem(i, 0), i > 0, false);
+  EXPECT_EQ(all.controller->statusLine(), "2,000 photos in 2 days, 9 photos selected (25.3 MB)");
+  EXPECT_EQ(all.statuses.back(), all.controller->statusLine());
+
+  // A filter lets 89 of 2,000 through: the status says of how many.
+  const BrowseCollection some = BrowseCollection::withFacts(manyFacts(2000), {}).filtered([](const fs::path& file) {
+    return std::stoi(file.stem().string()) % 22 == 0 && std::stoi(file.stem().string()) < 1000 + 89 * 22;
+  });
+  ASSERT_EQ(some.numberOfFiles(), 89u);
+  Grid filtered(some, 2000);
+  EXPECT_EQ(filtered.controller->statusLine(), "89 of 2,000 photos");
+  filtered.view->selectItemAtIndexPath(MCIndexPath::indexPathForItem(0, 0), false, false);
+  EXPECT_EQ(filtered.controller->statusLine(), "89 of 2,000 photos, 1 photo selected (2.8 MB)");
+
+  // The flat orders have no days to count.
+  Grid byName(BrowseCollection::withFacts(manyFacts(3), {BrowseSortKey::Name, false}), 3);
+  EXPECT_EQ(byName.controller->statusLine(), "3 photos");
+}
+
+TEST(BrowseStatus, FollowsARubberBandWhileItIsDragged) {
+  Grid grid(BrowseCollection::withFacts(manyFacts(40), {BrowseSortKey::Name, false}), 40);
+  // From the empty margin left of the first card, over the first row and a half.
+  const MCRect first = grid.view->contentLayout()->cellFrameAtItemIndex(0);
+  const MCPoint from = grid.inWindow({2, MCMinY(first) - 4});
+  grid.host->mouseDown(from);
+  grid.host->mouseDragged(grid.inWindow({500, MCMaxY(first) - 20}));
+  // The status line changes before the button comes up.
+  grid.host->addWait(0.05);
+  std::size_t seenWhileDragging = 0;
+  grid.host->run();
+  for (const auto& line : grid.statuses)
+    if (line.find("selected") != std::string::npos) ++seenWhileDragging;
+  EXPECT_GT(seenWhileDragging, 0u);
+  grid.host->mouseUp(grid.inWindow({500, MCMaxY(first) - 20}));
+  grid.host->run();
+  EXPECT_NE(grid.statuses.back().find("selected"), std::string::npos) << grid.statuses.back();
+}
+
+TEST(BrowseThumbnailSize, KeysWheelAndTheirLimits) {
+  Grid grid(BrowseCollection::withFacts(manyFacts(300), {}), 300);
+  std::vector<double> told;
+  grid.view->scaleChanged = [&](double scale) { told.push_back(scale); };
+  ASSERT_DOUBLE_EQ(grid.view->scale(), BrowseView::kDefaultScale);
+  grid.host->keyPress(U'=', MCEventModifierFlagCommand);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), 0.5 * BrowseView::kZoomStep);
+  for (int i = 0; i < 10; ++i) grid.host->keyPress(U'+', MCEventModifierFlagCommand);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), grid.view->maxScale());
+  for (int i = 0; i < 20; ++i) grid.host->keyPress(U'-', MCEventModifierFlagCommand);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), grid.view->minScale());
+  grid.host->keyPress(U'0', MCEventModifierFlagCommand);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), BrowseView::kDefaultScale);
+  ASSERT_FALSE(told.empty());
+  EXPECT_DOUBLE_EQ(told.back(), BrowseView::kDefaultScale);
+  // A plain minus is no zoom.
+  grid.host->keyPress(U'-');
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), BrowseView::kDefaultScale);
+
+  // Ctrl with a wheel notch up grows the thumbnails by a tenth, and does not scroll.
+  const MCPoint middle = grid.inWindow({400, 300});
+  grid.host->addEvent(MCEvent::scrollWheelEvent(middle, 0, 1, false, MCEventModifierFlagCommand));
+  grid.host->run();
+  EXPECT_NEAR(grid.view->scale(), 0.55, 1e-9);
+  EXPECT_DOUBLE_EQ(grid.scroll->contentView()->bounds().origin.y, 0);
+
+  // A plain notch down scrolls by the visible height to the power two thirds.
+  grid.view->zoomTo(BrowseView::kDefaultScale);
+  grid.host->scrollWheel(middle, 0, -1, false);
+  grid.host->run();
+  grid.host->addWait(0.5);  // the wheel scrolls smoothly, over a few frames
+  grid.host->run();
+  EXPECT_NEAR(grid.scroll->contentView()->bounds().origin.y, std::pow(grid.scroll->contentSize().height, 2.0 / 3.0), 1.0);
+}
+
+TEST(BrowseThumbnailSize, TheSliderSetsItAndTheLinkClearsTheFilter) {
+  auto window = MCWindow::create({600, BrowseStatusBar::kHeight});
+  auto bar = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, 600, BrowseStatusBar::kHeight));
+  window->setContentView(bar);
+  MCOffscreenHost host(window, 1.0);
+  bar->setScaleRange(0.25, 1.0);
+  std::vector<double> values;
+  int cleared = 0;
+  bar->scaleChanged = [&](double value) { values.push_back(value); };
+  bar->clearFilter = [&] { ++cleared; };
+  const MCRect track = bar->sliderTrackRect();
+  auto at = [&](double x) { return bar->convertPointToView({x, MCMidY(track)}, nullptr); };
+  host.mouseDown(at(track.origin.x + track.size.width / 3));
+  host.mouseDragged(at(MCMaxX(track) + 50));  // past the end: the largest
+  host.mouseUp(at(MCMaxX(track) + 50));
+  host.run();
+  ASSERT_EQ(values.size(), 2u);
+  EXPECT_NEAR(values[0], 0.5, 1e-9);
+  EXPECT_DOUBLE_EQ(values[1], 1.0);
+  EXPECT_DOUBLE_EQ(bar->scale(), 1.0);
+
+  // The link is there only while a filter narrows.
+  bar->setText("89 of 2,000 photos");
+  host.click(bar->convertPointToView({30, BrowseStatusBar::kHeight / 2}, nullptr));
+  host.run();
+  EXPECT_EQ(cleared, 0);
+  bar->setShowsClearFilter(true);
+  const MCRect link = bar->clearFilterRect();
+  EXPECT_GT(link.origin.x, 60);
+  host.click(bar->convertPointToView({MCMidX(link), MCMidY(link)}, nullptr));
+  host.run();
+  EXPECT_EQ(cleared, 1);
+  EXPECT_EQ(values.size(), 2u);
+}
+
+TEST(BrowsePreferences, KeepScaleAndOrderAndMistrustTheFile) {
+  const fs::path file = fs::temp_directory_path() / ("browse-preferences-" + std::to_string(::getpid())) / "settings.json";
+  fs::remove_all(file.parent_path());
+  BrowsePreferences preferences(file);
+  EXPECT_EQ(preferences.scale(0.25, 1), std::nullopt);
+  EXPECT_EQ(preferences.sortOrder(), BrowseSortOrder{});
+  preferences.setScale(0.7);
+  preferences.setSortOrder({BrowseSortKey::Modified, true});
+  const BrowsePreferences again(file);
+  EXPECT_DOUBLE_EQ(again.scale(0.25, 1).value_or(0), 0.7);
+  EXPECT_EQ(again.sortOrder(), (BrowseSortOrder{BrowseSortKey::Modified, true}));
+  // Out of range is brought into it; another kind of value reads as the default.
+  EXPECT_DOUBLE_EQ(again.scale(0.25, 0.5).value_or(0), 0.5);
+  std::ofstream(file, std::ios::trunc) << R"({"BrowseThumbnailScale": "big", "BrowseSortOrder": "colour", "BrowseSortReversed": 1})";
+  EXPECT_EQ(again.scale(0.25, 1), std::nullopt);
+  EXPECT_EQ(again.sortOrder(), BrowseSortOrder{});
+  fs::remove_all(file.parent_path());
+}
