@@ -9,3 +9,9 @@ add_test(NAME browser.browse-filter-on-screen
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-filter-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
           ${PROJECT_SOURCE_DIR}/samples)
 set_tests_properties(browser.browse-filter-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+
+# Its thumbnail size on screen: Ctrl+wheel, Ctrl+minus, the slider, remembered between runs.
+add_test(NAME browser.browse-grid-on-screen
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-grid-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
+          ${PROJECT_SOURCE_DIR}/samples)
+set_tests_properties(browser.browse-grid-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)

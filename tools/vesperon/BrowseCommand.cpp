@@ -395,7 +395,9 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
       if (!browser) return;
       browser->status->setScale(scale);
       browser->preferences.setScale(scale);
-      browser->report("scale " + std::to_string(scale));
+      char line[32];
+      std::snprintf(line, sizeof line, "scale %.3f", scale);
+      browser->report(line);
     };
     b->status->scaleChanged = [weak](double scale) {
       if (auto browser = weak.lock()) browser->view->zoomTo(scale);
@@ -553,6 +555,12 @@ int runBrowse(const BrowseSettings& settings) {
       double x = 0, y = 0;
       host->widgetOriginInSurface(x, y);
       std::printf("ready %ld %ld\n", std::lround(x), std::lround(y));
+      // The thumbnail size and the slider's track (its ends and height, window coordinates, y down).
+      const MCRect track = b->status->sliderTrackRect();
+      const MCPoint start = b->status->convertPointToView({MCMinX(track), MCMidY(track)}, nullptr);
+      const MCPoint end = b->status->convertPointToView({MCMaxX(track), MCMidY(track)}, nullptr);
+      std::printf("scale %.3f\nslider %ld %ld %ld\n", b->view->scale(), std::lround(start.x), std::lround(end.x),
+                  std::lround(b->window->contentSize().height - start.y));
       // Where the first cells' images are, in the window's own coordinates (y down), to aim at.
       const MCSize content = b->window->contentSize();
       for (uint64_t i = 0; i < std::min<uint64_t>(6, b->view->numberOfItems()); ++i) {

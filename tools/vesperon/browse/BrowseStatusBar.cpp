@@ -83,7 +83,7 @@ void BrowseStatusBar::drawRect(const MCRect& dirty) {
   // Small and large thumbnails at the two ends say what the slider does.
   MCColor::colorWithWhite(0, 0.45).setFill(context);
   context.fillRect(MCMakeRect(track.origin.x - 12, MCMidY(track) - 3, 6, 6));
-  context.fillRect(MCMakeRect(MCMaxX(track) + 5, MCMidY(track) - 5, 10, 10));
+  context.fillRect(MCMakeRect(MCMaxX(track) + 9, MCMidY(track) - 5, 10, 10));
 }
 
 void BrowseStatusBar::slideTo(const MCEvent& event) {

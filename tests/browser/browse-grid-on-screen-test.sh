@@ -1,0 +1,64 @@
+#!/usr/bin/env bash
+# The grid of `vesperon browse` on screen under Xvfb and openbox, driven by xdotool: Ctrl with a
+# wheel notch grows the thumbnails (and does not scroll), Ctrl+minus shrinks them, the status
+# bar's slider sets them, and the next run opens at the size left; a plain notch scrolls.
+# Screenshots are left in the work folder (kept on failure) and copied to /tmp/browse-grid-*.png.
+# Usage: browse-grid-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
+# server can be started.
+set -euo pipefail
+vesperon=$1
+samples=$2
+source "$(dirname "$0")/../support/screen-test.sh"
+screen_test_start 1280x900 "$0" "$@"
+screen_test_window_manager
+
+mkdir -p "$work/photos"
+cp "$samples"/*.jpg "$work/photos/"
+fail() { import -window root /tmp/browse-grid-failure.png 2>/dev/null || true; echo "FAIL: $*"; cat "$work/out" "$work/err"; exit 1; }
+
+start() {
+  : >"$work/out"
+  "$vesperon" browse "$work/photos" --size 1000x700 --report >"$work/out" 2>"$work/err" &
+  pid=$!
+  wait_for '^slider '
+  window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
+  read -r _ ox oy < <(grep '^ready ' "$work/out")
+  read -r _ sx0 sx1 sy < <(grep '^slider ' "$work/out")
+}
+
+start
+grep -q '^scale 0.500$' "$work/out" || fail "the first run does not start at the default size"
+read -r _ _ cx cy _ < <(grep '^cell 0 ' "$work/out")
+xdotool mousemove --window "$window" $((ox + cx)) $((oy + cy))
+sleep 0.2
+xdotool keydown ctrl click 4 keyup ctrl
+wait_for '^scale 0.550$'
+sleep 0.3
+import -window root "$work/ctrl-wheel.png"
+xdotool key ctrl+minus
+wait_for '^scale 0.458$'
+# The slider: a click at its right end gives the largest thumbnails.
+xdotool mousemove --window "$window" $((ox + sx1 - 1)) $((oy + sy)) click 1
+wait_for '^scale 0.99[0-9]$\|^scale 1.000$'
+sleep 0.5
+import -window root "$work/slider-largest.png"
+# Then dragged to its left end: the smallest.
+xdotool mousemove --window "$window" $((ox + (sx0 + sx1) / 2)) $((oy + sy)) mousedown 1 sleep 0.1 \
+  mousemove --window "$window" $((ox + sx0 - 40)) $((oy + sy)) sleep 0.2 mouseup 1
+wait_for '^scale 0.250$'
+sleep 0.5
+import -window root "$work/slider-smallest.png"
+xdotool key ctrl+0
+wait_for_last() { for _ in $(seq 100); do [ "$(grep '^scale' "$work/out" | tail -1)" = "$1" ] && return 0; sleep 0.05; done; fail "last scale is not $1"; }
+wait_for_last 'scale 0.500'
+xdotool mousemove --window "$window" $((ox + sx1 + 40)) $((oy + sy)) click 1  # beside the slider: nothing
+xdotool mousemove --window "$window" $((ox + (sx0 + 3 * sx1) / 4)) $((oy + sy)) click 1
+wait_for_last 'scale 0.812'
+kill "$pid"; wait "$pid" 2>/dev/null || true
+
+# The next run opens at the size left.
+start
+grep -q '^scale 0.812$' "$work/out" || fail "the second run does not open at the size left: $(grep '^scale' "$work/out")"
+kill "$pid"; wait "$pid" 2>/dev/null || true
+for f in "$work"/*.png; do cp "$f" "/tmp/browse-grid-$(basename "$f")"; done
+echo "PASS"
