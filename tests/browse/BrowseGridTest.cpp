@@ -6,12 +6,15 @@
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
 
+#include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/platform/MCMainQueue.h>
 #include <vesperon/toolkit/MCOffscreenHost.h>
 #include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCWindow.h>
 
 #include <gtest/gtest.h>
+
+#include <glib.h>
 
 #include <unistd.h>
 
@@ -261,4 +264,76 @@ TEST(BrowsePreferences, KeepScaleAndOrderAndMistrustTheFile) {
   EXPECT_EQ(again.scale(0.25, 1), std::nullopt);
   EXPECT_EQ(again.sortOrder(), BrowseSortOrder{});
   fs::remove_all(file.parent_path());
+}
+
+TEST(BrowseItemCell, NamesAreCutInTheMiddleSoTheExtensionStays) {
+  const MCTextAttributes font{MCFont::systemFontOfSize(12), MCColor::labelColor(), {}, {}, {}};
+  const auto width = [&](const std::string& text) { return MCAttributedString(text, font).size().width; };
+  EXPECT_EQ(BrowseItemCell::titleFittingWidth("short.jpg", 200, font), "short.jpg");
+  EXPECT_EQ(BrowseItemCell::titleFittingWidth("", 200, font), "");
+  const std::string name = "IMG_20240321_black-sand-beach-at-dawn-from-the-cliffs.jpg";
+  for (double room : {180.0, 120.0, 70.0}) {
+    SCOPED_TRACE(room);
+    const std::string cut = BrowseItemCell::titleFittingWidth(name, room, font);
+    EXPECT_LE(width(cut), room);
+    EXPECT_NE(cut.find("…"), std::string::npos) << cut;
+    EXPECT_EQ(cut.substr(cut.size() - 4), ".jpg") << cut;
+    EXPECT_EQ(cut.substr(0, 3), "IMG") << cut;
+    // As much kept as fits: one more character would not.
+    EXPECT_GT(width(cut) + width("MM"), room - 1) << cut;
+  }
+  // No room at all: the ellipsis alone, never a broken character.
+  const std::string accented = "été-à-Trouville-près-de-la-mer-éclairée.jpg";
+  EXPECT_EQ(BrowseItemCell::titleFittingWidth(accented, 1, font), "…");
+  for (double room : {60.0, 90.0, 130.0}) {
+    const std::string cut = BrowseItemCell::titleFittingWidth(accented, room, font);
+    EXPECT_TRUE(g_utf8_validate(cut.c_str(), -1, nullptr)) << cut;
+    EXPECT_EQ(cut.substr(cut.size() - 4), ".jpg") << cut;
+  }
+}
+
+TEST(BrowseItemCell, LoadingAndFailureAreVisible) {
+  // Files that do not exist: every card first loads, then fails.
+  Grid grid(BrowseCollection::withFacts(manyFacts(4), {BrowseSortKey::Name, false}), 4);
+  const MCRect frame = grid.view->contentLayout()->cellFrameAtItemIndex(0);
+  BrowseItemCell card;
+  const MCRect image = card.imageRectForBounds(frame);
+  // Dark text pixels in the middle of the placeholder: the words over it.
+  const auto darkPixelsOverPlaceholder = [&] {
+    MCRasterImageRef shot = grid.host->render();
+    const MCPoint centre = grid.view->convertPointToView({MCMidX(image), MCMidY(image)}, nullptr);
+    const long cx = std::lround(centre.x), cy = std::lround(double(shot->height()) - centre.y);
+    std::size_t dark = 0;
+    const std::size_t step = shot->bitsPerPixel() / 8;
+    for (long y = cy - 8; y < cy + 8; ++y)
+      for (long x = cx - 40; x < cx + 40; ++x) dark += shot->row(std::size_t(y))[std::size_t(x) * step] < 140;
+    return dark;
+  };
+  EXPECT_GT(darkPixelsOverPlaceholder(), 20u) << "no Loading… over the placeholder";
+  MCMainQueue::runUntil([&] { return grid.controller->pendingCount() == 0; }, std::chrono::seconds(20));
+  EXPECT_GT(darkPixelsOverPlaceholder(), 20u) << "no word of the failure";
+  EXPECT_EQ(grid.statuses.back(), "4 photos, 4 cannot be read");
+}
+
+TEST(BrowseItemInfo, EveryFormatGivesItsDateAndLocation) {
+  const fs::path samples = VESPERON_SAMPLES_DIR;
+  struct Case {
+    const char* file;
+    const char* date;
+    bool located;
+  };
+  for (const Case& c : {Case{"market-phone.heic", "2019-05-03 10:30", true}, Case{"harbour-noon-web.webp", "2019-05-02 12:03", true},
+                        Case{"beach-clip.mp4", "2022-10-02 09:15", true}, Case{"beach.jpg", "2020-08-14 15:20", true}}) {
+    SCOPED_TRACE(c.file);
+    const BrowseItemInfo info = BrowseItemInfo::read(samples / c.file);
+    EXPECT_EQ(info.captureDate, c.date);
+    EXPECT_EQ(info.hasLocation, c.located);
+  }
+  // Nothing to read: no date, no pin, no crash.
+  const BrowseItemInfo none = BrowseItemInfo::read(samples / "no-such-file.jpg");
+  EXPECT_EQ(none.captureDate, "");
+  EXPECT_FALSE(none.hasLocation);
+  BrowseItemInfo odd;
+  odd.applyProperties({{kCGImagePropertyExifDictionary, MCValue(MCDictionary{{kCGImagePropertyExifDateTimeOriginal, MCValue("0000:00:00 00:00:00")}})}});
+  EXPECT_EQ(odd.captureDate, "");
 }

@@ -6,6 +6,7 @@
 
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/drawing/MCBadgeFactory.h>
+#include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExif.h>
 #include <vesperon/metadata/MCExifReader.h>
@@ -50,24 +51,7 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
   if (extension.size() > 1)
     if (auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(extension.substr(1)))
       info.isVideo = MCIsMovieType(*type);
-  // The Exif block sits in the first segments of the file.
-  std::ifstream in(file, std::ios::binary);
-  std::vector<uint8_t> bytes(128 * 1024);
-  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
-  bytes.resize(std::size_t(std::max<std::streamsize>(0, in.gcount())));
-  if (auto reader = MCExifReader::create(bytes)) {
-    if (auto exif = reader->parseExif()) {
-      if (const auto& date = exif->dateTimeOriginal(); date && date->size() >= 16) {
-        std::string text = date->substr(0, 16);
-        text[4] = text[7] = '-';
-        info.captureDate = text;
-      }
-      if (exif->exifPixelXDimension() && exif->exifPixelYDimension())
-        info.pixelSize = {exif->exifPixelXDimension()->doubleValue().value_or(0),
-                          exif->exifPixelYDimension()->doubleValue().value_or(0)};
-      info.hasLocation = exif->gpsLatitude().has_value() && exif->gpsLongitude().has_value();
-    }
-  }
+  info.applyProperties(propertiesOfFile(file));
   info.label = MCColorLabelMapper::labelOfFile(file);
   if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(file)) {
     if (auto iptc = sidecar->find(kCGImagePropertyIPTCDictionary); iptc != sidecar->end())
@@ -77,6 +61,50 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
       }
   }
   return info;
+}
+
+MCDictionary BrowseItemInfo::propertiesOfFile(const fs::path& file) {
+  // The Exif block of a JPEG sits in its first segments: the file's head is enough, where
+  // `vesperon info` reads the whole file.
+  std::ifstream in(file, std::ios::binary);
+  std::vector<uint8_t> bytes(128 * 1024);
+  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
+  bytes.resize(std::size_t(std::max<std::streamsize>(0, in.gcount())));
+  MCDictionary properties;
+  if (auto reader = MCExifReader::create(bytes))
+    if (auto exif = reader->parseExif()) properties = exif->dictionary();
+  // Without an Exif block at its head (HEIC, WebP, PNG's eXIf, a clip's creation time …): what its
+  // plug-in reads, as `info` and `find` take it.
+  if (properties.empty())
+    if (auto read = MCImageReader::metadataFromImageAtURL(file, std::nullopt)) properties = std::move(*read);
+  return properties;
+}
+
+void BrowseItemInfo::applyProperties(const MCDictionary& properties) {
+  if (const MCDictionary* exif = MCDictionaryGetDictionary(properties, kCGImagePropertyExifDictionary)) {
+    const MCValue* date = MCDictionaryGet(*exif, kCGImagePropertyExifDateTimeOriginal);
+    if (date && date->string() && date->string()->size() >= 16 && (*date->string())[4] == ':' &&
+        (*date->string())[7] == ':' && date->string()->compare(0, 10, "0000:00:00") != 0) {
+      std::string text = date->string()->substr(0, 16);
+      text[4] = text[7] = '-';
+      captureDate = text;
+    }
+    const MCValue* width = MCDictionaryGet(*exif, kCGImagePropertyExifPixelXDimension);
+    const MCValue* height = MCDictionaryGet(*exif, kCGImagePropertyExifPixelYDimension);
+    if (width && height && width->doubleValue().value_or(0) > 0 && height->doubleValue().value_or(0) > 0)
+      pixelSize = {*width->doubleValue(), *height->doubleValue()};
+  }
+  if (pixelSize.width <= 0) {
+    const MCValue* width = MCDictionaryGet(properties, kCGImagePropertyPixelWidth);
+    const MCValue* height = MCDictionaryGet(properties, kCGImagePropertyPixelHeight);
+    if (width && height && width->doubleValue().value_or(0) > 0 && height->doubleValue().value_or(0) > 0)
+      pixelSize = {*width->doubleValue(), *height->doubleValue()};
+  }
+  if (const MCDictionary* gps = MCDictionaryGetDictionary(properties, kCGImagePropertyGPSDictionary)) {
+    const MCValue* latitude = MCDictionaryGet(*gps, kCGImagePropertyGPSLatitude);
+    const MCValue* longitude = MCDictionaryGet(*gps, kCGImagePropertyGPSLongitude);
+    hasLocation = latitude && longitude && latitude->doubleValue() && longitude->doubleValue();
+  }
 }
 
 void BrowseView::keyDown(const MCEvent& event) {
@@ -227,6 +255,7 @@ std::string BrowseController::statusLine() const {
     if (collection_.sortOrder().key == BrowseSortKey::Date)
       line += " in " + formatCount(groups) + (groups == 1 ? " day" : " days");
   }
+  if (!failed_.empty()) line += ", " + formatCount(failed_.size()) + " cannot be read";
   if (view && view->hasSelection()) {
     uint64_t bytes = 0;
     for (const MCIndexPath& path : view->selectionIndexPaths())
@@ -258,7 +287,7 @@ const BrowseItemInfo& BrowseController::info(const MCIndexPath& indexPath) {
 }
 
 void BrowseController::updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) {
-  auto& card = static_cast<MCBrowserViewItemCardCell&>(cell);
+  auto& card = static_cast<BrowseItemCell&>(cell);
   MCRasterImageRef image;
   if (auto item = provider(indexPath))
     if (auto thumbnail = cache_->thumbnailForDescriptorProvider(*item)) image = thumbnail->image();
@@ -287,8 +316,14 @@ void BrowseController::updateItemCell(MCBrowserView& view, MCBrowserViewCell& ce
     if (!badge) badge = MCBadgeFactory::badgeStarsWithCount(about.rating, true);
     flags = badge;
   }
-  card.flagsBadge = flags;
-  card.stateBadge = failed ? MCBadgeRef(warning) : about.isVideo ? MCBadgeRef(video) : about.hasLocation ? MCBadgeRef(location) : nullptr;
+  // Badges lie over the photo: with no photo yet they would float over the placeholder.
+  card.flagsBadge = image ? flags : nullptr;
+  card.stateBadge = failed  ? MCBadgeRef(warning)
+                    : !image ? nullptr
+                    : about.isVideo ? MCBadgeRef(video)
+                    : about.hasLocation ? MCBadgeRef(location)
+                                        : nullptr;
+  card.state = image ? BrowseItemCell::State::Shown : failed ? BrowseItemCell::State::Failed : BrowseItemCell::State::Loading;
   MCBadgeRef label;
   if (about.label > 0) {
     auto& badge = labels[about.label];
@@ -421,7 +456,7 @@ std::shared_ptr<MCThumbnailDescriptorProvider> BrowseController::descriptorProvi
 void BrowseController::didFetchThumbnail(MCThumbnailCache&, const std::shared_ptr<const MCThumbnail>& thumbnail,
                                          const MCIndexPath& indexPath) {
   pending_.erase(indexPath);
-  if (!thumbnail || !thumbnail->image()) failed_.insert(indexPath);
+  if ((!thumbnail || !thumbnail->image()) && failed_.insert(indexPath).second && status_) status_(statusLine());
   auto view = view_.lock();
   if (!view || indexPath.group >= view->contentLayout()->numberOfGroups()) return;
   view->reloadItemAtIndexPath(indexPath);

@@ -5,6 +5,7 @@
 
 #include "BrowseCells.h"
 #include "BrowseCollection.h"
+#include "BrowseItemCell.h"
 
 #include <vesperon/browser/MCBrowserView.h>
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
@@ -26,6 +27,11 @@ struct BrowseItemInfo {
   bool hasLocation = false;  // GPS coordinates in the Exif block
   bool isVideo = false;
   static BrowseItemInfo read(const std::filesystem::path& file);
+  /// The file's property dictionary, as `vesperon info` nests it: its own Exif block, or what its
+  /// codec plug-in reads.
+  static MCDictionary propertiesOfFile(const std::filesystem::path& file);
+  /// The date line, pixel size and location out of such a dictionary.
+  void applyProperties(const MCDictionary& properties);
 };
 
 /// The browser view of the program: Ctrl with the wheel zooms, as a pinch and Ctrl+plus, Ctrl+minus
@@ -133,7 +139,7 @@ class BrowseController : public MCBrowserViewDataSource,
   std::shared_ptr<MCThumbnailCache> cache_;
   const BrowseItemInfo& info(const MCIndexPath& indexPath);
 
-  std::shared_ptr<MCBrowserViewItemCardCell> itemCell_ = std::make_shared<MCBrowserViewItemCardCell>();
+  std::shared_ptr<BrowseItemCell> itemCell_ = std::make_shared<BrowseItemCell>();
   std::shared_ptr<BrowseHeaderCell> headerCell_ = std::make_shared<BrowseHeaderCell>();
   std::unordered_set<MCIndexPath> pending_, failed_;
   std::unordered_map<MCIndexPath, BrowseItemInfo> infos_;
