@@ -246,6 +246,8 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
       GtkWidget* widget = gtk_button_new_from_icon_name(button.iconName.c_str());
       gtk_widget_set_tooltip_text(widget, button.toolTip.c_str());
       gtk_widget_set_focusable(widget, FALSE);  // the keys stay with the window's views
+      button.widget = widget;
+      if (button.marked) gtk_widget_add_css_class(widget, "suggested-action");
       g_signal_connect(widget, "clicked", G_CALLBACK(+[](GtkButton*, gpointer data) {
                          auto* entry = static_cast<TitleBarButton*>(data);
                          if (entry->action) entry->action();
@@ -269,6 +271,16 @@ void MCGtkWindowHost::addTitleBarButton(const std::string& iconName, const std::
                                         std::function<void()> action) {
   if (toplevel_) return;  // the header bar is made once, when the window is presented
   titleBarButtons_.push_back({iconName, toolTip, std::move(action)});
+}
+
+void MCGtkWindowHost::setTitleBarButtonMarked(const std::string& iconName, bool marked) {
+  for (TitleBarButton& button : titleBarButtons_) {
+    if (button.iconName != iconName) continue;
+    button.marked = marked;
+    if (!button.widget) continue;
+    if (marked) gtk_widget_add_css_class(button.widget, "suggested-action");
+    else gtk_widget_remove_css_class(button.widget, "suggested-action");
+  }
 }
 
 void MCGtkWindowHost::closeWindow() {

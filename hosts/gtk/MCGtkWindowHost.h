@@ -61,6 +61,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   /// A button at the start of the window's title bar, with a symbolic icon and a tool tip. Call
   /// before presentInNewWindow, which puts the buttons in a header bar.
   void addTitleBarButton(const std::string& iconName, const std::string& toolTip, std::function<void()> action);
+  /// Marks the title bar's button of this icon (GTK's "suggested-action" look) or takes the mark
+  /// away: a state it stands for is on, such as a filter that narrows what shows. Any time.
+  void setTitleBarButtonMarked(const std::string& iconName, bool marked);
 
   /// A widget of the program's own above the window's content (a search or filter bar), which
   /// takes its natural height and leaves the rest to the content. Call before presentInNewWindow.
@@ -133,6 +136,8 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   struct TitleBarButton {
     std::string iconName, toolTip;
     std::function<void()> action;
+    bool marked = false;
+    GtkWidget* widget = nullptr;  // once the header bar is made
   };
   std::vector<TitleBarButton> titleBarButtons_;
   std::vector<MCMenuItem> contextItems_;

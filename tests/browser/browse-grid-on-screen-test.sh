@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # The grid of `vesperon browse` on screen under Xvfb and openbox, driven by xdotool: Ctrl with a
 # wheel notch grows the thumbnails (and does not scroll), Ctrl+minus shrinks them, the status
-# bar's slider sets them, and the next run opens at the size left; a plain notch scrolls.
+# bar's slider sets them, and the next run opens at the size left. A filter that narrows the grid
+# marks the search button, and the status line's "Clear filter" link ends it.
 # Screenshots are left in the work folder (kept on failure) and copied to /tmp/browse-grid-*.png.
 # Usage: browse-grid-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
 # server can be started.
@@ -54,6 +55,23 @@ wait_for_last 'scale 0.500'
 xdotool mousemove --window "$window" $((ox + sx1 + 40)) $((oy + sy)) click 1  # beside the slider: nothing
 xdotool mousemove --window "$window" $((ox + (sx0 + 3 * sx1) / 4)) $((oy + sy)) click 1
 wait_for_last 'scale 0.812'
+
+# A filter that narrows marks the search button and the status line ("1 of 27 photos"); the
+# status line's link clears it, the bar's ticks with it.
+xdotool key ctrl+f
+sleep 0.5
+xdotool type --delay 40 beach
+wait_for '^filter-button marked$'
+wait_for '^clear-filter-link '
+sleep 0.8
+import -window root "$work/filter-narrowing.png"
+read -r _ lx _ < <(grep "^clear-filter-link " "$work/out" | tail -1)  # at the slider's height, the bar closed
+xdotool mousemove --window "$window" $((ox + lx)) $((oy + sy)) click 1
+wait_for '^filter cleared$'
+wait_for '^filter-button plain$'
+grep -q '^filter 27 photos: none$' "$work/out" || fail "the grid does not show all 27 photos again"
+sleep 0.5
+import -window root "$work/filter-cleared.png"
 kill "$pid"; wait "$pid" 2>/dev/null || true
 
 # The next run opens at the size left.

@@ -79,6 +79,10 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::shared_ptr<BrowseView> view;
   std::shared_ptr<BrowseStatusBar> status;
   BrowsePreferences preferences;
+  /// Marks the filter's button while a filter narrows the grid (set by the window's host).
+  std::function<void(bool)> filterMarked;
+  /// Turns the filter bar's rows off (set by the window's host); without it the filter's own.
+  std::function<void()> clearFilterRows;
   BrowseSortOrder order;
   std::shared_ptr<BrowseController> controller;
   std::shared_ptr<MCNavigationController> navigation;
@@ -177,7 +181,16 @@ void Browser::show(BrowseCollection collection) {
       },
       std::move(thumbnails));
   controller->setTotalCount(all.numberOfFiles());
-  status->setShowsClearFilter(filter.predicate() != nullptr);
+  const bool narrowed = filter.predicate() != nullptr;
+  status->setShowsClearFilter(narrowed);
+  if (filterMarked) filterMarked(narrowed);
+  if (narrowed && window->host()) {
+    // Where the status bar's link lies (window coordinates, y down), for a test to aim at.
+    const MCRect link = status->clearFilterRect();
+    const MCPoint centre = status->convertPointToView({MCMidX(link), MCMidY(link)}, nullptr);
+    report("clear-filter-link " + std::to_string(std::lround(centre.x)) + " " +
+           std::to_string(std::lround(window->contentSize().height - centre.y)));
+  }
   // A double-click or Return opens the photo in a viewer page; leaving it gives the keys back.
   auto open = [self](const MCIndexPath& path) {
     auto b = self.lock();
@@ -365,8 +378,12 @@ void Browser::showSortMenu(MCPoint pointInView) {
 }
 
 void Browser::clearFilter() {
-  filter.clear();
   report("filter cleared");
+  if (clearFilterRows) {
+    clearFilterRows();  // the bar's ticks follow, and each row it turns off applies
+    return;
+  }
+  filter.clear();
   applyFilter();
 }
 
@@ -537,10 +554,19 @@ int runBrowse(const BrowseSettings& settings) {
         host->widget(), [weak](const std::string& line) {
           if (auto browser = weak.lock()) browser->report(line);
         });
+    b->clearFilterRows = [&filterBar] {
+      if (filterBar) filterBar->clearRows();
+    };
     b->view->toggleFilter = [&filterBar] {
       if (filterBar) filterBar->toggle();
     };
     host->setTopAccessoryWidget(filterBar->widget());
+    b->filterMarked = [weak, &host](bool marked) {
+      auto browser = weak.lock();
+      if (!browser || !host) return;
+      host->setTitleBarButtonMarked("edit-find-symbolic", marked);
+      browser->report(std::string("filter-button ") + (marked ? "marked" : "plain"));
+    };
     host->presentInNewWindow(application);
     helper->setDialogPresenter(std::make_shared<MCGtkDialogPresenter>(host->toplevel()));
     MCPreviewPanel::sharedPreviewPanel()->setPresenter(std::make_shared<MCGtkPreviewPresenter>());
@@ -576,6 +602,8 @@ int runBrowse(const BrowseSettings& settings) {
     });
   });
   announcer.reset();
+  b->filterMarked = nullptr;
+  b->clearFilterRows = nullptr;
   b->view->toggleFilter = nullptr;
   filterBar.reset();
   helper->setDialogPresenter(nullptr);

@@ -45,3 +45,12 @@ void BrowseFilterBar::toggle() {
   if (show) editor_->grabFocus();
   if (!show && content_) gtk_widget_grab_focus(content_);
 }
+
+void BrowseFilterBar::clearRows() {
+  // As unticking each row's check button would, with one call of `changed` for them all.
+  for (std::size_t i = 0; i < filter_.rows().size(); ++i) {
+    editor_->setRowEnabled(i, false);
+    filter_.rows()[i].enabled = false;
+  }
+  if (changed_) changed_();
+}

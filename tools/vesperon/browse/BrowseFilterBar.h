@@ -30,6 +30,8 @@ class BrowseFilterBar {
   bool isShown() const;
   /// Shows the bar with the focus in its first field, or hides it.
   void toggle();
+  /// Turns every row off, as unticking each would.
+  void clearRows();
 
  private:
   static void revealed(GtkRevealer* revealer, GParamSpec*, BrowseFilterBar* bar);
