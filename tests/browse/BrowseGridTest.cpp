@@ -3,6 +3,7 @@
 // and its memory between runs, and the wheel's step.
 
 #include "../../tools/vesperon/browse/BrowseController.h"
+#include "../../tools/vesperon/browse/BrowseDayReader.h"
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
 
@@ -336,4 +337,97 @@ TEST(BrowseItemInfo, EveryFormatGivesItsDateAndLocation) {
   BrowseItemInfo odd;
   odd.applyProperties({{kCGImagePropertyExifDictionary, MCValue(MCDictionary{{kCGImagePropertyExifDateTimeOriginal, MCValue("0000:00:00 00:00:00")}})}});
   EXPECT_EQ(odd.captureDate, "");
+}
+
+TEST(BrowseLargeFolder, GroupsFillInAsCaptureDaysArrive) {
+  std::vector<BrowseFileFacts> facts;
+  for (int i = 0; i < 6; ++i) facts.push_back({"/p/" + std::to_string(i) + ".jpg", "", 0, 0, true});
+  BrowseCollection collection = BrowseCollection::withFacts(facts, {});
+  using V = std::vector<std::string>;
+  // Until a day is read, no day is claimed for the file.
+  EXPECT_EQ(names(collection), (V{std::string("[") + kPendingDayTitle + "]", "0.jpg", "1.jpg", "2.jpg", "3.jpg", "4.jpg", "5.jpg"}));
+  EXPECT_EQ(collection.filesWithPendingDays().size(), 6u);
+  EXPECT_TRUE(collection.setCaptureDays({{"/p/4.jpg", "2024-03-20"}, {"/p/1.jpg", "2024-03-21"}, {"/p/9.jpg", "2020-01-01"}}));
+  EXPECT_EQ(names(collection), (V{"[2024-03-21]", "1.jpg", "[2024-03-20]", "4.jpg", std::string("[") + kPendingDayTitle + "]",
+                                  "0.jpg", "2.jpg", "3.jpg", "5.jpg"}));
+  // The same news again changes nothing; a file whose day cannot be read leaves the pending group.
+  EXPECT_FALSE(collection.setCaptureDays({{"/p/4.jpg", "2024-03-20"}}));
+  EXPECT_TRUE(collection.setCaptureDays({{"/p/0.jpg", ""}, {"/p/2.jpg", "2024-03-20"}, {"/p/3.jpg", "2024-03-20"},
+                                         {"/p/5.jpg", "2024-03-21"}}));
+  EXPECT_EQ(names(collection), (V{"[2024-03-21]", "1.jpg", "5.jpg", "[2024-03-20]", "2.jpg", "3.jpg", "4.jpg", "[unknown day]", "0.jpg"}));
+  EXPECT_TRUE(collection.filesWithPendingDays().empty());
+  // A flat order keeps its one group whatever days arrive.
+  BrowseCollection flat = BrowseCollection::withFacts(facts, {BrowseSortKey::Name, false});
+  EXPECT_FALSE(flat.setCaptureDays({{"/p/1.jpg", "2024-03-21"}}));
+  EXPECT_EQ(flat.groups().size(), 1u);
+  EXPECT_EQ(flat.sorted({}).groups().front().day, "2024-03-21");
+}
+
+TEST(BrowseLargeFolder, TheReaderDeliversEveryDayOnceOnTheMainQueue) {
+  const fs::path samples = VESPERON_SAMPLES_DIR;
+  std::vector<fs::path> files;
+  for (const char* name : {"beach.jpg", "market-phone.heic", "harbour-noon-web.webp", "corrupt-half-downloaded.jpg"})
+    for (int copy = 0; copy < 40; ++copy) files.push_back(samples / name);
+  std::vector<std::pair<fs::path, std::string>> got;
+  std::size_t batches = 0;
+  bool finished = false;
+  {
+    BrowseDayReader reader(
+        files,
+        [&](BrowseDayReader::Batch batch) {
+          EXPECT_TRUE(MCMainQueue::isMainThread());
+          ++batches;
+          got.insert(got.end(), batch.begin(), batch.end());
+        },
+        [&] { finished = true; });
+    MCMainQueue::runUntil([&] { return finished; }, std::chrono::seconds(30));
+  }
+  ASSERT_TRUE(finished);
+  ASSERT_EQ(got.size(), files.size());
+  EXPECT_GE(batches, 2u);  // the first screenful early, the rest after
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    EXPECT_EQ(got[i].first, files[i]);
+    EXPECT_EQ(got[i].second, BrowseCollection::captureDay(files[i], true));
+  }
+  EXPECT_EQ(got[0].second, "2020-08-14");
+  EXPECT_EQ(got[40].second, "2019-05-03");
+
+  // Gone before it finishes: nothing more arrives.
+  std::size_t late = 0;
+  {
+    BrowseDayReader reader(std::vector<fs::path>(2000, samples / "beach.jpg"), [&](BrowseDayReader::Batch) { ++late; });
+  }
+  MCMainQueue::runUntil([] { return false; }, std::chrono::milliseconds(200));
+  EXPECT_EQ(late, 0u);
+}
+
+TEST(BrowseLargeFolder, TheSameFilesStayOnScreenAndSelectedAsGroupsChange) {
+  std::vector<BrowseFileFacts> facts;
+  for (int i = 0; i < 400; ++i) facts.push_back({"/nowhere/" + std::to_string(1000 + i) + ".jpg", "", 0, 0, true});
+  BrowseCollection collection = BrowseCollection::withFacts(facts, {});
+  Grid grid(collection, 400);
+  grid.scroll->contentView()->scrollToPoint({0, 2000});
+  grid.scroll->reflectScrolledClipView(grid.scroll->contentView().get());
+  grid.view->selectItemAtIndexPath(MCIndexPath::indexPathForItem(150, 0), false, false);
+  const BrowseScrollAnchor anchor = grid.controller->scrollAnchor();
+  ASSERT_FALSE(anchor.file.empty());
+  const std::vector<fs::path> selected = grid.controller->selectedFiles();
+  // Days arrive for every other file: groups appear above the anchor's file.
+  std::vector<std::pair<fs::path, std::string>> days;
+  for (int i = 0; i < 400; i += 2) days.emplace_back(facts[std::size_t(i)].file, i < 200 ? "2024-01-02" : "2024-01-01");
+  ASSERT_TRUE(collection.setCaptureDays(days));
+  auto next = std::make_shared<BrowseController>(collection, nullptr, nullptr, grid.controller->handOverThumbnailCache());
+  grid.controller = next;
+  next->setTotalCount(400);
+  next->attach(grid.view);
+  next->selectFiles(selected);
+  next->restoreScrollAnchor(anchor);
+  EXPECT_EQ(next->selectedFiles(), selected);
+  const auto path = next->indexPathOfFile(anchor.file);
+  ASSERT_TRUE(path);
+  const MCRect cell = grid.view->contentLayout()->cellFrameAtItemIndex(grid.view->contentLayout()->itemIndexFromIndexPath(*path));
+  EXPECT_NEAR(MCMinY(cell) - MCMinY(grid.scroll->documentVisibleRect()), anchor.offset, 0.5);
+  // At the top, the grid stays at the top.
+  next->restoreScrollAnchor({});
+  EXPECT_DOUBLE_EQ(grid.scroll->documentVisibleRect().origin.y, 0);
 }

@@ -9,6 +9,7 @@
 // date, file size, ISO and f-number.
 
 #include "browse/BrowseController.h"
+#include "browse/BrowseDayReader.h"
 #include "browse/BrowseFilter.h"
 #include "browse/BrowseFilterBar.h"
 #include "browse/BrowsePreferences.h"
@@ -91,6 +92,8 @@ struct Browser : std::enable_shared_from_this<Browser> {
   BrowseCollection all;  // the folder's photos; the grid shows those the filter lets through
   BrowseFilter filter;
   std::jthread propertyReader;
+  std::unique_ptr<BrowseDayReader> dayReader;  // a large folder's capture days, read after it shows
+  bool regroupWaiting = false;  // days arrived while the viewer showed
 
   void report(const std::string& line) const {
     if (!settings.report) return;
@@ -100,7 +103,10 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void load(const fs::path& newFolder);
   /// Shows what the filter lets through; reads the folder's properties first when it needs them.
   void applyFilter();
-  void show(BrowseCollection collection);
+  /// `keepPlace`: the same files stay on screen and selected, as the groups change under them.
+  void show(BrowseCollection collection, bool keepPlace = false);
+  /// Capture days arrived: the grid takes its new groups where it stands.
+  void regroup();
   void openFolder();
   /// Shows `file` in the viewer; false when the grid does not show it.
   bool openFile(const fs::path& file);
@@ -130,7 +136,24 @@ void Browser::load(const fs::path& newFolder) {
     propertyReader.join();
   }
   filter.forgetProperties();
+  dayReader.reset();
+  regroupWaiting = false;
   all = BrowseCollection::scan(folder, order);
+  if (auto pending = all.filesWithPendingDays(); !pending.empty()) {
+    std::weak_ptr<Browser> self = weak_from_this();
+    dayReader = std::make_unique<BrowseDayReader>(
+        std::move(pending),
+        [self](BrowseDayReader::Batch batch) {
+          auto b = self.lock();
+          if (!b) return;
+          const bool changed = b->all.setCaptureDays(batch);
+          b->report("days " + std::to_string(batch.size()));
+          if (changed) b->regroup();
+        },
+        [self] {
+          if (auto b = self.lock()) b->report("days read");
+        });
+  }
   if (filter.predicate()) applyFilter();
   else show(all);
   report("folder " + folder.string() + " " + std::to_string(all.numberOfFiles()) + " photos");
@@ -166,7 +189,28 @@ void Browser::applyFilter() {
   show(std::move(shown));
 }
 
-void Browser::show(BrowseCollection collection) {
+void Browser::regroup() {
+  if (!viewer.expired()) {
+    regroupWaiting = true;  // not under the viewer's feet; when it closes
+    return;
+  }
+  regroupWaiting = false;
+  if (filter.predicate()) {
+    if (!filter.hasProperties()) return;  // applied with the new groups once they are read
+    const MCPredicateRef predicate = filter.predicate();
+    show(all.filtered([&](const fs::path& file) { return filter.passes(*predicate, file); }), true);
+  } else {
+    show(all, true);
+  }
+}
+
+void Browser::show(BrowseCollection collection, bool keepPlace) {
+  BrowseScrollAnchor anchor;
+  std::vector<fs::path> selected;
+  if (keepPlace && controller) {
+    anchor = controller->scrollAnchor();
+    selected = controller->selectedFiles();
+  }
   if (navigation) navigation->popToRootViewControllerAnimated(false);
   std::weak_ptr<BrowseStatusBar> weakStatus = status;
   std::weak_ptr<Browser> self = weak_from_this();
@@ -231,7 +275,13 @@ void Browser::show(BrowseCollection collection) {
                            std::to_string(place + 1) + " of " + std::to_string(total));
     };
     sequence.closed = [self] {
-      if (auto b2 = self.lock()) b2->window->setTitle("Vesperon — " + b2->folder.string());
+      auto b2 = self.lock();
+      if (!b2) return;
+      b2->window->setTitle("Vesperon — " + b2->folder.string());
+      if (b2->regroupWaiting)
+        MCMainQueue::async([self] {
+          if (auto b3 = self.lock(); b3 && b3->regroupWaiting) b3->regroup();
+        });
     };
     page->setSequence(std::move(sequence), position);
     page->setSlideshowInterval(b->settings.slideshowInterval);
@@ -251,7 +301,13 @@ void Browser::show(BrowseCollection collection) {
   view->openFolder = [self] {
     if (auto b = self.lock()) b->openFolder();
   };
-  if (window->host()) controller->attach(view);
+  if (window->host()) {
+    controller->attach(view);
+    if (keepPlace) {
+      controller->selectFiles(selected);
+      controller->restoreScrollAnchor(anchor);
+    }
+  }
 }
 
 bool Browser::openFile(const fs::path& file) {

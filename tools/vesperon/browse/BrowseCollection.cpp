@@ -85,7 +85,7 @@ BrowseCollection BrowseCollection::scan(const fs::path& folder, BrowseSortOrder 
   std::vector<BrowseFileFacts> facts;
   facts.reserve(files.size());
   for (const auto& file : files) {
-    BrowseFileFacts about{file, captureDay(file, readExif), 0, 0};
+    BrowseFileFacts about{file, readExif ? captureDay(file, true) : "", 0, 0, !readExif};
     std::error_code ec;
     about.size = fs::file_size(file, ec);
     if (ec) about.size = 0;
@@ -101,7 +101,11 @@ BrowseCollection BrowseCollection::withFacts(std::vector<BrowseFileFacts> facts,
   collection.facts_ = std::move(facts);
   collection.order_ = order;
   collection.sizes_.reserve(collection.facts_.size());
-  for (const auto& about : collection.facts_) collection.sizes_.emplace(about.file.native(), about.size);
+  collection.indexes_.reserve(collection.facts_.size());
+  for (std::size_t i = 0; i < collection.facts_.size(); ++i) {
+    collection.sizes_.emplace(collection.facts_[i].file.native(), collection.facts_[i].size);
+    collection.indexes_.emplace(collection.facts_[i].file.native(), i);
+  }
   collection.arrange();
   return collection;
 }
@@ -114,6 +118,28 @@ void BrowseCollection::arrange() {
     for (std::size_t i : group.members) shown.files.push_back(facts_[i].file);
     groups_.push_back(std::move(shown));
   }
+}
+
+bool BrowseCollection::setCaptureDays(const std::vector<std::pair<fs::path, std::string>>& days) {
+  bool changed = false;
+  for (const auto& [file, day] : days) {
+    const auto it = indexes_.find(file.native());
+    if (it == indexes_.end()) continue;
+    BrowseFileFacts& about = facts_[it->second];
+    if (!about.dayPending && about.captureDay == day) continue;
+    about.captureDay = day;
+    about.dayPending = false;
+    changed = true;
+  }
+  if (changed && order_.key == BrowseSortKey::Date) arrange();
+  return changed && order_.key == BrowseSortKey::Date;
+}
+
+std::vector<fs::path> BrowseCollection::filesWithPendingDays() const {
+  std::vector<fs::path> files;
+  for (const auto& about : facts_)
+    if (about.dayPending) files.push_back(about.file);
+  return files;
 }
 
 BrowseCollection BrowseCollection::sorted(const BrowseSortOrder& order) const {

@@ -22,14 +22,21 @@ struct BrowseGroup {
 class BrowseCollection {
  public:
   /// Scans `folder`. Capture days are read from the files' Exif blocks while there are at most
-  /// `exifLimit` files; a larger folder is grouped by the files' own days, so the window opens at
-  /// once whatever the folder holds.
+  /// `exifLimit` files; in a larger folder they are left pending, to be read in the background
+  /// (BrowseDayReader) and given by `setCaptureDays`, so the window opens at once whatever the
+  /// folder holds.
   static BrowseCollection scan(const std::filesystem::path& folder, BrowseSortOrder order = {},
                                std::size_t exifLimit = 5000);
   /// These files with what is known of them, arranged in `order`.
   static BrowseCollection withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order);
   /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.
   static BrowseCollection synthetic(const std::vector<std::size_t>& groupSizes);
+
+  /// Gives files their capture days (by path); a file not among them keeps its own. Files not
+  /// in the collection are passed over. Answers whether any group changed.
+  bool setCaptureDays(const std::vector<std::pair<std::filesystem::path, std::string>>& days);
+  /// The files whose capture day is still to be read, in name order.
+  std::vector<std::filesystem::path> filesWithPendingDays() const;
 
   /// The same files in another order.
   BrowseCollection sorted(const BrowseSortOrder& order) const;
@@ -54,6 +61,7 @@ class BrowseCollection {
 
   std::vector<BrowseFileFacts> facts_;
   std::unordered_map<std::string, uint64_t> sizes_;
+  std::unordered_map<std::string, std::size_t> indexes_;  // of facts_, by path
   BrowseSortOrder order_;
   std::vector<BrowseGroup> groups_;
 };

@@ -389,6 +389,66 @@ void BrowseController::cellWasDoubleClickedAtIndexPath(MCBrowserView&, const MCI
   if (openItem) openItem(indexPath);
 }
 
+std::optional<MCIndexPath> BrowseController::indexPathOfFile(const fs::path& file) const {
+  const auto& groups = collection_.groups();
+  for (std::size_t g = 0; g < groups.size(); ++g)
+    for (std::size_t i = 0; i < groups[g].files.size(); ++i)
+      if (groups[g].files[i] == file) return MCIndexPath::indexPathForItem(i, g);
+  return std::nullopt;
+}
+
+BrowseScrollAnchor BrowseController::scrollAnchor() const {
+  auto view = view_.lock();
+  MCScrollView* scroll = view ? view->enclosingScrollView() : nullptr;
+  if (!scroll) return {};
+  const MCRect visible = scroll->documentVisibleRect();
+  if (visible.origin.y <= 0) return {};
+  const MCIndexSet items = view->contentLayout()->itemIndexesInRect(visible);
+  if (items.count() == 0) return {};
+  // The first item whose cell begins on screen, else the first one cut by its top.
+  uint64_t chosen = items.firstIndex();
+  for (uint64_t item : items)
+    if (MCMinY(view->contentLayout()->cellFrameAtItemIndex(item)) >= MCMinY(visible)) {
+      chosen = item;
+      break;
+    }
+  const auto path = view->contentLayout()->indexPathFromItemIndex(chosen);
+  if (!path) return {};
+  return {collection_.file(path->group, path->item),
+          MCMinY(view->contentLayout()->cellFrameAtItemIndex(chosen)) - MCMinY(visible)};
+}
+
+void BrowseController::restoreScrollAnchor(const BrowseScrollAnchor& anchor) {
+  auto view = view_.lock();
+  MCScrollView* scroll = view ? view->enclosingScrollView() : nullptr;
+  if (!scroll) return;
+  double y = 0;
+  if (!anchor.file.empty())
+    if (const auto path = indexPathOfFile(anchor.file)) {
+      const uint64_t item = view->contentLayout()->itemIndexFromIndexPath(*path);
+      y = MCMinY(view->contentLayout()->cellFrameAtItemIndex(item)) - anchor.offset;
+    }
+  const double limit = std::max(0.0, view->frame().size.height - scroll->contentSize().height);
+  scroll->contentView()->scrollToPoint({0, std::clamp(y, 0.0, limit)});
+  scroll->reflectScrolledClipView(scroll->contentView().get());
+}
+
+void BrowseController::selectFiles(const std::vector<fs::path>& files) {
+  auto view = view_.lock();
+  if (!view || files.empty()) return;
+  std::unordered_map<std::string, MCIndexPath> where;
+  const auto& groups = collection_.groups();
+  for (std::size_t g = 0; g < groups.size(); ++g)
+    for (std::size_t i = 0; i < groups[g].files.size(); ++i)
+      where.emplace(groups[g].files[i].native(), MCIndexPath::indexPathForItem(i, g));
+  bool first = true;
+  for (const auto& file : files)
+    if (const auto it = where.find(file.native()); it != where.end()) {
+      view->selectItemAtIndexPath(it->second, !first, false);
+      first = false;
+    }
+}
+
 MCRasterImageRef BrowseController::thumbnailAt(const MCIndexPath& indexPath) {
   auto item = provider(indexPath);
   if (!item) return nullptr;

@@ -12,6 +12,7 @@
 #include <vesperon/pipeline/MCThumbnailCache.h>
 
 #include <functional>
+#include <optional>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -58,6 +59,13 @@ class BrowseView : public MCBrowserView {
   void keyDown(const MCEvent& event) override;
 };
 
+/// Where the grid is scrolled to, told by a file rather than by a position, so that it can be
+/// found again after the groups change.
+struct BrowseScrollAnchor {
+  std::filesystem::path file;  ///< the first file on screen; empty at the top
+  double offset = 0;           ///< how far its cell's top lies below the visible top
+};
+
 class BrowseController : public MCBrowserViewDataSource,
                          public MCBrowserViewDelegate,
                          public MCBrowserViewPrefetching,
@@ -96,6 +104,14 @@ class BrowseController : public MCBrowserViewDataSource,
   std::function<void(MCPoint pointInView)> showContextMenu;
   /// The files of the selected items, in order.
   std::vector<std::filesystem::path> selectedFiles() const;
+  /// The index path of a file, if the collection shows it.
+  std::optional<MCIndexPath> indexPathOfFile(const std::filesystem::path& file) const;
+  /// Where the view is scrolled to now.
+  BrowseScrollAnchor scrollAnchor() const;
+  /// Scrolls the view so that the anchor's file lies where it lay (or to the top).
+  void restoreScrollAnchor(const BrowseScrollAnchor& anchor);
+  /// Selects these files, those the collection shows.
+  void selectFiles(const std::vector<std::filesystem::path>& files);
   /// The thumbnail shown for an item now, if any.
   MCRasterImageRef thumbnailAt(const MCIndexPath& indexPath);
   /// Forgets what was read of an item's file (its label changed) and redraws it.

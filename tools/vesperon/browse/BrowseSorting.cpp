@@ -38,7 +38,11 @@ std::vector<BrowseSortedGroup> BrowseArrange(const std::vector<BrowseFileFacts>&
   if (order.key == BrowseSortKey::Date) {
     // Newest day first; an unknown day after every known one, whichever way.
     std::map<std::string, std::vector<std::size_t>> byDay;
-    for (std::size_t i : byName) byDay[facts[i].captureDay].push_back(i);
+    std::vector<std::size_t> pending;
+    for (std::size_t i : byName) {
+      if (facts[i].dayPending) pending.push_back(i);
+      else byDay[facts[i].captureDay].push_back(i);
+    }
     for (auto& [day, members] : byDay) {
       if (order.reversed) std::reverse(members.begin(), members.end());
       groups.push_back({day.empty() ? "unknown day" : day, std::move(members)});
@@ -47,6 +51,7 @@ std::vector<BrowseSortedGroup> BrowseArrange(const std::vector<BrowseFileFacts>&
     auto known = groups.begin() + (hasUnknown ? 1 : 0);
     if (!order.reversed) std::reverse(known, groups.end());
     if (hasUnknown) std::rotate(groups.begin(), groups.begin() + 1, groups.end());
+    if (!pending.empty()) groups.push_back({kPendingDayTitle, std::move(pending)});
     return groups;
   }
   // Name ascends by default; modification date and size come largest first.

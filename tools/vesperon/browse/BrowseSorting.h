@@ -31,6 +31,7 @@ struct BrowseFileFacts {
   std::string captureDay;  ///< "YYYY-MM-DD", "" when unknown
   std::time_t modified = 0;
   uint64_t size = 0;
+  bool dayPending = false;  ///< the capture day is still being read
 };
 
 /// One group of the grid: its title (a day, or the order's title) and its files.
@@ -40,5 +41,8 @@ struct BrowseSortedGroup {
 };
 
 /// The facts arranged in the order: groups by day for date, one group otherwise. Ties keep a
-/// stable order by name, so the same folder always shows the same way.
+/// stable order by name, so the same folder always shows the same way. By date, files whose day
+/// is still being read wait in a last group of their own (kPendingDayTitle), never under a day
+/// that may not be theirs.
+inline constexpr const char* kPendingDayTitle = "Reading capture dates…";
 std::vector<BrowseSortedGroup> BrowseArrange(const std::vector<BrowseFileFacts>& facts, const BrowseSortOrder& order);
