@@ -15,3 +15,9 @@ add_test(NAME browser.browse-grid-on-screen
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-grid-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
           ${PROJECT_SOURCE_DIR}/samples)
 set_tests_properties(browser.browse-grid-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+
+# Its right-click menu whole, Delete to the trash with the selection moving on, and Undo.
+add_test(NAME browser.browse-trash-on-screen
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-trash-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
+          ${PROJECT_SOURCE_DIR}/samples)
+set_tests_properties(browser.browse-trash-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)

@@ -12,6 +12,8 @@
 #include "browse/BrowseDayReader.h"
 #include "browse/BrowseFilter.h"
 #include "browse/BrowseFilterBar.h"
+#include "browse/BrowseNotice.h"
+#include "browse/BrowseTrash.h"
 #include "browse/BrowsePreferences.h"
 #include "browse/BrowseStatusBar.h"
 #include "browse/BrowseViewer.h"
@@ -38,6 +40,7 @@
 #include <cstring>
 #include <optional>
 #include <thread>
+#include <unordered_set>
 
 namespace fs = std::filesystem;
 
@@ -79,6 +82,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::shared_ptr<MCWindow> window;
   std::shared_ptr<BrowseView> view;
   std::shared_ptr<BrowseStatusBar> status;
+  std::shared_ptr<BrowseNotice> notice;
   BrowsePreferences preferences;
   /// Marks the filter's button while a filter narrows the grid (set by the window's host).
   std::function<void(bool)> filterMarked;
@@ -359,17 +363,72 @@ void Browser::openFolder() {
 void Browser::trashSelection() {
   const std::vector<fs::path> files = controller->selectedFiles();
   if (files.empty()) return;
-  std::size_t trashed = 0;
+  // The selection moves on to the photo after the last one trashed, or else the one before the
+  // first, in the grid's order.
+  std::vector<fs::path> order;
+  for (const auto& group : controller->collection().groups()) order.insert(order.end(), group.files.begin(), group.files.end());
+  const std::unordered_set<std::string> chosen = [&] {
+    std::unordered_set<std::string> set;
+    for (const auto& file : files) set.insert(file.native());
+    return set;
+  }();
+  fs::path next;
+  std::size_t last = 0, first = order.size();
+  for (std::size_t i = 0; i < order.size(); ++i)
+    if (chosen.count(order[i].native())) {
+      last = i;
+      first = std::min(first, i);
+    }
+  for (std::size_t i = last + 1; i < order.size() && next.empty(); ++i)
+    if (!chosen.count(order[i].native())) next = order[i];
+  for (std::size_t i = first; i-- > 0 && next.empty();)
+    if (!chosen.count(order[i].native())) next = order[i];
+
+  std::vector<BrowseTrash::Item> trashed;
+  std::unordered_set<std::string> gone;
   for (const fs::path& file : files) {
     std::string error;
-    if (trashItemAtURL(file, nullptr, &error)) {
-      ++trashed;
+    if (auto item = BrowseTrash::trash(file, &error)) {
+      trashed.push_back(*item);
+      gone.insert(file.native());
       report("trashed " + file.string());
     } else {
       report("not trashed " + file.string() + ": " + error);
     }
   }
-  if (trashed) load(folder);  // what is left, selection and all anew
+  if (trashed.empty()) return;
+  all = all.filtered([&](const fs::path& file) { return !gone.count(file.native()); });
+  regroup();
+  if (auto path = controller->indexPathOfFile(next)) view->selectItemAtIndexPath(*path, false, true);
+  const std::string what = trashed.size() == 1 ? "“" + trashed.front().original.filename().string() + "” moved to the trash"
+                                               : BrowseController::formatCount(trashed.size()) + " photos moved to the trash";
+  std::weak_ptr<Browser> self = weak_from_this();
+  const fs::path from = folder;
+  notice->show(what, "Undo", [self, trashed, from] {
+    auto b = self.lock();
+    if (!b) return;
+    std::vector<fs::path> restored;
+    for (const auto& item : trashed) {
+      std::string error;
+      if (BrowseTrash::restore(item, &error)) restored.push_back(item.original);
+      else b->report("not restored " + item.original.string() + ": " + error);
+    }
+    b->report("restored " + std::to_string(restored.size()));
+    if (restored.empty() || b->folder != from) return;
+    b->load(from);
+    if (b->controller) {
+      b->controller->selectFiles(restored);
+      if (auto path = b->controller->indexPathOfFile(restored.front())) b->view->scrollToIndex(b->view->contentLayout()->itemIndexFromIndexPath(*path));
+    }
+  });
+  report("notice " + what);
+  if (window->host()) {
+    // Where its Undo lies (window coordinates, y down), for a test to aim at.
+    const MCRect action = notice->actionRect();
+    const MCPoint centre = notice->convertPointToView({MCMidX(action), MCMidY(action)}, nullptr);
+    report("notice-action " + std::to_string(std::lround(centre.x)) + " " +
+           std::to_string(std::lround(window->contentSize().height - centre.y)));
+  }
 }
 
 void Browser::showContextMenu(MCPoint pointInView) {
@@ -453,6 +512,8 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   const MCSize size = settings.size;
   b->window = MCWindow::create(size);
   b->status = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
+  b->notice = std::make_shared<BrowseNotice>(MCMakeRect(0, 0, BrowseNotice::kWidth, BrowseNotice::kHeight));
+  b->notice->setHidden(true);
   auto scrollView = std::make_shared<MCScrollView>(
       MCMakeRect(0, BrowseStatusBar::kHeight, size.width, size.height - BrowseStatusBar::kHeight));
   b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - BrowseStatusBar::kHeight));
@@ -484,21 +545,25 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   // smaller size on its way into the window.
   class Grid : public MCView {
    public:
-    Grid(MCRect frame, MCViewRef scroll, MCViewRef status)
-        : MCView(frame), scroll_(std::move(scroll)), status_(std::move(status)) {
+    Grid(MCRect frame, MCViewRef scroll, MCViewRef status, MCViewRef notice)
+        : MCView(frame), scroll_(std::move(scroll)), status_(std::move(status)), notice_(std::move(notice)) {
       addSubview(scroll_);
       addSubview(status_);
+      addSubview(notice_);  // last: over the grid
     }
     void resizeSubviewsWithOldSize(MCSize) override {
       const MCSize size = bounds().size;
       status_->setFrame(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
       scroll_->setFrame(MCMakeRect(0, BrowseStatusBar::kHeight, size.width, std::max(0.0, size.height - BrowseStatusBar::kHeight)));
+      // The notice floats above the status line, in the middle.
+      const double width = std::min(BrowseNotice::kWidth, std::max(0.0, size.width - 24));
+      notice_->setFrame(MCMakeRect((size.width - width) / 2, BrowseStatusBar::kHeight + 14, width, BrowseNotice::kHeight));
     }
 
    private:
-    MCViewRef scroll_, status_;
+    MCViewRef scroll_, status_, notice_;
   };
-  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height), scrollView, b->status);
+  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height), scrollView, b->status, b->notice);
   b->navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b->view));
   b->window->setContentView(b->navigation->view());
   b->window->makeFirstResponder(b->view.get());
