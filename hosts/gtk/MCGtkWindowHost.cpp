@@ -35,6 +35,10 @@ void widgetSnapshot(GtkWidget* widget, GtkSnapshot* snapshot) {
 
 void widgetSizeAllocate(GtkWidget* widget, int width, int height, int) {
   if (auto* host = hostOf(widget)) host->allocated(width, height);
+  // A popover among the children (the context menu) is sized and placed only when its parent
+  // presents it here; unpresented it keeps its first guess, a menu cut to a sliver.
+  for (GtkWidget* child = gtk_widget_get_first_child(widget); child; child = gtk_widget_get_next_sibling(child))
+    if (GTK_IS_POPOVER(child)) gtk_popover_present(GTK_POPOVER(child));
 }
 
 void widgetMeasure(GtkWidget* widget, GtkOrientation orientation, int, int* minimum, int* natural, int* minimumBaseline,

@@ -27,6 +27,12 @@ read -r _ _ _ _ name2 < <(grep '^cell 2 ' "$work/out")
 # The menu: its items all show, Move to Trash below the Open With submenu.
 xdotool mousemove --window "$window" $((ox + x1)) $((oy + y1)) click 3
 wait_for '^menu Open With'
+# Every application the desktop registers for JPEG, none left out.
+menu=$(grep '^menu Open With' "$work/out" | tail -1)
+registered=$(gio mime image/jpeg 2>/dev/null | sed -n '/^Registered applications:/,/^[A-Z]/p' | grep -c '\.desktop$' || true)
+listed=$(sed -e 's/^menu Open With//' -e 's/ | Move to Trash$//' <<<"$menu" | tr '|' '\n' | grep -v '^ *-* *$' | grep -vc '^ *$' || true)
+[ "$listed" -ge "$registered" ] || fail "Open With lists $listed applications of the $registered registered: $menu"
+echo "open with: $menu ($registered registered)"
 sleep 0.8
 import -window root "$work/menu.png"
 xdotool key Escape
