@@ -4,6 +4,7 @@
 
 #include "../../tools/vesperon/browse/BrowseController.h"
 #include "../../tools/vesperon/browse/BrowseDayReader.h"
+#include "../../tools/vesperon/browse/BrowseFolderMonitor.h"
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
 
@@ -430,4 +431,68 @@ TEST(BrowseLargeFolder, TheSameFilesStayOnScreenAndSelectedAsGroupsChange) {
   // At the top, the grid stays at the top.
   next->restoreScrollAnchor({});
   EXPECT_DOUBLE_EQ(grid.scroll->documentVisibleRect().origin.y, 0);
+}
+
+TEST(BrowseFolderMonitor, TellsAdditionsRemovalsRenamesAndRewritesInBatches) {
+  const fs::path folder = fs::temp_directory_path() / ("browse-monitor-" + std::to_string(::getpid()));
+  fs::remove_all(folder);
+  fs::create_directories(folder / "old");
+  std::ofstream(folder / "a.jpg") << "a";
+  std::vector<std::set<fs::path>> batches;
+  BrowseFolderMonitor monitor(folder, [&](std::set<fs::path> changed) { batches.push_back(std::move(changed)); }, 0.1, 1.0);
+  EXPECT_EQ(monitor.folderCount(), 2u);
+  const auto settle = [&](std::size_t count) {
+    MCMainQueue::runUntil([&] { return batches.size() >= count; }, std::chrono::seconds(5));
+    return batches.size() >= count;
+  };
+  // Ten files at once make one batch.
+  for (int i = 0; i < 10; ++i) std::ofstream(folder / ("new" + std::to_string(i) + ".jpg")) << i;
+  ASSERT_TRUE(settle(1));
+  EXPECT_EQ(batches.size(), 1u);
+  EXPECT_TRUE(batches[0].count(folder / "new0.jpg"));
+  EXPECT_TRUE(batches[0].count(folder / "new9.jpg"));
+  fs::rename(folder / "a.jpg", folder / "b.jpg");
+  ASSERT_TRUE(settle(2));
+  EXPECT_TRUE(batches[1].count(folder / "a.jpg") || batches[1].count(folder / "b.jpg"));
+  // A file in a folder made after the watch began is seen as well.
+  fs::create_directories(folder / "later");
+  ASSERT_TRUE(settle(3));
+  std::ofstream(folder / "later" / "c.jpg") << "c";
+  ASSERT_TRUE(settle(4));
+  EXPECT_TRUE(batches[3].count(folder / "later" / "c.jpg"));
+  std::ofstream(folder / "old" / "d.jpg", std::ios::app) << "rewritten";
+  ASSERT_TRUE(settle(5));
+  EXPECT_TRUE(batches[4].count(folder / "old" / "d.jpg"));
+  fs::remove(folder / "b.jpg");
+  ASSERT_TRUE(settle(6));
+  EXPECT_TRUE(batches[5].count(folder / "b.jpg"));
+  fs::remove_all(folder);
+}
+
+TEST(BrowseFolderMonitor, ARescanKeepsWhatItKnowsAndReadsWhatChanged) {
+  const fs::path folder = fs::temp_directory_path() / ("browse-rescan-" + std::to_string(::getpid()));
+  fs::remove_all(folder);
+  fs::create_directories(folder);
+  const fs::path samples = VESPERON_SAMPLES_DIR;
+  fs::copy_file(samples / "beach.jpg", folder / "beach.jpg");
+  fs::copy_file(samples / "boat.jpg", folder / "boat.jpg");
+  const BrowseCollection first = BrowseCollection::scan(folder);
+  ASSERT_EQ(first.numberOfFiles(), 2u);
+  fs::remove(folder / "boat.jpg");
+  fs::copy_file(samples / "lake.jpg", folder / "lake.jpg");
+  // beach.jpg rewritten with another photo: its day must be read again.
+  fs::copy_file(samples / "cliffs.jpg", folder / "beach.jpg", fs::copy_options::overwrite_existing);
+  fs::last_write_time(folder / "beach.jpg", fs::file_time_type::clock::now() + std::chrono::seconds(5));
+  const BrowseCollection second = first.rescanned(folder);
+  EXPECT_EQ(second.numberOfFiles(), 2u);
+  EXPECT_EQ(second.factsOfFile(folder / "boat.jpg"), nullptr);
+  ASSERT_NE(second.factsOfFile(folder / "lake.jpg"), nullptr);
+  EXPECT_EQ(second.factsOfFile(folder / "lake.jpg")->captureDay, "2022-10-02");
+  EXPECT_EQ(second.factsOfFile(folder / "beach.jpg")->captureDay, "2020-08-16");
+  // Above the limit a new file's day waits for the reader.
+  std::ofstream(folder / "zz.jpg") << "not yet";
+  const BrowseCollection third = second.rescanned(folder, 2);
+  EXPECT_TRUE(third.factsOfFile(folder / "zz.jpg")->dayPending);
+  EXPECT_FALSE(third.factsOfFile(folder / "lake.jpg")->dayPending);
+  fs::remove_all(folder);
 }

@@ -2,7 +2,8 @@
 # `vesperon browse` on screen under Xvfb and openbox: the right-click menu shows whole, with
 # every application that opens the photo under "Open With"; Delete moves the selected photo to
 # the trash, the selection moves on to the next photo and a notice offers Undo, which puts the
-# file back where it was and selects it. Screenshots go to /tmp/browse-trash-*.png.
+# file back where it was and selects it; a photo copied into the folder appears, and a folder that
+# vanishes is said to be gone in a window that stays. Screenshots go to /tmp/browse-trash-*.png.
 # Usage: browse-trash-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
 # server can be started.
 set -euo pipefail
@@ -57,6 +58,18 @@ wait_for '^restored 1$'
 [ -z "$(ls "$XDG_DATA_HOME/Trash/info/")" ] || fail "the trash still notes $(ls "$XDG_DATA_HOME/Trash/info/")"
 sleep 0.5
 import -window root "$work/restored.png"
+
+# The folder is watched: a photo copied in shows within a second, and a folder that vanishes
+# says so and keeps the window.
+cp "$samples/glacier.jpg" "$work/photos/aaa-new.jpg"
+wait_for '^folder-changed 7 photos$'
+sleep 0.5
+import -window root "$work/added.png"
+rm -rf "$work/photos"
+wait_for '^folder-gone '
+sleep 0.5
+import -window root "$work/gone.png"
+kill -0 "$pid" || fail "the window went with the folder"
 kill "$pid"; wait "$pid" 2>/dev/null || true
 for f in "$work"/*.png; do cp "$f" "/tmp/browse-trash-$(basename "$f")"; done
 echo "PASS ($name1 trashed and restored; $name2 followed it)"

@@ -12,6 +12,7 @@
 #include "browse/BrowseDayReader.h"
 #include "browse/BrowseFilter.h"
 #include "browse/BrowseFilterBar.h"
+#include "browse/BrowseFolderMonitor.h"
 #include "browse/BrowseNotice.h"
 #include "browse/BrowseTrash.h"
 #include "browse/BrowsePreferences.h"
@@ -97,6 +98,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   BrowseFilter filter;
   std::jthread propertyReader;
   std::unique_ptr<BrowseDayReader> dayReader;  // a large folder's capture days, read after it shows
+  std::unique_ptr<BrowseFolderMonitor> monitor;  // files added, removed, renamed, rewritten
   bool regroupWaiting = false;  // days arrived while the viewer showed
 
   void report(const std::string& line) const {
@@ -109,6 +111,10 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void applyFilter();
   /// `keepPlace`: the same files stay on screen and selected, as the groups change under them.
   void show(BrowseCollection collection, bool keepPlace = false);
+  /// Reads the capture days still unknown, in the background.
+  void readPendingDays();
+  /// Files of the folder changed on disk: the grid shows the folder as it is now.
+  void folderChanged();
   /// Capture days arrived: the grid takes its new groups where it stands.
   void regroup();
   void openFolder();
@@ -143,21 +149,11 @@ void Browser::load(const fs::path& newFolder) {
   dayReader.reset();
   regroupWaiting = false;
   all = BrowseCollection::scan(folder, order);
-  if (auto pending = all.filesWithPendingDays(); !pending.empty()) {
-    std::weak_ptr<Browser> self = weak_from_this();
-    dayReader = std::make_unique<BrowseDayReader>(
-        std::move(pending),
-        [self](BrowseDayReader::Batch batch) {
-          auto b = self.lock();
-          if (!b) return;
-          const bool changed = b->all.setCaptureDays(batch);
-          b->report("days " + std::to_string(batch.size()));
-          if (changed) b->regroup();
-        },
-        [self] {
-          if (auto b = self.lock()) b->report("days read");
-        });
-  }
+  readPendingDays();
+  std::weak_ptr<Browser> weak = weak_from_this();
+  monitor = std::make_unique<BrowseFolderMonitor>(folder, [weak](std::set<fs::path>) {
+    if (auto b = weak.lock()) b->folderChanged();
+  });
   if (filter.predicate()) applyFilter();
   else show(all);
   report("folder " + folder.string() + " " + std::to_string(all.numberOfFiles()) + " photos");
@@ -191,6 +187,57 @@ void Browser::applyFilter() {
   BrowseCollection shown = all.filtered([&](const fs::path& file) { return filter.passes(*predicate, file); });
   report("filter " + std::to_string(shown.numberOfFiles()) + " photos: " + predicate->predicateFormat());
   show(std::move(shown));
+}
+
+void Browser::readPendingDays() {
+  dayReader.reset();
+  auto pending = all.filesWithPendingDays();
+  if (pending.empty()) return;
+  std::weak_ptr<Browser> self = weak_from_this();
+  dayReader = std::make_unique<BrowseDayReader>(
+      std::move(pending),
+      [self](BrowseDayReader::Batch batch) {
+        auto b = self.lock();
+        if (!b) return;
+        const bool changed = b->all.setCaptureDays(batch);
+        b->report("days " + std::to_string(batch.size()));
+        if (changed) b->regroup();
+      },
+      [self] {
+        if (auto b = self.lock()) b->report("days read");
+      });
+}
+
+void Browser::folderChanged() {
+  std::error_code ec;
+  if (!fs::is_directory(folder, ec)) {
+    // Gone (deleted, unmounted, renamed): say so, and keep the window for another folder.
+    dayReader.reset();
+    monitor.reset();
+    all = BrowseCollection::withFacts({}, order);
+    show(all);
+    status->setText("The folder " + folder.string() + " is gone. Open another with Ctrl+O.");
+    std::weak_ptr<Browser> self = weak_from_this();
+    notice->show("The folder " + folder.filename().string() + " is gone", "Open Another…", [self] {
+      if (auto b = self.lock()) b->openFolder();
+    }, 3600);
+    report("folder-gone " + folder.string());
+    return;
+  }
+  all = all.rescanned(folder);
+  readPendingDays();
+  report("folder-changed " + std::to_string(all.numberOfFiles()) + " photos");
+  if (filter.predicate()) {
+    // The new files' properties are not known yet: read again, then filter.
+    if (propertyReader.joinable()) {
+      propertyReader.request_stop();
+      propertyReader.join();
+    }
+    filter.forgetProperties();
+    applyFilter();
+    return;
+  }
+  regroup();
 }
 
 void Browser::regroup() {

@@ -79,21 +79,45 @@ std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
   return modificationDay(file);
 }
 
+namespace {
+
+// The size and modification time of a file, as the facts keep them.
+void readAttributes(BrowseFileFacts& about) {
+  std::error_code ec;
+  about.size = fs::file_size(about.file, ec);
+  if (ec) about.size = 0;
+  if (const auto time = fs::last_write_time(about.file, ec); !ec)
+    about.modified = std::chrono::system_clock::to_time_t(std::chrono::file_clock::to_sys(time));
+}
+
+}  // namespace
+
 BrowseCollection BrowseCollection::scan(const fs::path& folder, BrowseSortOrder order, std::size_t exifLimit) {
+  return BrowseCollection::withFacts({}, order).rescanned(folder, exifLimit);
+}
+
+BrowseCollection BrowseCollection::rescanned(const fs::path& folder, std::size_t exifLimit) const {
   const std::vector<fs::path> files = findMediaFiles(folder);
   const bool readExif = files.size() <= exifLimit;
   std::vector<BrowseFileFacts> facts;
   facts.reserve(files.size());
   for (const auto& file : files) {
-    BrowseFileFacts about{file, readExif ? captureDay(file, true) : "", 0, 0, !readExif};
-    std::error_code ec;
-    about.size = fs::file_size(file, ec);
-    if (ec) about.size = 0;
-    if (const auto time = fs::last_write_time(file, ec); !ec)
-      about.modified = std::chrono::system_clock::to_time_t(std::chrono::file_clock::to_sys(time));
+    BrowseFileFacts about{file, "", 0, 0, false};
+    readAttributes(about);
+    if (const BrowseFileFacts* known = factsOfFile(file); known && known->size == about.size && known->modified == about.modified) {
+      facts.push_back(*known);
+      continue;
+    }
+    if (readExif) about.captureDay = captureDay(file, true);
+    else about.dayPending = true;
     facts.push_back(std::move(about));
   }
-  return withFacts(std::move(facts), order);
+  return withFacts(std::move(facts), order_);
+}
+
+const BrowseFileFacts* BrowseCollection::factsOfFile(const fs::path& file) const {
+  const auto it = indexes_.find(file.native());
+  return it == indexes_.end() ? nullptr : &facts_[it->second];
 }
 
 BrowseCollection BrowseCollection::withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order) {

@@ -27,6 +27,11 @@ class BrowseCollection {
   /// folder holds.
   static BrowseCollection scan(const std::filesystem::path& folder, BrowseSortOrder order = {},
                                std::size_t exifLimit = 5000);
+  /// The folder as it is now, in this collection's order: what is known of a file whose size and
+  /// modification time did not change is kept, and only new or rewritten files are read.
+  BrowseCollection rescanned(const std::filesystem::path& folder, std::size_t exifLimit = 5000) const;
+  /// What the scan knows of a file, if the collection holds it.
+  const BrowseFileFacts* factsOfFile(const std::filesystem::path& file) const;
   /// These files with what is known of them, arranged in `order`.
   static BrowseCollection withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order);
   /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.

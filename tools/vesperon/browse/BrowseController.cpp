@@ -31,16 +31,19 @@ namespace {
 
 class Item : public MCThumbnailDescriptorProvider {
  public:
-  Item(const fs::path& file, uint64_t size) : descriptor_(std::make_shared<MCImageDescriptor>(file)) {
+  /// `version` tells a rewritten file from what it was, so that its old thumbnail is not shown.
+  Item(const fs::path& file, uint64_t size, std::string version = {})
+      : descriptor_(std::make_shared<MCImageDescriptor>(file)), version_(std::move(version)) {
     // A folder scan knows no image sizes: saying the image is at least the size wanted makes the
     // reader take an embedded thumbnail only when it is that large.
     descriptor_->estimatedPixelSize = size;
   }
-  MCAnyHashable resourceID() const override { return descriptor_->fileURL.string(); }
+  MCAnyHashable resourceID() const override { return descriptor_->fileURL.string() + version_; }
   std::shared_ptr<const MCImageDescriptor> resourceDescriptor() const override { return descriptor_; }
 
  private:
   std::shared_ptr<MCImageDescriptor> descriptor_;
+  std::string version_;
 };
 
 }  // namespace
@@ -269,7 +272,11 @@ std::string BrowseController::statusLine() const {
 std::shared_ptr<MCThumbnailDescriptorProvider> BrowseController::provider(const MCIndexPath& indexPath) const {
   const auto& groups = collection_.groups();
   if (indexPath.group >= groups.size() || indexPath.item >= groups[indexPath.group].files.size()) return nullptr;
-  return std::make_shared<Item>(groups[indexPath.group].files[indexPath.item], thumbnailPixelSize());
+  const fs::path& file = groups[indexPath.group].files[indexPath.item];
+  std::string version;
+  if (const BrowseFileFacts* about = collection_.factsOfFile(file))
+    version = "|" + std::to_string(about->modified) + "|" + std::to_string(about->size);
+  return std::make_shared<Item>(file, thumbnailPixelSize(), std::move(version));
 }
 
 // MARK: Data source
