@@ -80,14 +80,14 @@ wait_for '^menu Open With | Test Viewer | Move to Trash$'
 sleep 0.4
 xdotool key Down Return
 wait_for "^trashed $work/first/badge.png$"
-wait_for "^folder $work/first 1 photos$"
+wait_for '^folder-changed 1 photos$'  # the folder's monitor sees it go
 [ -f "$work/data/Trash/files/badge.png" ] && [ ! -e "$work/first/badge.png" ] || fail "badge.png is not in the trash"
 cmp -s "$work/data/Trash/files/badge.png" "$samples/badge.png" || fail "the trash holds another badge.png"
 xdotool mousemove --window "$window" $((ox + x0)) $((oy + y0)) click 1
 wait_for_count '^selection 1 0$' 2
 xdotool key Delete
 wait_for "^trashed $work/first/diagram.png$"
-wait_for "^folder $work/first 0 photos$"
+wait_for '^folder-changed 0 photos$'
 
 # Ctrl+O: the file chooser; the folder typed there opens, and is the one remembered.
 xdotool key ctrl+o
