@@ -5,6 +5,7 @@
 #include "../../tools/vesperon/browse/BrowseController.h"
 #include "../../tools/vesperon/browse/BrowseDayReader.h"
 #include "../../tools/vesperon/browse/BrowseFolderMonitor.h"
+#include "../../tools/vesperon/browse/BrowsePlacesSidebar.h"
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
 
@@ -495,4 +496,40 @@ TEST(BrowseFolderMonitor, ARescanKeepsWhatItKnowsAndReadsWhatChanged) {
   EXPECT_TRUE(third.factsOfFile(folder / "zz.jpg")->dayPending);
   EXPECT_FALSE(third.factsOfFile(folder / "lake.jpg")->dayPending);
   fs::remove_all(folder);
+}
+
+TEST(BrowsePlacesSidebar, ListsThePlacesOnceAndOpensTheOneClicked) {
+  const fs::path root = fs::temp_directory_path() / ("browse-places-" + std::to_string(::getpid()));
+  fs::remove_all(root);
+  for (const char* name : {"Pictures", "trip", "garden", "card/DCIM"}) fs::create_directories(root / name);
+  // Remembered in the order opened: the last opened comes first; a folder gone is left out, and
+  // the Pictures folder is not listed twice.
+  const auto places = BrowsePlacesSidebar::placesFrom(
+      root / "Pictures", {root / "trip", root / "gone", root / "Pictures", root / "garden", root / "trip/"},
+      {root / "card", root / "system"}, [&](const fs::path& volume) { return fs::is_directory(volume / "DCIM"); });
+  std::vector<std::string> listed;
+  for (const auto& place : places) listed.push_back(place.section + ":" + place.title);
+  EXPECT_EQ(listed, (std::vector<std::string>{"Places:Pictures", "Recent:trip", "Recent:garden", "Volumes:card"}));
+  // Only volumes mounted for a person are looked into.
+  EXPECT_FALSE(BrowsePlacesSidebar::volumeHasPhotos(root / "card"));
+  EXPECT_FALSE(BrowsePlacesSidebar::volumeHasPhotos("/"));
+
+  auto window = MCWindow::create({BrowsePlacesSidebar::kWidth, 400});
+  auto sidebar = std::make_shared<BrowsePlacesSidebar>(MCMakeRect(0, 0, BrowsePlacesSidebar::kWidth, 400));
+  window->setContentView(sidebar);
+  MCOffscreenHost host(window, 1.0);
+  sidebar->setPlaces(places);
+  std::vector<fs::path> chosen;
+  sidebar->placeChosen = [&](const fs::path& folder) { chosen.push_back(folder); };
+  // Rows lie below one another, a section title before each section.
+  EXPECT_GT(MCMinY(sidebar->rectOfPlace(1)), MCMaxY(sidebar->rectOfPlace(0)) + 10);
+  EXPECT_DOUBLE_EQ(MCMinY(sidebar->rectOfPlace(2)), MCMaxY(sidebar->rectOfPlace(1)));
+  for (std::size_t i : {2u, 3u, 0u}) {
+    const MCRect row = sidebar->rectOfPlace(i);
+    host.click(sidebar->convertPointToView({MCMidX(row), MCMidY(row)}, nullptr));
+  }
+  host.click(sidebar->convertPointToView({20, 390}, nullptr));  // below the rows: nothing
+  host.run();
+  EXPECT_EQ(chosen, (std::vector<fs::path>{root / "garden", root / "card", root / "Pictures"}));
+  fs::remove_all(root);
 }

@@ -2,7 +2,8 @@
 # The grid of `vesperon browse` on screen under Xvfb and openbox, driven by xdotool: Ctrl with a
 # wheel notch grows the thumbnails (and does not scroll), Ctrl+minus shrinks them, the status
 # bar's slider sets them, and the next run opens at the size left. A filter that narrows the grid
-# marks the search button, and the status line's "Clear filter" link ends it.
+# marks the search button, and the status line's "Clear filter" link ends it. F9 shows the places
+# sidebar, whose Pictures folder opens with a click.
 # Screenshots are left in the work folder (kept on failure) and copied to /tmp/browse-grid-*.png.
 # Usage: browse-grid-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
 # server can be started.
@@ -15,6 +16,10 @@ screen_test_window_manager
 
 mkdir -p "$work/photos"
 cp "$samples"/*.jpg "$work/photos/"
+# The desktop's Pictures folder, as xdg-user-dirs names it.
+mkdir -p "$work/pictures" "$XDG_CONFIG_HOME"
+cp "$samples/fern.jpg" "$work/pictures/"
+echo "XDG_PICTURES_DIR=\"$work/pictures\"" >"$XDG_CONFIG_HOME/user-dirs.dirs"
 fail() { import -window root /tmp/browse-grid-failure.png 2>/dev/null || true; echo "FAIL: $*"; cat "$work/out" "$work/err"; exit 1; }
 
 start() {
@@ -77,6 +82,20 @@ kill "$pid"; wait "$pid" 2>/dev/null || true
 # The next run opens at the size left.
 start
 grep -q '^scale 0.812$' "$work/out" || fail "the second run does not open at the size left: $(grep '^scale' "$work/out")"
+
+# F9: the places sidebar lists the Pictures folder and the folder opened before; a click opens one.
+xdotool key F9
+wait_for '^sidebar shown$'
+grep -q "^places | Places: $work/pictures | Recent: $work/photos\$" "$work/out" || fail "the places are $(grep '^places' "$work/out")"
+sleep 0.5
+import -window root "$work/sidebar.png"
+read -r _ _ px py < <(grep '^place 0 ' "$work/out" | tail -1)
+xdotool mousemove --window "$window" $((ox + px)) $((oy + py)) click 1
+wait_for "^folder $work/pictures 1 photos\$"
+sleep 0.5
+import -window root "$work/sidebar-pictures.png"
+xdotool key F9
+wait_for '^sidebar hidden$'
 kill "$pid"; wait "$pid" 2>/dev/null || true
 for f in "$work"/*.png; do cp "$f" "/tmp/browse-grid-$(basename "$f")"; done
 echo "PASS"

@@ -14,6 +14,7 @@
 #include "browse/BrowseFilterBar.h"
 #include "browse/BrowseFolderMonitor.h"
 #include "browse/BrowseNotice.h"
+#include "browse/BrowsePlacesSidebar.h"
 #include "browse/BrowseTrash.h"
 #include "browse/BrowsePreferences.h"
 #include "browse/BrowseStatusBar.h"
@@ -22,6 +23,7 @@
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/controls/MCNavigationController.h>
 #include <vesperon/files/MCMenuExtensions.h>
+#include <vesperon/files/MCFileManagerExtensions.h>
 #include <vesperon/files/MCSandboxHelper.h>
 #include <vesperon/files/MCWorkspaceExtensions.h>
 #include <vesperon/toolkit/MCFilePanel.h>
@@ -36,6 +38,8 @@
 #include <vesperon/toolkit/MCOffscreenHost.h>
 #include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCTimer.h>
+
+#include <glib.h>
 
 #include <cstdio>
 #include <cstring>
@@ -84,6 +88,8 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::shared_ptr<BrowseView> view;
   std::shared_ptr<BrowseStatusBar> status;
   std::shared_ptr<BrowseNotice> notice;
+  std::shared_ptr<BrowsePlacesSidebar> sidebar;
+  MCViewRef grid;  // lays out the sidebar, the grid, the status bar and the notice
   BrowsePreferences preferences;
   /// Marks the filter's button while a filter narrows the grid (set by the window's host).
   std::function<void(bool)> filterMarked;
@@ -130,6 +136,8 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void showSortMenu(MCPoint pointInView);
   /// Turns every filter row off.
   void clearFilter();
+  /// Shows the places sidebar, its places read anew, or hides it.
+  void toggleSidebar();
 };
 
 /// Remembers `folder` as the one opened last, through the folders the sandbox helper keeps.
@@ -352,6 +360,9 @@ void Browser::show(BrowseCollection collection, bool keepPlace) {
   view->openFolder = [self] {
     if (auto b = self.lock()) b->openFolder();
   };
+  view->toggleSidebar = [self] {
+    if (auto b = self.lock()) b->toggleSidebar();
+  };
   if (window->host()) {
     controller->attach(view);
     if (keepPlace) {
@@ -539,6 +550,33 @@ void Browser::showSortMenu(MCPoint pointInView) {
   });
 }
 
+void Browser::toggleSidebar() {
+  const bool show = sidebar->isHidden();
+  if (show) {
+    std::vector<fs::path> remembered;
+    for (const auto& url : MCSandboxHelper::sharedInstance()->sandboxURLs()) remembered.push_back(url->securityScopedURL());
+    const char* pictures = g_get_user_special_dir(G_USER_DIRECTORY_PICTURES);
+    sidebar->setPlaces(BrowsePlacesSidebar::placesFrom(pictures ? fs::path(pictures) : fs::path(), remembered,
+                                                       mountedVolumeURLs(), &BrowsePlacesSidebar::volumeHasPhotos));
+    sidebar->setCurrentFolder(folder);
+    std::string titles;
+    for (const auto& place : sidebar->places()) titles += " | " + place.section + ": " + place.folder.string();
+    report("places" + titles);
+  }
+  sidebar->setHidden(!show);
+  grid->resizeSubviewsWithOldSize(grid->bounds().size);
+  grid->setNeedsDisplay(true);
+  report(std::string("sidebar ") + (show ? "shown" : "hidden"));
+  if (show && window->host())
+    for (std::size_t i = 0; i < sidebar->places().size(); ++i) {
+      // Where each place's row lies (window coordinates, y down), for a test to aim at.
+      const MCRect row = sidebar->rectOfPlace(i);
+      const MCPoint centre = sidebar->convertPointToView({MCMidX(row), MCMidY(row)}, nullptr);
+      report("place " + std::to_string(i) + " " + std::to_string(std::lround(centre.x)) + " " +
+             std::to_string(std::lround(window->contentSize().height - centre.y)));
+    }
+}
+
 void Browser::clearFilter() {
   report("filter cleared");
   if (clearFilterRows) {
@@ -561,6 +599,19 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   b->status = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
   b->notice = std::make_shared<BrowseNotice>(MCMakeRect(0, 0, BrowseNotice::kWidth, BrowseNotice::kHeight));
   b->notice->setHidden(true);
+  b->sidebar = std::make_shared<BrowsePlacesSidebar>(MCMakeRect(0, 0, BrowsePlacesSidebar::kWidth, size.height));
+  b->sidebar->setHidden(true);
+  {
+    std::weak_ptr<Browser> weak = b;
+    b->sidebar->placeChosen = [weak](const fs::path& place) {
+      auto browser = weak.lock();
+      if (!browser || place == browser->folder) return;
+      rememberFolder(place);
+      browser->load(place);
+      browser->sidebar->setCurrentFolder(place);
+      browser->report("opened " + place.string());
+    };
+  }
   auto scrollView = std::make_shared<MCScrollView>(
       MCMakeRect(0, BrowseStatusBar::kHeight, size.width, size.height - BrowseStatusBar::kHeight));
   b->view = std::make_shared<BrowseView>(MCMakeRect(0, 0, size.width, size.height - BrowseStatusBar::kHeight));
@@ -592,8 +643,10 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   // smaller size on its way into the window.
   class Grid : public MCView {
    public:
-    Grid(MCRect frame, MCViewRef scroll, MCViewRef status, MCViewRef notice)
-        : MCView(frame), scroll_(std::move(scroll)), status_(std::move(status)), notice_(std::move(notice)) {
+    Grid(MCRect frame, MCViewRef scroll, MCViewRef status, MCViewRef notice, MCViewRef sidebar)
+        : MCView(frame), scroll_(std::move(scroll)), status_(std::move(status)), notice_(std::move(notice)),
+          sidebar_(std::move(sidebar)) {
+      addSubview(sidebar_);
       addSubview(scroll_);
       addSubview(status_);
       addSubview(notice_);  // last: over the grid
@@ -601,16 +654,22 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
     void resizeSubviewsWithOldSize(MCSize) override {
       const MCSize size = bounds().size;
       status_->setFrame(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
-      scroll_->setFrame(MCMakeRect(0, BrowseStatusBar::kHeight, size.width, std::max(0.0, size.height - BrowseStatusBar::kHeight)));
+      // The sidebar, when it shows, takes its width from the grid's left.
+      const double side = sidebar_->isHidden() ? 0 : std::min(BrowsePlacesSidebar::kWidth, size.width / 2);
+      const double height = std::max(0.0, size.height - BrowseStatusBar::kHeight);
+      sidebar_->setFrame(MCMakeRect(0, BrowseStatusBar::kHeight, side, height));
+      scroll_->setFrame(MCMakeRect(side, BrowseStatusBar::kHeight, size.width - side, height));
       // The notice floats above the status line, in the middle.
       const double width = std::min(BrowseNotice::kWidth, std::max(0.0, size.width - 24));
       notice_->setFrame(MCMakeRect((size.width - width) / 2, BrowseStatusBar::kHeight + 14, width, BrowseNotice::kHeight));
     }
 
    private:
-    MCViewRef scroll_, status_, notice_;
+    MCViewRef scroll_, status_, notice_, sidebar_;
   };
-  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height), scrollView, b->status, b->notice);
+  auto grid = std::make_shared<Grid>(MCMakeRect(0, 0, size.width, size.height), scrollView, b->status, b->notice,
+                                     b->sidebar);
+  b->grid = grid;
   b->navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b->view));
   b->window->setContentView(b->navigation->view());
   b->window->makeFirstResponder(b->view.get());

@@ -125,6 +125,10 @@ void BrowseView::keyDown(const MCEvent& event) {
     openFolder();
     return;
   }
+  if (!keys.empty() && keys.front() == char32_t(MCF1FunctionKey + 8) && toggleSidebar) {  // F9
+    toggleSidebar();
+    return;
+  }
   if (!keys.empty() && (event.modifierFlags() & MCEventModifierFlagCommand)) {
     switch (keys.front()) {
       case U'+':
@@ -196,7 +200,9 @@ void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
     // Thumbnails kept between runs, in the desktop's shared cache.
     auto options = std::make_shared<MCThumbnailLoadOptions>(std::make_shared<BrowseSharedThumbnailStrategy>());
     options->setThumbnailMaxPixelSize(thumbnailPixelSize());
-    cache_ = MCThumbnailCache::create(std::move(options), 2048);
+    // A few screens' worth in memory, so that scrolling through a large folder stays flat; what
+    // falls out comes back from the shared cache on disk without a decode.
+    cache_ = MCThumbnailCache::create(std::move(options), kThumbnailsInMemory);
   }
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);

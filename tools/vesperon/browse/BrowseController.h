@@ -38,7 +38,7 @@ struct BrowseItemInfo {
 /// The browser view of the program: Ctrl with the wheel zooms, as a pinch and Ctrl+plus, Ctrl+minus
 /// and Ctrl+0 (back to the default size) do; a wheel notch scrolls as far as in GTK's own scrolled
 /// windows; Return opens the first selected photo; Delete moves the selected files to the trash;
-/// Ctrl+O opens a folder; Ctrl+F shows or hides the filter bar.
+/// Ctrl+O opens a folder; Ctrl+F shows or hides the filter bar; F9 the places sidebar.
 class BrowseView : public MCBrowserView {
  public:
   using MCBrowserView::MCBrowserView;
@@ -55,6 +55,7 @@ class BrowseView : public MCBrowserView {
   std::function<void()> trashSelection;
   std::function<void()> openFolder;
   std::function<void()> toggleFilter;
+  std::function<void()> toggleSidebar;
   void scrollWheel(const MCEvent& event) override;
   void keyDown(const MCEvent& event) override;
 };
@@ -72,6 +73,8 @@ class BrowseController : public MCBrowserViewDataSource,
                          public MCThumbnailCacheDelegate,
                          public std::enable_shared_from_this<BrowseController> {
  public:
+  /// How many thumbnails the memory cache holds at most.
+  static constexpr uint64_t kThumbnailsInMemory = 600;
   /// `report` hears one line for each thing a person did (double-clicks, selection changes);
   /// `status` the status line whenever it changes.
   /// `thumbnails`, when given, is the cache of the controller this one follows over the same

@@ -33,7 +33,7 @@ std::string BrowseSortOrder::title() const {
 std::vector<BrowseSortedGroup> BrowseArrange(const std::vector<BrowseFileFacts>& facts, const BrowseSortOrder& order) {
   std::vector<std::size_t> byName(facts.size());
   std::iota(byName.begin(), byName.end(), 0);
-  std::stable_sort(byName.begin(), byName.end(), [&](std::size_t a, std::size_t b) { return facts[a].file < facts[b].file; });
+  std::stable_sort(byName.begin(), byName.end(), [&](std::size_t a, std::size_t b) { return facts[a].file.native() < facts[b].file.native(); });
   std::vector<BrowseSortedGroup> groups;
   if (order.key == BrowseSortKey::Date) {
     // Newest day first; an unknown day after every known one, whichever way.
