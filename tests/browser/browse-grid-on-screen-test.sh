@@ -61,6 +61,14 @@ xdotool mousemove --window "$window" $((ox + sx1 + 40)) $((oy + sy)) click 1  # 
 xdotool mousemove --window "$window" $((ox + (sx0 + 3 * sx1) / 4)) $((oy + sy)) click 1
 wait_for_last 'scale 0.812'
 
+# A rubber band: the status line counts what it holds while it is dragged, before the button is up.
+xdotool mousemove --window "$window" $((ox + 3)) $((oy + 60)) mousedown 1 sleep 0.2 \
+  mousemove --window "$window" $((ox + 300)) $((oy + 200)) sleep 0.2 mousemove --window "$window" $((ox + 700)) $((oy + 300))
+wait_for '^status .*, [0-9]* photos* selected ([0-9.]* [kMG]B)$'
+sleep 0.3
+import -window root "$work/rubber-band.png"
+xdotool mouseup 1
+wait_for '^selection [1-9]'
 # A filter that narrows marks the search button and the status line ("1 of 27 photos"); the
 # status line's link clears it, the bar's ticks with it.
 xdotool key ctrl+f

@@ -279,8 +279,12 @@ void Browser::show(BrowseCollection collection, bool keepPlace) {
       [self](const std::string& line) {
         if (auto b = self.lock()) b->report(line);
       },
-      [weakStatus](const std::string& line) {
-        if (auto bar = weakStatus.lock()) bar->setText(line);
+      [weakStatus, self](const std::string& line) {
+        if (auto bar = weakStatus.lock()) {
+          if (line == bar->text()) return;
+          bar->setText(line);
+          if (auto b = self.lock()) b->report("status " + line);
+        }
       },
       std::move(thumbnails));
   controller->setTotalCount(all.numberOfFiles());

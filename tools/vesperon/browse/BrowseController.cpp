@@ -154,6 +154,13 @@ void BrowseView::keyDown(const MCEvent& event) {
   MCBrowserView::keyDown(event);
 }
 
+void BrowseView::drawRect(const MCRect& dirty) {
+  MCBrowserView::drawRect(dirty);
+  if (selectionCount() == drawnSelectionCount_) return;
+  drawnSelectionCount_ = selectionCount();
+  if (selectionDrawn) selectionDrawn();
+}
+
 double BrowseView::wheelStep(double visibleLength) { return std::pow(std::max(1.0, visibleLength), 2.0 / 3.0); }
 
 void BrowseView::zoomTo(double scale) { setScale(std::clamp(scale, minScale(), maxScale())); }
@@ -217,6 +224,10 @@ void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   view->setDataSource(shared_from_this());
   view->setDelegate(shared_from_this());
   view->setPrefetchDataSource(shared_from_this());
+  std::weak_ptr<BrowseController> weak = shared_from_this();
+  view->selectionDrawn = [weak] {
+    if (auto controller = weak.lock(); controller && controller->status_) controller->status_(controller->statusLine());
+  };
   view->reloadData();
   if (status_) status_(statusLine());
 }

@@ -51,6 +51,10 @@ class BrowseView : public MCBrowserView {
   void zoomTo(double scale);
   /// Told of every change of the scale, by whatever means.
   std::function<void(double)> scaleChanged;
+  /// Told when the selection drawn changed in count: a rubber band shows its selection as it is
+  /// dragged, and tells the delegate only when it is let go.
+  std::function<void()> selectionDrawn;
+  void drawRect(const MCRect& dirty) override;
   std::function<void(const MCIndexPath&)> openItem;
   std::function<void()> trashSelection;
   std::function<void()> openFolder;
@@ -58,6 +62,9 @@ class BrowseView : public MCBrowserView {
   std::function<void()> toggleSidebar;
   void scrollWheel(const MCEvent& event) override;
   void keyDown(const MCEvent& event) override;
+
+ private:
+  uint64_t drawnSelectionCount_ = 0;
 };
 
 /// Where the grid is scrolled to, told by a file rather than by a position, so that it can be
