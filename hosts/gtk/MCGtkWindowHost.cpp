@@ -277,6 +277,18 @@ void MCGtkWindowHost::addTitleBarButton(const std::string& iconName, const std::
   titleBarButtons_.push_back({iconName, toolTip, std::move(action)});
 }
 
+bool MCGtkPrefersDarkTheme() {
+  GtkSettings* settings = gtk_settings_get_default();
+  gboolean dark = FALSE;
+  if (settings) g_object_get(settings, "gtk-application-prefer-dark-theme", &dark, nullptr);
+  return dark;
+}
+
+void MCGtkSetPrefersDarkTheme(bool dark) {
+  if (GtkSettings* settings = gtk_settings_get_default())
+    g_object_set(settings, "gtk-application-prefer-dark-theme", gboolean(dark), nullptr);
+}
+
 void MCGtkWindowHost::setTitleBarButtonMarked(const std::string& iconName, bool marked) {
   for (TitleBarButton& button : titleBarButtons_) {
     if (button.iconName != iconName) continue;

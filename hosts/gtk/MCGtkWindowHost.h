@@ -32,6 +32,12 @@ typedef struct _GdkEvent GdkEvent;
 
 /// Runs a GTK application (non-unique, so several can run at once); `activate` makes its windows.
 /// Answers the exit status. Command-line arguments are the program's own business, not GTK's.
+/// Whether GTK's widgets are drawn in their dark variant (the desktop's setting, or as set below).
+/// Once GTK is initialised.
+bool MCGtkPrefersDarkTheme();
+/// Draws GTK's widgets in their dark variant, or not.
+void MCGtkSetPrefersDarkTheme(bool dark);
+
 int MCGtkRunApplication(const std::string& applicationID, const char* programName,
                         std::function<void(GtkApplication* application)> activate);
 

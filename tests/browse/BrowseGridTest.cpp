@@ -533,3 +533,31 @@ TEST(BrowsePlacesSidebar, ListsThePlacesOnceAndOpensTheOneClicked) {
   EXPECT_EQ(chosen, (std::vector<fs::path>{root / "garden", root / "card", root / "Pictures"}));
   fs::remove_all(root);
 }
+
+TEST(BrowsePalette, EveryTextReadsAtFourAndAHalfToOneInBothSchemes) {
+  // The ratio itself, on WCAG's own examples: black on white is 21, a colour on itself 1.
+  EXPECT_NEAR(BrowsePalette::contrast(MCColor::blackColor(), MCColor::whiteColor()), 21.0, 1e-9);
+  EXPECT_NEAR(BrowsePalette::contrast(MCColor::colorWithHex(0x777777), MCColor::whiteColor()), 4.48, 0.01);
+  EXPECT_NEAR(BrowsePalette::contrast(MCColor::colorWithHex(0x3584E4), MCColor::colorWithHex(0x3584E4)), 1.0, 1e-9);
+  for (const BrowsePalette& p : {BrowsePalette::light(), BrowsePalette::darkPalette()}) {
+    SCOPED_TRACE(p.dark ? "dark" : "light");
+    const std::vector<std::pair<MCColor, MCColor>> pairs = {
+        {p.text, p.card},          {p.secondaryText, p.card}, {p.text, p.background},
+        {p.secondaryText, p.background}, {p.barText, p.bar}, {p.link, p.bar},
+        {p.text, p.bar},           {p.placeholderText, p.placeholder}, {p.text, p.placeholder}};
+    for (const auto& [text, ground] : pairs)
+      EXPECT_GE(BrowsePalette::contrast(BrowsePalette::over(text, ground), ground), 4.5);
+  }
+  EXPECT_TRUE(BrowsePalette::named("dark")->dark);
+  EXPECT_FALSE(BrowsePalette::named("light")->dark);
+  EXPECT_FALSE(BrowsePalette::named("Dark"));
+
+  // The grid draws its background in the scheme it is given.
+  Grid grid(BrowseCollection::withFacts(manyFacts(2), {BrowseSortKey::Name, false}), 2);
+  grid.view->palette = BrowsePalette::darkPalette();
+  grid.controller->attach(grid.view);
+  MCRasterImageRef shot = grid.host->render();
+  const uint8_t* corner = shot->row(shot->height() - 5) + (shot->width() - 30) * (shot->bitsPerPixel() / 8);
+  EXPECT_LT(corner[0], 60);
+  EXPECT_LT(corner[1], 60);
+}

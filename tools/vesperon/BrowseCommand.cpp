@@ -61,6 +61,7 @@ struct BrowseSettings {
   MCSize size{1024, 720};
   bool report = false;
   std::optional<BrowseSortKey> sort;  // none: the order remembered
+  std::optional<BrowsePalette> palette;  // none: as the desktop prefers
   bool reverse = false;
 };
 
@@ -95,6 +96,8 @@ struct Browser : std::enable_shared_from_this<Browser> {
   std::function<void(bool)> filterMarked;
   /// Turns the filter bar's rows off (set by the window's host); without it the filter's own.
   std::function<void()> clearFilterRows;
+  /// Gives the grid, the status bar and the sidebar these colours.
+  void setPalette(const BrowsePalette& palette);
   BrowseSortOrder order;
   std::shared_ptr<BrowseController> controller;
   std::shared_ptr<MCNavigationController> navigation;
@@ -554,6 +557,14 @@ void Browser::showSortMenu(MCPoint pointInView) {
   });
 }
 
+void Browser::setPalette(const BrowsePalette& palette) {
+  view->palette = palette;
+  status->setPalette(palette);
+  sidebar->setPalette(palette);
+  if (controller && window->host()) controller->attach(view);  // the cells take the new colours
+  view->setNeedsDisplay(true);
+}
+
 void Browser::toggleSidebar() {
   const bool show = sidebar->isHidden();
   if (show) {
@@ -675,6 +686,13 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
                                      b->sidebar);
   b->grid = grid;
   b->navigation = MCNavigationController::create(std::make_shared<GridPage>(grid, b->view));
+  // Light or dark: as asked, else as the desktop prefers.
+  const BrowsePalette palette = settings.palette ? *settings.palette
+                                : BrowsePalette::desktopPrefersDark().value_or(false) ? BrowsePalette::darkPalette()
+                                                                                      : BrowsePalette::light();
+  b->view->palette = palette;
+  b->status->setPalette(palette);
+  b->sidebar->setPalette(palette);
   b->window->setContentView(b->navigation->view());
   b->window->makeFirstResponder(b->view.get());
   b->load(folder);
@@ -764,6 +782,9 @@ int runBrowse(const BrowseSettings& settings) {
   std::unique_ptr<BrowseFilterBar> filterBar;
   const int status = MCGtkRunApplication("org.vesperon.Browse", "vesperon", [&](GtkApplication* application) {
     host = MCGtkWindowHost::create(b->window);
+    // GTK's own widgets (the title bar, the filter bar) in the grid's scheme.
+    if (b->view->palette.dark) MCGtkSetPrefersDarkTheme(true);
+    else if (!settings.palette && MCGtkPrefersDarkTheme()) b->setPalette(BrowsePalette::darkPalette());
     std::weak_ptr<Browser> weak = b;
     host->addTitleBarButton("document-open-symbolic", "Open Folder… (Ctrl+O)", [weak] {
       if (auto browser = weak.lock()) browser->openFolder();
@@ -891,6 +912,13 @@ std::function<int()> defineBrowse(CLI::App& command) {
         if (!settings->sort) throw CLI::ValidationError("--sort", "'" + text + "' is not date, name, modified or size");
       },
       "the order of the photos: date (capture date, by day; the default), name, modified or size; remembered");
+  command.add_option_function<std::string>(
+      "--color-scheme",
+      [settings](const std::string& text) {
+        settings->palette = BrowsePalette::named(text);
+        if (!settings->palette) throw CLI::ValidationError("--color-scheme", "'" + text + "' is not light or dark");
+      },
+      "light or dark colours (default: as the desktop prefers)");
   command.add_flag("--reverse", settings->reverse, "the order reversed (oldest, Z to A, smallest first); remembered");
   command.add_flag("--report", settings->report,
                    "print each thing that happens (selections, the viewer, copies, drags), a line each");

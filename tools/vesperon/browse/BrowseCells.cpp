@@ -22,13 +22,13 @@ MCSize BrowseHeaderCell::cellSizeForBounds(const MCRect& bounds, double) {
 void BrowseHeaderCell::drawWithFrame(const MCRect& frame, MCView*) {
   MCGraphicsContext* context = MCGraphicsContext::currentContext();
   if (!context) return;
-  MCAttributedString title(day_, {MCFont::boldSystemFontOfSize(14), MCColor::labelColor(), {}, {}, {}});
+  MCAttributedString title(day_, {MCFont::boldSystemFontOfSize(14), textColor, {}, {}, {}});
   title.appendString("   " + std::to_string(count_) + (count_ == 1 ? " photo" : " photos"),
-                     {MCFont::systemFontOfSize(12), MCColor::secondaryLabelColor(), {}, {}, {}});
+                     {MCFont::systemFontOfSize(12), secondaryColor, {}, {}, {}});
   title.setLineBreakMode(MCLineBreakMode::TruncatingTail);
   const double height = title.size().height;
   title.drawInRect(MCMakeRect(frame.origin.x + 12, MCMidY(frame) - height / 2, frame.size.width - 24, height), *context);
-  MCColor::separatorColor().setFill(*context);
+  separatorColor.setFill(*context);
   context->fillRect(MCMakeRect(frame.origin.x + 12, MCMaxY(frame) - 1, frame.size.width - 24, 1));
 }
 

@@ -3,6 +3,7 @@
 // by the library's card cell (MCBrowserViewItemCardCell).
 
 #include <vesperon/browser/MCBrowserViewCell.h>
+#include <vesperon/toolkit/MCColor.h>
 
 #include <string>
 
@@ -10,6 +11,8 @@ class BrowseHeaderCell : public MCBrowserViewCell {
  public:
   static constexpr double kHeight = 30;
   void configure(std::string day, std::size_t count);
+  MCColor textColor = MCColor::labelColor(), secondaryColor = MCColor::secondaryLabelColor(),
+          separatorColor = MCColor::separatorColor();
   MCSize cellSizeForBounds(const MCRect& bounds, double scale) override;
   std::shared_ptr<const MCImage> previewImage() override { return nullptr; }
   MCRect previewSourceRectForCellFrame(const MCRect& frame) override { return frame; }

@@ -14,6 +14,7 @@
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
+#include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCWindow.h>
 
@@ -155,6 +156,10 @@ void BrowseView::keyDown(const MCEvent& event) {
 }
 
 void BrowseView::drawRect(const MCRect& dirty) {
+  if (MCGraphicsContext* context = MCGraphicsContext::currentContext()) {
+    palette.background.setFill(*context);
+    context->fillRect(dirty);
+  }
   MCBrowserView::drawRect(dirty);
   if (selectionCount() == drawnSelectionCount_) return;
   drawnSelectionCount_ = selectionCount();
@@ -213,10 +218,16 @@ void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   }
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);
-  itemCell_->backgroundColor = MCColor::colorWithHex(0xEDEDEC);
+  const BrowsePalette& colours = view->palette;
+  itemCell_->backgroundColor = colours.card;
   itemCell_->selectionColor = MCColor::controlAccentColor();
-  itemCell_->titleAttributes = {MCFont::systemFontOfSize(12), MCColor::labelColor(), {}, {}, {}};
-  itemCell_->subtitleAttributes = {MCFont::systemFontOfSize(10), MCColor::secondaryLabelColor(), {}, {}, {}};
+  itemCell_->titleAttributes = {MCFont::systemFontOfSize(12), colours.text, {}, {}, {}};
+  itemCell_->subtitleAttributes = {MCFont::systemFontOfSize(10), colours.secondaryText, {}, {}, {}};
+  itemCell_->placeholderColor = colours.placeholder;
+  itemCell_->placeholderTextColor = colours.placeholderText;
+  headerCell_->textColor = colours.text;
+  headerCell_->secondaryColor = colours.secondaryText;
+  headerCell_->separatorColor = colours.separator;
   headerCell_->setControlView(view);
   view->setItemCell(itemCell_);
   view->setHeaderCell(headerCell_);

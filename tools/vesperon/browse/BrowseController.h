@@ -6,6 +6,7 @@
 #include "BrowseCells.h"
 #include "BrowseCollection.h"
 #include "BrowseItemCell.h"
+#include "BrowsePalette.h"
 
 #include <vesperon/browser/MCBrowserView.h>
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
@@ -55,6 +56,9 @@ class BrowseView : public MCBrowserView {
   /// dragged, and tells the delegate only when it is let go.
   std::function<void()> selectionDrawn;
   void drawRect(const MCRect& dirty) override;
+  /// The colours of the grid and its cards (light by default); the controller attached next
+  /// takes them for its cells.
+  BrowsePalette palette = BrowsePalette::light();
   std::function<void(const MCIndexPath&)> openItem;
   std::function<void()> trashSelection;
   std::function<void()> openFolder;

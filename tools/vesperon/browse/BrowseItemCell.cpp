@@ -55,10 +55,10 @@ void BrowseItemCell::drawWithFrame(const MCRect& frame, MCView* view) {
   const MCRect image = imageRectForBounds(frame);
   context->beginPath();
   CGContextAddRoundedRectangle(*context, image, imageRadius, imageRadius);
-  MCColor::colorWithHex(0xDEDDDA).setFill(*context);
+  placeholderColor.setFill(*context);
   context->fillPath();
   MCAttributedString words(state == State::Loading ? "Loading…" : "Cannot be read",
-                           {MCFont::systemFontOfSize(11), MCColor::colorWithHex(0x5E5C64), {}, {}, {}});
+                           {MCFont::systemFontOfSize(11), placeholderTextColor, {}, {}, {}});
   const MCSize size = words.size();
   if (size.width <= image.size.width - 8 && size.height <= image.size.height)
     words.drawAtPoint({MCMidX(image) - size.width / 2, MCMidY(image) - size.height / 2}, *context);

@@ -4,6 +4,7 @@
 // thumbnail is on its way ("Loading…") or could not be made ("Cannot be read").
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
+#include <vesperon/toolkit/MCColor.h>
 
 #include <string>
 
@@ -13,6 +14,7 @@ class BrowseItemCell : public MCBrowserViewItemCardCell {
 
   enum class State { Shown, Loading, Failed };
   State state = State::Shown;
+  MCColor placeholderColor = MCColor::colorWithHex(0xDEDDDA), placeholderTextColor = MCColor::colorWithHex(0x5E5C64);
 
   /// `text` as it fits `width` in these attributes: whole, or its head and tail around an
   /// ellipsis, the tail at least as long as the head so the extension stays. Never splits a

@@ -90,12 +90,12 @@ MCRect BrowsePlacesSidebar::rectOfPlace(std::size_t index) const {
 
 void BrowsePlacesSidebar::drawRect(const MCRect& dirty) {
   MCGraphicsContext& context = *MCGraphicsContext::currentContext();
-  MCColor::colorWithHex(0xEBEBED).setFill(context);
+  palette_.bar.setFill(context);
   context.fillRect(dirty);
-  MCColor::separatorColor().setFill(context);
+  palette_.separator.setFill(context);
   context.fillRect(MCMakeRect(bounds().size.width - 1, 0, 1, bounds().size.height));
   // Section titles in a grey that keeps 4.5:1 on the sidebar's colour.
-  const MCTextAttributes header{MCFont::boldSystemFontOfSize(11), MCColor::colorWithHex(0x5E5C64), {}, {}, {}};
+  const MCTextAttributes header{MCFont::boldSystemFontOfSize(11), palette_.barText, {}, {}, {}};
   std::string section;
   for (std::size_t i = 0; i < places_.size(); ++i) {
     const MCRect row = rectOfPlace(i);
@@ -105,10 +105,10 @@ void BrowsePlacesSidebar::drawRect(const MCRect& dirty) {
     }
     const bool current = places_[i].folder == current_;
     if (current) {
-      MCColor::colorWithHex(0xD0CFCC).setFill(context);
+      palette_.placeholder.setFill(context);
       context.fillRect(row);
     }
-    MCAttributedString title(places_[i].title, {MCFont::systemFontOfSize(13), MCColor::labelColor(), {}, {}, {}});
+    MCAttributedString title(places_[i].title, {MCFont::systemFontOfSize(13), palette_.text, {}, {}, {}});
     title.setLineBreakMode(MCLineBreakMode::TruncatingMiddle);
     const double height = title.size().height;
     title.drawInRect(MCMakeRect(row.origin.x + 10, MCMidY(row) - height / 2, row.size.width - 20, height), context);

@@ -4,6 +4,8 @@
 // volumes that hold photos (a camera card's DCIM folder, or photos at their top); a click opens
 // the place. The folder shown is marked.
 
+#include "BrowsePalette.h"
+
 #include <vesperon/toolkit/MCView.h>
 
 #include <filesystem>
@@ -35,6 +37,10 @@ class BrowsePlacesSidebar : public MCView {
   /// /run/media or /mnt, or by GVfs) and holds a DCIM folder or a photo at its top.
   static bool volumeHasPhotos(const std::filesystem::path& volume);
 
+  void setPalette(const BrowsePalette& palette) {
+    palette_ = palette;
+    setNeedsDisplay(true);
+  }
   void setPlaces(std::vector<Place> places);
   const std::vector<Place>& places() const { return places_; }
   void setCurrentFolder(const std::filesystem::path& folder);
@@ -51,4 +57,5 @@ class BrowsePlacesSidebar : public MCView {
  private:
   std::vector<Place> places_;
   std::filesystem::path current_;
+  BrowsePalette palette_ = BrowsePalette::light();
 };

@@ -11,11 +11,16 @@ namespace {
 
 const char* const kClearFilter = "Clear filter";
 
-MCTextAttributes textAttributes() { return {MCFont::systemFontOfSize(12), MCColor::secondaryLabelColor(), {}, {}, {}}; }
-// The accent blue is too light for small text on the bar (3.6:1); this one reads at 5.3:1.
-MCTextAttributes linkAttributes() { return {MCFont::systemFontOfSize(12), MCColor::colorWithHex(0x1A5FB4), {}, {}, {}}; }
+MCTextAttributes textAttributes(const BrowsePalette& p) { return {MCFont::systemFontOfSize(12), p.barText, {}, {}, {}}; }
+// Not the accent blue, too light for small text on a light bar (3.6:1): the palette's link colour.
+MCTextAttributes linkAttributes(const BrowsePalette& p) { return {MCFont::systemFontOfSize(12), p.link, {}, {}, {}}; }
 
 }  // namespace
+
+void BrowseStatusBar::setPalette(const BrowsePalette& palette) {
+  palette_ = palette;
+  setNeedsDisplay(true);
+}
 
 void BrowseStatusBar::setText(std::string text) {
   if (text == text_) return;
@@ -48,30 +53,30 @@ MCRect BrowseStatusBar::sliderTrackRect() const {
 
 MCRect BrowseStatusBar::clearFilterRect() const {
   if (!showsClearFilter_) return MCMakeRect(0, 0, 0, 0);
-  const MCSize line = MCAttributedString(text_, textAttributes()).size();
-  const MCSize link = MCAttributedString(kClearFilter, linkAttributes()).size();
+  const MCSize line = MCAttributedString(text_, textAttributes(palette_)).size();
+  const MCSize link = MCAttributedString(kClearFilter, linkAttributes(palette_)).size();
   return MCMakeRect(10 + line.width + 12, (bounds().size.height - link.height) / 2, link.width, link.height);
 }
 
 void BrowseStatusBar::drawRect(const MCRect& dirty) {
   MCGraphicsContext& context = *MCGraphicsContext::currentContext();
-  MCColor::windowBackgroundColor().setFill(context);
+  palette_.bar.setFill(context);
   context.fillRect(dirty);
-  MCColor::separatorColor().setFill(context);
+  palette_.separator.setFill(context);
   context.fillRect(MCMakeRect(0, 0, bounds().size.width, 1));
-  MCAttributedString line(text_, textAttributes());
+  MCAttributedString line(text_, textAttributes(palette_));
   line.drawAtPoint({10, (bounds().size.height - line.size().height) / 2}, context);
   if (showsClearFilter_) {
     const MCRect link = clearFilterRect();
-    MCAttributedString(kClearFilter, linkAttributes()).drawAtPoint(link.origin, context);
-    linkAttributes().foregroundColor->setFill(context);
+    MCAttributedString(kClearFilter, linkAttributes(palette_)).drawAtPoint(link.origin, context);
+    linkAttributes(palette_).foregroundColor->setFill(context);
     context.fillRect(MCMakeRect(link.origin.x, MCMaxY(link) - 1, link.size.width, 1));
   }
   // The slider: the track, the part up to the value in the accent colour, the knob.
   const MCRect track = sliderTrackRect();
   const double fraction = maximum_ > minimum_ ? std::clamp((scale_ - minimum_) / (maximum_ - minimum_), 0.0, 1.0) : 0;
   const double knobX = track.origin.x + fraction * track.size.width;
-  MCColor::colorWithWhite(0, 0.2).setFill(context);
+  MCColor::colorWithWhite(palette_.dark ? 1 : 0, 0.2).setFill(context);
   context.fillRect(track);
   MCColor::controlAccentColor().setFill(context);
   context.fillRect(MCMakeRect(track.origin.x, track.origin.y, knobX - track.origin.x, track.size.height));
@@ -81,7 +86,7 @@ void BrowseStatusBar::drawRect(const MCRect& dirty) {
   MCColor::whiteColor().setFill(context);
   context.fillEllipseInRect(MCInsetRect(knob, 1, 1));
   // Small and large thumbnails at the two ends say what the slider does.
-  MCColor::colorWithWhite(0, 0.45).setFill(context);
+  MCColor::colorWithWhite(palette_.dark ? 1 : 0, 0.45).setFill(context);
   context.fillRect(MCMakeRect(track.origin.x - 12, MCMidY(track) - 3, 6, 6));
   context.fillRect(MCMakeRect(MCMaxX(track) + 9, MCMidY(track) - 5, 10, 10));
 }

@@ -3,6 +3,8 @@
 // then, while a filter narrows the grid, a "Clear filter" link, and at the right a slider for the
 // size of the thumbnails, between the view's smallest and largest scale.
 
+#include "BrowsePalette.h"
+
 #include <vesperon/toolkit/MCView.h>
 
 #include <functional>
@@ -14,6 +16,7 @@ class BrowseStatusBar : public MCView {
   static constexpr double kHeight = 26;
   static constexpr double kSliderWidth = 120;
 
+  void setPalette(const BrowsePalette& palette);
   void setText(std::string text);
   const std::string& text() const { return text_; }
 
@@ -41,6 +44,7 @@ class BrowseStatusBar : public MCView {
  private:
   void slideTo(const MCEvent& event);
 
+  BrowsePalette palette_ = BrowsePalette::light();
   std::string text_;
   bool showsClearFilter_ = false;
   bool sliding_ = false;
