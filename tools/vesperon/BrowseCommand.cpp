@@ -4,9 +4,11 @@
 //
 // The folders opened are remembered between runs (MCSandboxHelper); without a folder named the
 // last one opens again, or, when it is gone, the one before it, with a word on why. "Open Folder…" (the title bar's button, Ctrl+O) shows another; a right
-// click on the selection offers "Open With" and "Move to Trash" (also the Delete key). The
-// filter bar (the title bar's button, Ctrl+F) narrows the grid by name, camera model, capture
-// date, file size, ISO and f-number.
+// click on the selection offers "Open With" and "Move to Trash" (also the Delete key, with Undo in
+// a notice). The filter bar (the title bar's button, Ctrl+F) narrows the grid by name, camera
+// model, capture date, file size, ISO and f-number. The sort menu (the title bar's button,
+// --sort, --reverse) and the thumbnail size (Ctrl+wheel, Ctrl+plus/minus/0, the status bar's
+// slider) are remembered; F9 shows the places sidebar; the folder is watched for changes.
 
 #include "browse/BrowseController.h"
 #include "browse/BrowseDayReader.h"
