@@ -85,7 +85,7 @@ class BrowseController : public MCBrowserViewDataSource,
                          public std::enable_shared_from_this<BrowseController> {
  public:
   /// How many thumbnails the memory cache holds at most.
-  static constexpr uint64_t kThumbnailsInMemory = 600;
+  static constexpr uint64_t kThumbnailsInMemory = 240;
   /// `report` hears one line for each thing a person did (double-clicks, selection changes);
   /// `status` the status line whenever it changes.
   /// `thumbnails`, when given, is the cache of the controller this one follows over the same
