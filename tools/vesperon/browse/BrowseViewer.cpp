@@ -244,7 +244,8 @@ void BrowseViewerPage::viewControllerDidAppear(bool) {
       if (auto page = weak.lock()) page->receive(std::move(pixels));
     });
     wantOnly();
-    loader_->loadFit(file_, fitPixelSize(photoSize()));
+    fitRequested_ = fitPixelSize(photoSize());
+    loader_->loadFit(file_, fitRequested_);
     readProperties();
   }
 }
@@ -303,7 +304,8 @@ std::size_t BrowseViewerPage::fitPixelSize(MCSize photo) const {
     const double fit = std::min(view.width / photo.width, view.height / photo.height);
     side = std::max(photo.width, photo.height) * fit;
   }
-  return std::size_t(std::ceil(side * scale));
+  // Rounded, not raised: a side of 816.0000001 wants 816 pixels, drawn one to one.
+  return std::size_t(std::lround(side * scale));
 }
 
 void BrowseViewerPage::wantOnly() {
@@ -337,9 +339,12 @@ void BrowseViewerPage::lookAhead() {
     const std::filesystem::path neighbour = sequence_.file(sequence_.paths[std::size_t(at)]);
     if (auto found = decoded_.find(neighbour); found != decoded_.end()) kept.insert(*found);
     else {
+      // Its proportions come from its thumbnail, whose rounding may miss the photo's by a pixel:
+      // a little more is decoded, so the photo is sharp as it appears rather than decoded again.
       const MCRasterImageRef thumbnail = sequence_.thumbnail ? sequence_.thumbnail(sequence_.paths[std::size_t(at)]) : nullptr;
-      loader_->loadFit(neighbour, fitPixelSize(thumbnail ? MCSize{double(thumbnail->width()), double(thumbnail->height())}
-                                                         : MCSize{0, 0}));
+      const std::size_t side =
+          fitPixelSize(thumbnail ? MCSize{double(thumbnail->width()), double(thumbnail->height())} : MCSize{0, 0});
+      loader_->loadFit(neighbour, side + side / 50 + 2);
     }
   }
   decoded_ = std::move(kept);  // at most the two neighbours: memory stays flat however far one walks
@@ -380,11 +385,14 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   fitPixels_ = {};
   wantOnly();
   zoomView_->setOffset({0, 0}, 1.0);
+  fitRequested_ = 0;
   if (auto found = decoded_.find(file_); found != decoded_.end() && found->second.image) {
+    fitRequested_ = std::max(found->second.image->width(), found->second.image->height());
     showFit(found->second);
   } else {
     show(BrowseDrawableImage(sequence_.thumbnail ? sequence_.thumbnail(path) : nullptr, 1));
-    if (loader_) loader_->loadFit(file_, fitPixelSize(photoSize()));
+    fitRequested_ = fitPixelSize(photoSize());
+    if (loader_) loader_->loadFit(file_, fitRequested_);
   }
   const long label = MCColorLabelMapper::labelOfFile(file_);
   labelControl_->setUsedColorLabels(label ? std::set<long>{label} : std::set<long>{});
@@ -602,7 +610,8 @@ void BrowseViewerPage::updateSharpness() {
   const double shownWidth = zoomView_->sizeForZoom(zoomView_->zoom()).width * scale;
   const MCRect visible = visiblePhotoRect();
   const auto& view = static_cast<const PhotoView&>(*imageView_);
-  bool sharp = whole_ || shownWidth <= double(image_->width()) * 1.05;
+  // The pixels shown must reach the screen's: a fit decode a pixel short is enlarged, and blurred.
+  bool sharp = whole_ || shownWidth <= double(image_->width()) + 1;
   if (!sharp && view.detail && MCContainsRect(MCInsetRect(view.detailRect, -1, -1), visible)) sharp = true;
   if (!sharp) reportedSharp_ = false;  // told again once it is
   sharp_ = sharp;
@@ -614,6 +623,14 @@ void BrowseViewerPage::updateSharpness() {
     return;
   }
   if (!loader_) return;
+  // At fit or below, a decode at the size the view has now (it was laid out anew, or the first
+  // guess of the photo's proportions was wrong), rather than the photo's own pixels scaled down.
+  const std::size_t fitSize = fitPixelSize(photo);
+  if (zoomView_->zoom() <= 1.0001 && fitSize > fitRequested_) {
+    fitRequested_ = fitSize;
+    loader_->loadFit(file_, fitSize);
+    return;
+  }
   // A format that can only cut a region from the whole is decoded whole, once (within the budget).
   const bool regions = fitPixels_.decodesRegionsAlone;
   if (!wholeRequested_ && (photo.width * photo.height <= kWholeDecodeLimit || !regions)) {

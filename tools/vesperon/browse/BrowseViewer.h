@@ -139,6 +139,7 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   bool whole_ = false;      // image_ holds every pixel of the photo
   bool wholeRequested_ = false;
   bool wholeFailed_ = false;
+  std::size_t fitRequested_ = 0;  // the larger side of the last fit decode asked for file_
   std::optional<MCRect> regionRequested_;  // the part asked for and not yet arrived
   bool regionFailed_ = false;
   bool reportedSharp_ = false;
