@@ -23,6 +23,7 @@
 #include "browse/BrowseViewer.h"
 
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
+#include <vesperon/catalogue/MCCatalogue.h>
 #include <vesperon/controls/MCNavigationController.h>
 #include <vesperon/files/MCMenuExtensions.h>
 #include <vesperon/files/MCFileManagerExtensions.h>
@@ -109,6 +110,9 @@ struct Browser : std::enable_shared_from_this<Browser> {
   BrowseFilter filter;
   std::jthread propertyReader;
   std::unique_ptr<BrowseDayReader> dayReader;  // a large folder's capture days, read after it shows
+  /// The catalogue of `vesperon index`, when the user keeps one: a catalogued folder's capture days
+  /// and the filter's properties come from it instead of the files.
+  std::shared_ptr<MCCatalogue> catalogue;
   std::unique_ptr<BrowseFolderMonitor> monitor;  // files added, removed, renamed, rewritten
   bool regroupWaiting = false;  // days arrived while the viewer showed
 
@@ -123,6 +127,8 @@ struct Browser : std::enable_shared_from_this<Browser> {
   /// `keepPlace`: the same files stay on screen and selected, as the groups change under them.
   void show(BrowseCollection collection, bool keepPlace = false);
   /// Reads the capture days still unknown, in the background.
+  /// Gives pending files the capture days the catalogue holds for them, when the folder is catalogued.
+  void takeCataloguedDays();
   void readPendingDays();
   /// Files of the folder changed on disk: the grid shows the folder as it is now.
   void folderChanged();
@@ -162,6 +168,7 @@ void Browser::load(const fs::path& newFolder) {
   dayReader.reset();
   regroupWaiting = false;
   all = BrowseCollection::scan(folder, order);
+  takeCataloguedDays();
   readPendingDays();
   std::weak_ptr<Browser> weak = weak_from_this();
   monitor = std::make_unique<BrowseFolderMonitor>(folder, [weak](std::set<fs::path>) {
@@ -185,8 +192,8 @@ void Browser::applyFilter() {
     for (const auto& group : all.groups()) files.insert(files.end(), group.files.begin(), group.files.end());
     std::weak_ptr<Browser> self = weak_from_this();
     const fs::path reading = folder;
-    propertyReader = std::jthread([self, files, reading](std::stop_token stop) {
-      auto properties = BrowseFilter::readProperties(files, stop);
+    propertyReader = std::jthread([self, files, reading, catalogue = catalogue](std::stop_token stop) {
+      auto properties = BrowseFilter::readProperties(files, stop, catalogue.get());
       if (stop.stop_requested()) return;
       MCMainQueue::async([self, reading, properties = std::move(properties)]() mutable {
         auto b = self.lock();
@@ -200,6 +207,22 @@ void Browser::applyFilter() {
   BrowseCollection shown = all.filtered([&](const fs::path& file) { return filter.passes(*predicate, file); });
   report("filter " + std::to_string(shown.numberOfFiles()) + " photos: " + predicate->predicateFormat());
   show(std::move(shown));
+}
+
+void Browser::takeCataloguedDays() {
+  if (!catalogue || all.filesWithPendingDays().empty()) return;
+  try {
+    if (!catalogue->rootContaining(folder)) return;
+    // Days as of the catalogue's last scan: a file changed since then is refreshed when the
+    // folder's monitor sees it, or by the next `vesperon index`.
+    std::vector<std::pair<fs::path, std::string>> days;
+    for (MCCatalogueEntry& entry : catalogue->entriesByCaptureDate(nullptr, folder))
+      if (!entry.day.empty()) days.emplace_back(std::move(entry.path), std::move(entry.day));
+    all.setCaptureDays(days);
+    report("catalogue days " + std::to_string(days.size()));
+  } catch (const std::exception& error) {
+    report(std::string("catalogue unusable: ") + error.what());
+  }
 }
 
 void Browser::readPendingDays() {
@@ -612,6 +635,10 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   else if (settings.reverse) b->order.reversed = true;
   if (settings.sort || settings.reverse) b->preferences.setSortOrder(b->order);
   const MCSize size = settings.size;
+  // Only a catalogue the user made with `vesperon index` is used; browse never makes one.
+  std::error_code ec;
+  if (const fs::path file = MCCatalogue::defaultLocation(); fs::is_regular_file(file, ec))
+    b->catalogue = MCCatalogue::open(file);
   b->window = MCWindow::create(size);
   b->status = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, size.width, BrowseStatusBar::kHeight));
   b->notice = std::make_shared<BrowseNotice>(MCMakeRect(0, 0, BrowseNotice::kWidth, BrowseNotice::kHeight));

@@ -1,5 +1,7 @@
 #include "BrowseFilter.h"
 
+#include <vesperon/catalogue/MCCatalogue.h>
+
 #include "../MediaFiles.h"
 
 #include <vesperon/controls/MCPopUpModel.h>
@@ -48,11 +50,17 @@ bool BrowseFilter::passes(const MCPredicateNode& predicate, const std::filesyste
 }
 
 BrowseFilter::Properties BrowseFilter::readProperties(const std::vector<std::filesystem::path>& files,
-                                                      std::stop_token stop) {
+                                                      std::stop_token stop, const MCCatalogue* catalogue) {
   Properties out;
   for (const auto& file : files) {
     if (stop.stop_requested()) break;
-    out.emplace(file.string(), searchablePropertiesOfFile(file));
+    std::optional<MCDictionary> stored;
+    try {
+      if (catalogue) stored = catalogue->propertiesOfFile(file);
+    } catch (const std::exception&) {
+      stored.reset();  // the file's own, then
+    }
+    out.emplace(file.string(), stored ? std::move(*stored) : searchablePropertiesOfFile(file));
   }
   return out;
 }

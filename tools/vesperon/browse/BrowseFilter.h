@@ -15,6 +15,8 @@
 #include <unordered_map>
 #include <vector>
 
+class MCCatalogue;
+
 class BrowseFilter {
  public:
   struct Row {
@@ -42,7 +44,10 @@ class BrowseFilter {
   bool passes(const MCPredicateNode& predicate, const std::filesystem::path& file) const;
 
   /// The properties of each file (keyed by its path), read until `stop` is requested.
-  static Properties readProperties(const std::vector<std::filesystem::path>& files, std::stop_token stop = {});
+  /// The searchable properties of each file: from the catalogue where it holds the file (as of its
+  /// last scan), else read from the file.
+  static Properties readProperties(const std::vector<std::filesystem::path>& files, std::stop_token stop = {},
+                                   const MCCatalogue* catalogue = nullptr);
 
  private:
   MCPredicateEditorRowTemplateRef compound_;
