@@ -151,20 +151,7 @@ struct Translator {
   // none when a key cannot be written in one, or the key path starts at a file attribute, which
   // the stored dictionary does not hold.
   static std::optional<std::string> jsonPath(const std::string& keyPath) {
-    std::vector<std::string> keys;
-    std::string key;
-    int depth = 0;
-    for (char c : keyPath) {
-      if (c == '{') ++depth;
-      if (c == '}' && depth > 0) --depth;
-      if (c == '.' && depth == 0) {
-        keys.push_back(std::move(key));
-        key.clear();
-      } else {
-        key += c;
-      }
-    }
-    keys.push_back(std::move(key));
+    const std::vector<std::string> keys = MCPredicateExpression::keysOfKeyPath(keyPath);
     for (const auto& attribute : kAttributes)
       if (keys.front() == attribute.keyPath) return std::nullopt;
     std::string path = "$";

@@ -9,25 +9,6 @@ namespace {
 
 using T = MCPredicateOperatorType;
 
-// Split as MCPredicateExpression splits: dots separate keys, a key in braces is one key.
-std::vector<std::string> keysOf(const std::string& path) {
-  std::vector<std::string> keys;
-  std::string key;
-  int depth = 0;
-  for (char c : path) {
-    if (c == '{') ++depth;
-    if (c == '}' && depth > 0) --depth;
-    if (c == '.' && depth == 0) {
-      keys.push_back(std::move(key));
-      key.clear();
-    } else {
-      key += c;
-    }
-  }
-  keys.push_back(std::move(key));
-  return keys;
-}
-
 bool isAscii(const std::string& text) {
   for (unsigned char c : text)
     if (c >= 0x80) return false;
@@ -72,7 +53,7 @@ std::size_t MCCompiledPredicate::compile(const MCPredicateNode& source) {
       Side out;
       out.isConstant = expression.kind == MCPredicateExpression::Kind::Constant;
       if (out.isConstant) out.constant = expression.constant;
-      else out.keys = keysOf(expression.keyPath);
+      else out.keys = MCPredicateExpression::keysOfKeyPath(expression.keyPath);
       return out;
     };
     node.left = side(comparison->leftExpression());

@@ -15,25 +15,6 @@
 
 namespace {
 
-// A key path split into keys: dots separate them, a key in braces is one key, dots and all.
-std::vector<std::string> keysOf(const std::string& path) {
-  std::vector<std::string> keys;
-  std::string key;
-  int depth = 0;
-  for (char c : path) {
-    if (c == '{') ++depth;
-    if (c == '}' && depth > 0) --depth;
-    if (c == '.' && depth == 0) {
-      keys.push_back(std::move(key));
-      key.clear();
-    } else {
-      key += c;
-    }
-  }
-  keys.push_back(std::move(key));
-  return keys;
-}
-
 icu::UnicodeString unicode(const std::string& text) { return icu::UnicodeString::fromUTF8(text); }
 
 // The text as the options compare it: case folded for "c", without combining marks for "d".
@@ -222,10 +203,28 @@ const char* operatorFormat(MCPredicateOperatorType type) {
 
 }  // namespace
 
+std::vector<std::string> MCPredicateExpression::keysOfKeyPath(const std::string& keyPath) {
+  std::vector<std::string> keys;
+  std::string key;
+  int depth = 0;
+  for (char c : keyPath) {
+    if (c == '{') ++depth;
+    if (c == '}' && depth > 0) --depth;
+    if (c == '.' && depth == 0) {
+      keys.push_back(std::move(key));
+      key.clear();
+    } else {
+      key += c;
+    }
+  }
+  keys.push_back(std::move(key));
+  return keys;
+}
+
 std::optional<MCValue> MCPredicateExpression::valueWithObject(const MCDictionary& object) const {
   if (kind == Kind::Constant) return constant;
   const MCDictionary* at = &object;
-  const std::vector<std::string> keys = keysOf(keyPath);
+  const std::vector<std::string> keys = MCPredicateExpression::keysOfKeyPath(keyPath);
   for (std::size_t i = 0; i < keys.size(); ++i) {
     const MCValue* value = at ? MCDictionaryGet(*at, keys[i]) : nullptr;
     if (!value) return std::nullopt;

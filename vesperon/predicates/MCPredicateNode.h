@@ -77,6 +77,9 @@ struct MCPredicateExpression {
   std::optional<MCValue> valueWithObject(const MCDictionary& object) const;
   /// The text form.
   std::string predicateFormat() const;
+  /// The keys of a key path, in order: dots separate them, a key in braces is one key, dots and
+  /// all ("{Exif}.FNumber" gives "{Exif}" and "FNumber").
+  static std::vector<std::string> keysOfKeyPath(const std::string& keyPath);
   friend bool operator==(const MCPredicateExpression&, const MCPredicateExpression&) = default;
 };
 
