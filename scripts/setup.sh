@@ -19,6 +19,8 @@ PACKAGES=(
   libgtk-4-dev librsvg2-dev adwaita-icon-theme fonts-dejavu-core xvfb xauth xdotool xclip
   # and the window manager those tests run, as a desktop has one (x11-utils: xprop to wait for it)
   openbox x11-utils
+  # the accessibility bus and the AT-SPI client the screen-reader test reads the views with
+  at-spi2-core python3-pyatspi
   # file types and the desktop's applications (GIO), the session bus the tests start, and the
   # desktop portal a GNOME or KDE desktop has (with its FUSE document store), which GTK finds there
   shared-mime-info desktop-file-utils dbus-daemon xdg-desktop-portal-gtk

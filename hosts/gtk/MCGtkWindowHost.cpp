@@ -72,6 +72,8 @@ static void vesperon_host_widget_class_init(VesperonHostWidgetClass* klass) {
   widgetClass->size_allocate = widgetSizeAllocate;
   widgetClass->measure = widgetMeasure;
   G_OBJECT_CLASS(klass)->dispose = widgetDispose;
+  // The views a window hosts are items in rows and columns (the browser) far more than anything else.
+  gtk_widget_class_set_accessible_role(widgetClass, GTK_ACCESSIBLE_ROLE_GRID);
 }
 
 static void vesperon_host_widget_init(VesperonHostWidget* self) {
@@ -195,6 +197,15 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
   window->setHost(host.get());
   host->clipboard_ = std::make_shared<MCGtkClipboard>(gtk_widget_get_clipboard(host->widget_));
   MCPasteboard::generalPasteboard()->setBackend(host->clipboard_);
+  // Assistive technologies hear from the first view (depth first) that names itself.
+  std::function<MCView*(MCView*)> named = [&](MCView* view) -> MCView* {
+    if (!view) return nullptr;
+    if (!view->accessibilityLabel().empty()) return view;
+    for (const auto& subview : view->subviews())
+      if (MCView* found = named(subview.get())) return found;
+    return nullptr;
+  };
+  if (MCView* view = named(window->contentView().get())) host->accessibilityDidChange(*view);
   return host;
 }
 
@@ -704,4 +715,12 @@ void MCGtkWindowHost::removeContextMenu() {
   for (const auto& host : contextViewHosts_)
     if (GtkWidget* child = host->widget()) g_object_run_dispose(G_OBJECT(child));
   contextViewHosts_.clear();
+}
+
+void MCGtkWindowHost::accessibilityDidChange(MCView& view) {
+  if (!widget_) return;
+  const std::string label = view.accessibilityLabel();
+  const std::string value = view.accessibilityValue();
+  gtk_accessible_update_property(GTK_ACCESSIBLE(widget_), GTK_ACCESSIBLE_PROPERTY_LABEL, label.c_str(),
+                                 GTK_ACCESSIBLE_PROPERTY_DESCRIPTION, value.c_str(), -1);
 }

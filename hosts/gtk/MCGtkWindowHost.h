@@ -91,6 +91,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   std::shared_ptr<MCPasteboardBackend> pasteboardBackend() override;
   void closeWindow() override;
   void windowTitleDidChange() override;
+  /// Gives the widget the view's label as its accessible name and its value as its description,
+  /// which AT-SPI announces.
+  void accessibilityDidChange(MCView& view) override;
   bool setFullScreen(bool fullScreen) override;
   /// Whether the toplevel was asked to fill the screen.
   bool isFullScreen() const override { return fullScreen_; }

@@ -21,3 +21,9 @@ add_test(NAME browser.browse-trash-on-screen
   COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-trash-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
           ${PROJECT_SOURCE_DIR}/samples)
 set_tests_properties(browser.browse-trash-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
+
+# What a screen reader gets from `vesperon browse` over a real accessibility bus, read with pyatspi.
+add_test(NAME browser.browse-accessibility-on-screen
+  COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/browser/browse-accessibility-on-screen-test.sh $<TARGET_FILE:vesperon_tool>
+          ${PROJECT_SOURCE_DIR}/samples)
+set_tests_properties(browser.browse-accessibility-on-screen PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)

@@ -146,6 +146,7 @@ void MCBrowserView::appendGroups() {
     return n;
   });
   sizeToFit(false);
+  accessibilityDidChange();
 }
 
 void MCBrowserView::reloadItemAtIndexPath(const MCIndexPath& indexPath) {

@@ -5,6 +5,7 @@
 #include <vesperon/core/MCIndexPath.h>
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 class MCBrowserView;
@@ -22,6 +23,13 @@ class MCBrowserViewDataSource {
   virtual void updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) = 0;
   /// Refills the header cell for `group`.
   virtual void updateHeaderCell(MCBrowserView& view, MCBrowserViewCell& cell, uint64_t group) = 0;
+  /// The item's name as a screen reader says it (a file name); empty by default, which the view
+  /// reads as "Item N".
+  virtual std::string accessibilityNameForItem(MCBrowserView& view, const MCIndexPath& indexPath) {
+    (void)view;
+    (void)indexPath;
+    return {};
+  }
 };
 
 /// Prefetching: each call gets an ascending list of index paths. The view always sends its

@@ -121,6 +121,7 @@ bool MCBrowserView::deselectAll() {
 }
 
 void MCBrowserView::notifySelectionDidChange() {
+  accessibilityDidChange();
   if (respondsTo(MCBrowserViewDelegateOperation::SelectionDidChange)) delegate()->browserViewSelectionDidChange(*this);
   if (MCPreviewPanel::sharedPreviewPanelExists()) {
     auto panel = MCPreviewPanel::sharedPreviewPanel();

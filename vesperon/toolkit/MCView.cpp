@@ -555,3 +555,7 @@ void MCView::setWantsLayer(bool flag) {
 }
 
 std::shared_ptr<MCLayer> MCView::makeBackingLayer() { return std::make_shared<MCLayer>(); }
+
+void MCView::accessibilityDidChange() {
+  if (window_ && window_->host()) window_->host()->accessibilityDidChange(*this);
+}

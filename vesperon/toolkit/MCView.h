@@ -224,6 +224,13 @@ class MCView : public MCResponder {
   /// Whether this view draws every pixel of its bounds (lets the window skip what lies under it).
   virtual bool isOpaque() const { return false; }
 
+  /// What assistive technologies call this view ("Photos"); empty when it has no name of its own.
+  virtual std::string accessibilityLabel() const { return {}; }
+  /// What the view holds now, read after its label ("IMG_0042.jpg, 12 of 2,000, 3 selected").
+  virtual std::string accessibilityValue() const { return {}; }
+  /// Tells the window's host that the label or value changed, so that it announces them.
+  void accessibilityDidChange();
+
   // Layers. A view that wants a layer is drawn from its layer tree, not its drawRect; a view that
   // answers wantsUpdateLayer sets its layers' properties in updateLayer, before each display.
   /// Whether the view is drawn from a layer tree.

@@ -30,6 +30,7 @@
 #include <optional>
 #include <string>
 
+class MCView;
 class MCWindow;
 class MCDraggingSession;
 class MCPasteboardBackend;
@@ -85,6 +86,9 @@ class MCWindowHost {
   virtual void closeWindow() {}
   /// The window's title changed; a host that shows it shows the new one.
   virtual void windowTitleDidChange() {}
+  /// A view's accessibility label or value changed; a host that speaks to assistive technologies
+  /// reads them again.
+  virtual void accessibilityDidChange(MCView& view) { (void)view; }
   /// Shows the window over the whole screen, or as it was; false when the host cannot.
   virtual bool setFullScreen(bool fullScreen) {
     (void)fullScreen;

@@ -321,6 +321,10 @@ const BrowseItemInfo& BrowseController::info(const MCIndexPath& indexPath) {
   return it->second;
 }
 
+std::string BrowseController::accessibilityNameForItem(MCBrowserView&, const MCIndexPath& indexPath) {
+  return collection_.file(indexPath.group, indexPath.item).filename().string();
+}
+
 void BrowseController::updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) {
   auto& card = static_cast<BrowseItemCell&>(cell);
   MCRasterImageRef image;

@@ -135,6 +135,7 @@ class BrowseController : public MCBrowserViewDataSource,
   uint64_t numberOfGroupsInBrowserView(MCBrowserView& view) override;
   uint64_t numberOfItemsInGroup(MCBrowserView& view, uint64_t group) override;
   void updateItemCell(MCBrowserView& view, MCBrowserViewCell& cell, const MCIndexPath& indexPath) override;
+  std::string accessibilityNameForItem(MCBrowserView& view, const MCIndexPath& indexPath) override;
   void updateHeaderCell(MCBrowserView& view, MCBrowserViewCell& cell, uint64_t group) override;
   // MCBrowserViewDelegate
   bool respondsTo(MCBrowserViewDelegateOperation operation) const override;

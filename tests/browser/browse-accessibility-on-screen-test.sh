@@ -1,0 +1,65 @@
+#!/usr/bin/env bash
+# `vesperon browse samples` under Xvfb with a real accessibility bus: moves the selection with
+# xdotool and reads back over AT-SPI (pyatspi) what a screen reader gets from the browser view: a
+# table named "Photos" whose description names the focused file, its place among all the items and
+# how many are selected.
+# Usage: browse-accessibility-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) when no X
+# server or no accessibility bus can be started, or pyatspi is missing.
+set -euo pipefail
+vesperon=$1
+samples=$2
+here=$(dirname "$0")
+source "$here/../support/screen-test.sh"
+screen_test_start 1400x1024 "$0" "$@"
+
+launcher=/usr/libexec/at-spi-bus-launcher
+if [ ! -x "$launcher" ] || ! /usr/bin/python3 -c 'import pyatspi' 2>/dev/null; then
+  echo "SKIPPED: at-spi2-core or python3-pyatspi is not installed"; exit 77
+fi
+# The accessibility bus of this test's own session; the registry starts on it when first asked.
+"$launcher" --launch-immediately >/dev/null 2>&1 &
+dpid=$!
+for _ in $(seq 50); do
+  gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus --method org.a11y.Bus.GetAddress \
+    >/dev/null 2>&1 && break
+  sleep 0.1
+done
+gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus --method org.a11y.Bus.GetAddress \
+  >/dev/null 2>&1 || { echo "SKIPPED: the accessibility bus did not start"; exit 77; }
+unset NO_AT_BRIDGE
+export GTK_A11Y=atspi
+
+# A small folder of its own, so that the count is known.
+mkdir "$work/photos"
+cp "$samples"/alley.jpg "$samples"/beach.jpg "$samples"/boat.jpg "$samples"/diagram.png "$work/photos"
+total=4
+"$vesperon" browse "$work/photos" --report >"$work/out" 2>"$work/err" &
+pid=$!
+wait_for '^cell 3 '
+read -r _ ox oy < <(grep '^ready ' "$work/out")
+read -r _ _ x0 y0 _ < <(grep '^cell 0 ' "$work/out")
+read -r _ _ _ _ name1 < <(grep '^cell 1 ' "$work/out")
+window=$(xdotool search --sync --onlyvisible --name "^Vesperon" | head -1)
+
+# Reads until the description is what is expected (AT-SPI hears changes a turn later).
+expect() {
+  local want=$1 got=""
+  for _ in $(seq 30); do
+    got=$(timeout 5 /usr/bin/python3 "$here/read-accessible.py" vesperon 2>/dev/null || true)
+    [ "$got" = "$want" ] && return 0
+    sleep 0.2
+  done
+  echo "FAIL: AT-SPI reads '$got', expected '$want'"; cat "$work/err"; exit 1
+}
+
+expect "table|Photos|No selection, $total items"
+xdotool mousemove --window "$window" $((ox + x0)) $((oy + y0)) click 1
+wait_for '^selection 1 0$'
+xdotool key Right
+wait_for '^selection 1 1$'
+expect "table|Photos|$name1, 2 of $total"
+xdotool key shift+Right
+wait_for '^selection 2 1,2$'
+read -r _ _ _ _ name2 < <(grep '^cell 2 ' "$work/out")
+expect "table|Photos|$name2, 3 of $total, 2 selected"
+echo "PASS"
