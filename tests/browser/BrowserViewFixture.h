@@ -36,6 +36,7 @@ struct Recorder : MCBrowserViewDataSource, MCBrowserViewDelegate, MCBrowserViewP
   int selectionChanges = 0;
   int scaleChanges = 0;
   bool answersEverything = true;
+  bool namesItems = false;  // names items "g.i.jpg" for assistive technologies
 
   uint64_t numberOfGroupsInBrowserView(MCBrowserView&) override { return groupSizes.size(); }
   uint64_t numberOfItemsInGroup(MCBrowserView&, uint64_t group) override { return groupSizes.at(group); }
@@ -44,6 +45,9 @@ struct Recorder : MCBrowserViewDataSource, MCBrowserViewDelegate, MCBrowserViewP
   }
   void updateHeaderCell(MCBrowserView&, MCBrowserViewCell& cell, uint64_t) override {
     ++static_cast<FixedCell&>(cell).prepared;
+  }
+  std::string accessibilityNameForItem(MCBrowserView&, const MCIndexPath& p) override {
+    return namesItems ? describe(p) + ".jpg" : std::string();
   }
   bool respondsTo(MCBrowserViewDelegateOperation) const override { return answersEverything; }
   void browserViewSelectionDidChange(MCBrowserView&) override { ++selectionChanges; }
