@@ -169,7 +169,8 @@ class MCBrowserView : public MCView,
   std::string accessibilityLabel() const override { return accessibilityName_; }
   /// Sets the name assistive technologies give the view.
   void setAccessibilityLabel(std::string label);
-  /// The focused (last selected) item's name, its place among all items and how many are
+  /// The focused item's name (the one last selected by a key or a click; the selection's last
+  /// otherwise), its place among all items and how many are
   /// selected: "IMG_0042.jpg, 12 of 2,000, 3 selected"; "No selection, 2,000 items" when none is.
   std::string accessibilityValue() const override;
   /// Lays out for the enclosing scroll view's content size and takes the layout's content size as
@@ -461,6 +462,7 @@ class MCBrowserView : public MCView,
   bool selectionSwapped_ = false;
   MCIndexSet selectionIndexes_;
   std::string accessibilityName_ = "Photos";
+  uint64_t focusIndex_ = NSNotFound;
   std::optional<MCIndexSet> selectionIndexesOld_;
   MCIndexSet alternateSelectionIndexes_;
   std::optional<MCIndexSet> alternateSelectionIndexesOld_;

@@ -21,10 +21,11 @@ void MCBrowserView::setAccessibilityLabel(std::string label) {
 
 std::string MCBrowserView::accessibilityValue() const {
   const uint64_t total = numberOfItems();
-  const auto focused = lastSelectedIndexPath();
-  if (!focused || selectionIndexes_.empty())
-    return "No selection, " + groupedNumber(total) + (total == 1 ? " item" : " items");
-  const uint64_t position = selectionIndexes_.lastIndex() + 1;
+  if (selectionIndexes_.empty()) return "No selection, " + groupedNumber(total) + (total == 1 ? " item" : " items");
+  const uint64_t index = selectionIndexes_.containsIndex(focusIndex_) ? focusIndex_ : selectionIndexes_.lastIndex();
+  const auto focused = contentLayout_->indexPathFromItemIndex(index);
+  if (!focused) return {};
+  const uint64_t position = index + 1;
   std::string name;
   if (auto source = dataSource())
     name = source->accessibilityNameForItem(const_cast<MCBrowserView&>(*this), *focused);

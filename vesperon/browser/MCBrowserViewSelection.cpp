@@ -64,6 +64,7 @@ bool MCBrowserView::setAlternateSelectionIndexPaths(const std::vector<MCIndexPat
 }
 
 void MCBrowserView::selectIndex(uint64_t index, bool extend, bool autoscroll, bool notify) {
+  focusIndex_ = index;  // the end the keys moved, which screen readers announce
   if (setSelectionIndexes(MCIndexSet(index), extend, notify) && autoscroll) scrollToIndex(index);
 }
 
