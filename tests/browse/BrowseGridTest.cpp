@@ -332,6 +332,8 @@ TEST(BrowseItemInfo, EveryFormatGivesItsDateAndLocation) {
     EXPECT_EQ(info.captureDate, c.date);
     EXPECT_EQ(info.hasLocation, c.located);
   }
+  // An Exif block that leaves out the dimensions: the card still says them.
+  EXPECT_EQ(BrowseItemInfo::read(samples / "portrait-window.jpg").pixelSize, (MCSize{480, 600}));
   // Nothing to read: no date, no pin, no crash.
   const BrowseItemInfo none = BrowseItemInfo::read(samples / "no-such-file.jpg");
   EXPECT_EQ(none.captureDate, "");

@@ -1,5 +1,7 @@
 #include "BrowseController.h"
 
+#include <vesperon/catalogue/MCSearchableProperties.h>
+
 #include "BrowseSharedThumbnailStrategy.h"
 
 #include <utility>
@@ -9,7 +11,6 @@
 #include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCCGImageMetadataReader.h>
 #include <vesperon/metadata/MCExif.h>
-#include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
 #include <vesperon/pixels/MCImageTypes.h>
@@ -18,7 +19,6 @@
 #include <vesperon/toolkit/MCScrollView.h>
 #include <vesperon/toolkit/MCWindow.h>
 
-#include <fstream>
 
 #include <vesperon/toolkit/MCPasteboard.h>
 #include <vesperon/toolkit/MCPreviewPanel.h>
@@ -55,7 +55,11 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
   if (extension.size() > 1)
     if (auto type = MCTypeCreatePreferredIdentifierForFilenameExtension(extension.substr(1)))
       info.isVideo = MCIsMovieType(*type);
-  info.applyProperties(propertiesOfFile(file));
+  // The dictionary `vesperon info` prints and `find` filters.
+  info.applyProperties(MCMediaPropertiesOfFile(file).value_or(MCDictionary{}));
+  // An Exif block without the image's dimensions (many editors drop them): the plug-in knows.
+  if (info.pixelSize.width <= 0)
+    if (auto read = MCImageReader::metadataFromImageAtURL(file, std::nullopt)) info.applyProperties(*read);
   info.label = MCColorLabelMapper::labelOfFile(file);
   if (auto sidecar = MCCGImageMetadataReader::extractMetadataFromXMPSidecarForImageAtURL(file)) {
     if (auto iptc = sidecar->find(kCGImagePropertyIPTCDictionary); iptc != sidecar->end())
@@ -65,23 +69,6 @@ BrowseItemInfo BrowseItemInfo::read(const fs::path& file) {
       }
   }
   return info;
-}
-
-MCDictionary BrowseItemInfo::propertiesOfFile(const fs::path& file) {
-  // The Exif block of a JPEG sits in its first segments: the file's head is enough, where
-  // `vesperon info` reads the whole file.
-  std::ifstream in(file, std::ios::binary);
-  std::vector<uint8_t> bytes(128 * 1024);
-  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
-  bytes.resize(std::size_t(std::max<std::streamsize>(0, in.gcount())));
-  MCDictionary properties;
-  if (auto reader = MCExifReader::create(bytes))
-    if (auto exif = reader->parseExif()) properties = exif->dictionary();
-  // Without an Exif block at its head (HEIC, WebP, PNG's eXIf, a clip's creation time …): what its
-  // plug-in reads, as `info` and `find` take it.
-  if (properties.empty())
-    if (auto read = MCImageReader::metadataFromImageAtURL(file, std::nullopt)) properties = std::move(*read);
-  return properties;
 }
 
 void BrowseItemInfo::applyProperties(const MCDictionary& properties) {

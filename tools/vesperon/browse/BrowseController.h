@@ -29,9 +29,6 @@ struct BrowseItemInfo {
   bool hasLocation = false;  // GPS coordinates in the Exif block
   bool isVideo = false;
   static BrowseItemInfo read(const std::filesystem::path& file);
-  /// The file's property dictionary, as `vesperon info` nests it: its own Exif block, or what its
-  /// codec plug-in reads.
-  static MCDictionary propertiesOfFile(const std::filesystem::path& file);
   /// The date line, pixel size and location out of such a dictionary.
   void applyProperties(const MCDictionary& properties);
 };
