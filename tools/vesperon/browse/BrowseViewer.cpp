@@ -1,5 +1,7 @@
 #include "BrowseViewer.h"
 
+#include "BrowseController.h"
+
 #include "../MediaFiles.h"
 
 #include <vesperon/controls/MCColorLabelMapper.h>
@@ -17,7 +19,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -109,20 +110,6 @@ class Toolbar : public MCView {
     }
   }
 };
-
-/// "2.4 MB": a file size with one decimal, in the units people read.
-std::string readableSize(std::uintmax_t bytes) {
-  const char* units[] = {"bytes", "KB", "MB", "GB"};
-  double value = double(bytes);
-  int unit = 0;
-  while (value >= 1000 && unit < 3) {
-    value /= 1000;
-    ++unit;
-  }
-  char text[32];
-  std::snprintf(text, sizeof text, unit == 0 ? "%.0f %s" : "%.1f %s", value, units[unit]);
-  return text;
-}
 
 }  // namespace
 
@@ -521,7 +508,7 @@ std::vector<std::string> BrowseViewerPage::infoParts() const {
   std::vector<std::string> parts{std::to_string(long(photo.width)) + " × " + std::to_string(long(photo.height)) + " px"};
   std::error_code ec;
   const std::uintmax_t bytes = std::filesystem::file_size(file_, ec);
-  if (!ec) parts.push_back(readableSize(bytes));
+  if (!ec) parts.push_back(BrowseController::formatByteCount(bytes));  // as the grid's status line says it
   if (loaded_) parts.push_back(std::to_string(std::lround(zoomPercent())) + "%");
   return parts;
 }
