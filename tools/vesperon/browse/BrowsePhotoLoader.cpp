@@ -20,6 +20,7 @@ struct BrowsePhotoLoader::State {
   std::mutex mutex;
   bool alive = true;
   std::set<fs::path> wanted;
+  uint64_t regions = 0;  // region loads asked for; only the latest may start
   bool isWanted(const fs::path& file) {
     std::lock_guard lock(mutex);
     return alive && wanted.count(file) != 0;
@@ -190,13 +191,18 @@ void BrowsePhotoLoader::setWanted(std::set<fs::path> files) {
   state_->wanted = std::move(files);
 }
 
-void BrowsePhotoLoader::run(const fs::path& file, std::function<BrowsePhotoPixels()> load) {
+void BrowsePhotoLoader::run(const fs::path& file, std::function<BrowsePhotoPixels()> load, uint64_t region) {
   {
     std::lock_guard lock(state_->mutex);
     state_->wanted.insert(file);
   }
-  queue_->async([state = state_, file, load = std::move(load)] {
+  queue_->async([state = state_, file, load = std::move(load), region] {
     if (!state->isWanted(file)) return;
+    if (region != 0) {
+      // A pan asks for region after region; one overtaken before it started is never decoded.
+      std::lock_guard lock(state->mutex);
+      if (region != state->regions) return;
+    }
     BrowsePhotoPixels pixels = load();
     pixels.file = file;
     MCMainQueue::async([state, pixels = std::move(pixels)]() mutable {
@@ -236,6 +242,11 @@ void BrowsePhotoLoader::loadWhole(const fs::path& file) {
 
 void BrowsePhotoLoader::loadRegion(const fs::path& file, MCRect rect, MCSize photoSize, int orientation) {
   rect = MCIntegralRect(MCIntersectionRect(rect, MCMakeRect(0, 0, photoSize.width, photoSize.height)));
+  uint64_t region = 0;
+  {
+    std::lock_guard lock(state_->mutex);
+    region = ++state_->regions;
+  }
   run(file, [file, rect, photoSize, orientation] {
     BrowsePhotoPixels pixels;
     pixels.kind = BrowsePhotoPixels::Kind::Region;
@@ -250,5 +261,5 @@ void BrowsePhotoLoader::loadRegion(const fs::path& file, MCRect rect, MCSize pho
         std::size_t(stored.size.height), options, nullptr);
     pixels.image = BrowseDrawableImage(decoded, orientation);
     return pixels;
-  });
+  }, region);
 }

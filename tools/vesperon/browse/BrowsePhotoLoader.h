@@ -12,13 +12,15 @@
 //           100-megapixel JPEG's centre costs a fraction of the whole).
 //
 // Loads of files no longer wanted (`setWanted`) are dropped before they start, so a user who holds
-// the Right key does not queue a decode per photo passed; a loader destroyed drops every answer
-// still under way.
+// the Right key does not queue a decode per photo passed, and so is a region overtaken by a later
+// one, so a fast pan decodes only where it stops; a loader destroyed drops every answer still
+// under way.
 
 #include <vesperon/core/MCGeometry.h>
 #include <vesperon/platform/MCRasterImage.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -63,7 +65,8 @@ class BrowsePhotoLoader {
 
  private:
   struct State;
-  void run(const std::filesystem::path& file, std::function<BrowsePhotoPixels()> load);
+  /// Queues `load` for `file`; a region load (`region`, its number) runs only while it is the latest.
+  void run(const std::filesystem::path& file, std::function<BrowsePhotoPixels()> load, uint64_t region = 0);
   std::shared_ptr<State> state_;
   std::unique_ptr<MCDispatchQueue> queue_;
 };

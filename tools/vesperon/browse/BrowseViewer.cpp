@@ -565,7 +565,8 @@ void BrowseViewerPage::receive(BrowsePhotoPixels pixels) {
       show(std::move(pixels.image));
       break;
     case Kind::Region: {
-      regionRequested_.reset();
+      // An earlier region may land while the latest is still on its way: that one stays asked.
+      if (regionRequested_ && *regionRequested_ == pixels.rect) regionRequested_.reset();
       if (whole_) return;
       auto& photo = static_cast<PhotoView&>(*imageView_);
       photo.detail = std::move(pixels.image);
