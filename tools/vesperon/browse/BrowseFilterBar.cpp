@@ -1,14 +1,10 @@
 #include "BrowseFilterBar.h"
 
-#include <gtk/gtk.h>
-
 #include <cmath>
 
 BrowseFilterBar::BrowseFilterBar(BrowseFilter& filter, std::function<void()> changed, GtkWidget* content,
                                  std::function<void(const std::string&)> report)
-    : filter_(filter), changed_(std::move(changed)), content_(content), report_(std::move(report)) {
-  revealer_ = gtk_revealer_new();
-  gtk_revealer_set_transition_type(GTK_REVEALER(revealer_), GTK_REVEALER_TRANSITION_TYPE_SLIDE_DOWN);
+    : filter_(filter), changed_(std::move(changed)) {
   std::vector<MCPredicateEditorRowTemplateRef> rows;
   std::vector<bool> enabled;
   for (const BrowseFilter::Row& row : filter_.rows()) {
@@ -20,30 +16,26 @@ BrowseFilterBar::BrowseFilterBar(BrowseFilter& filter, std::function<void()> cha
     for (std::size_t i = 0; i < filter_.rows().size(); ++i) filter_.rows()[i].enabled = editor_->isRowEnabled(i);
     if (changed_) changed_();
   });
-  GtkWidget* lines = editor_->widget();
-  gtk_widget_set_margin_start(lines, 10);
-  gtk_widget_set_margin_end(lines, 10);
-  gtk_widget_set_margin_top(lines, 6);
-  gtk_widget_set_margin_bottom(lines, 6);
-  gtk_revealer_set_child(GTK_REVEALER(revealer_), lines);
-  if (report_) g_signal_connect(revealer_, "notify::child-revealed", G_CALLBACK(&BrowseFilterBar::revealed), this);
+  bar_ = MCGtkSlidingBar::create(editor_->widget(), 10, 6);
+  bar_->setFocusAfterHiding(content);
+  if (report) {
+    bar_->setShownHandler([this, report = std::move(report)] {
+      double x = 0;
+      double y = 0;
+      if (MCGtkPredicateEditorRow::centreInSurface(editor_->compoundRow()->widgetOfView(0), x, y))
+        report("filter-bar compound " + std::to_string(std::lround(x)) + " " + std::to_string(std::lround(y)));
+    });
+  }
 }
 
-void BrowseFilterBar::revealed(GtkRevealer* revealer, GParamSpec*, BrowseFilterBar* bar) {
-  double x = 0;
-  double y = 0;
-  if (gtk_revealer_get_child_revealed(revealer) &&
-      MCGtkPredicateEditorRow::centreInSurface(bar->editor_->compoundRow()->widgetOfView(0), x, y))
-    bar->report_("filter-bar compound " + std::to_string(std::lround(x)) + " " + std::to_string(std::lround(y)));
-}
+BrowseFilterBar::~BrowseFilterBar() = default;
 
-bool BrowseFilterBar::isShown() const { return gtk_revealer_get_reveal_child(GTK_REVEALER(revealer_)); }
+bool BrowseFilterBar::isShown() const { return bar_->isShown(); }
 
 void BrowseFilterBar::toggle() {
   const bool show = !isShown();
-  gtk_revealer_set_reveal_child(GTK_REVEALER(revealer_), show);
+  bar_->setShown(show);
   if (show) editor_->grabFocus();
-  if (!show && content_) gtk_widget_grab_focus(content_);
 }
 
 void BrowseFilterBar::clearRows() {

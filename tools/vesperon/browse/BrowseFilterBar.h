@@ -1,5 +1,5 @@
 #pragma once
-// The filter bar of `vesperon browse` on screen, in a revealer above the grid, hidden at first:
+// The filter bar of `vesperon browse` on screen, sliding down above the grid, hidden at first:
 // the library's predicate editor (MCGtkPredicateEditor) over the filter's rows — the compound row
 // ("All of the following are true"), then per filter row a check button that turns it on and the
 // row's own widgets. Editing a row turns it on. Each change calls `changed`.
@@ -7,14 +7,13 @@
 #include "BrowseFilter.h"
 
 #include <hosts/gtk/MCGtkPredicateEditor.h>
+#include <hosts/gtk/MCGtkSlidingBar.h>
 
 #include <functional>
 #include <memory>
 #include <string>
 
 typedef struct _GtkWidget GtkWidget;
-typedef struct _GtkRevealer GtkRevealer;
-typedef struct _GParamSpec GParamSpec;
 
 class BrowseFilterBar {
  public:
@@ -25,8 +24,9 @@ class BrowseFilterBar {
                   std::function<void(const std::string&)> report = nullptr);
   BrowseFilterBar(const BrowseFilterBar&) = delete;
   BrowseFilterBar& operator=(const BrowseFilterBar&) = delete;
+  ~BrowseFilterBar();
 
-  GtkWidget* widget() const { return revealer_; }
+  GtkWidget* widget() const { return bar_->widget(); }
   bool isShown() const;
   /// Shows the bar with the focus in its first field, or hides it.
   void toggle();
@@ -34,12 +34,8 @@ class BrowseFilterBar {
   void clearRows();
 
  private:
-  static void revealed(GtkRevealer* revealer, GParamSpec*, BrowseFilterBar* bar);
-
   BrowseFilter& filter_;
   std::function<void()> changed_;
-  GtkWidget* content_;
-  std::function<void(const std::string&)> report_;
-  GtkWidget* revealer_ = nullptr;
   std::shared_ptr<MCGtkPredicateEditor> editor_;
+  std::unique_ptr<MCGtkSlidingBar> bar_;
 };
