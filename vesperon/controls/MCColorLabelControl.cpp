@@ -126,3 +126,12 @@ void MCColorLabelControl::drawRect(const MCRect&) {
   const MCAttributedString line = lineOf(labelText(), textColor_);
   line.drawAtPoint({12, 24}, *context);
 }
+
+std::vector<MCAccessibilityElement> MCColorLabelControl::accessibilityElements() const {
+  MCAccessibilityElement group;
+  group.role = MCAccessibilityRole::Group;
+  group.label = MCLocalizedString("color_label_color_label", "Color label");
+  group.frame = bounds();
+  group.enabled = enabled_;
+  return {group};
+}

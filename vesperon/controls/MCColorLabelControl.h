@@ -70,6 +70,9 @@ class MCColorLabelControl : public MCView {
   void mouseExited(const MCEvent& event) override;
   void mouseDown(const MCEvent& event) override;
   void drawRect(const MCRect& dirtyRect) override;
+  /// A group named as the line under the dots names it with no pointer over them; the dots are
+  /// its items' own.
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
 
  private:
   void track(const MCEvent& event, bool inside);

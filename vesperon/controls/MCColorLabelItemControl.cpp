@@ -1,5 +1,7 @@
 #include <vesperon/controls/MCColorLabelItemControl.h>
 
+#include <vesperon/controls/MCColorLabelControl.h>
+#include <vesperon/core/MCLocalizedString.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 
 #include <algorithm>
@@ -60,4 +62,19 @@ void MCColorLabelItemControl::drawRect(const MCRect&) {
     context->setLineWidth(1.5);
     context->strokeEllipseInRect(MCInsetRect(dot, -1, -1));
   }
+}
+
+std::vector<MCAccessibilityElement> MCColorLabelItemControl::accessibilityElements() const {
+  MCAccessibilityElement item;
+  item.frame = bounds();
+  item.enabled = enabled_;
+  if (clearItem_) {
+    item.role = MCAccessibilityRole::Button;
+    item.label = MCLocalizedString("color_label_clear_all", "Clear all color labels");
+  } else {
+    item.role = MCAccessibilityRole::CheckBox;
+    item.label = MCColorLabelControl::labelName(tag_);
+    item.checked = selected_;
+  }
+  return {item};
 }

@@ -25,6 +25,8 @@ class MCColorLabelItemControl : public MCView {
   bool isEnabled() const { return enabled_; }
   /// Enables or disables the item.
   void setEnabled(bool enabled);
+  /// A choice named by its label's colour ("Red"), ticked while selected; the clear item a button.
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
   /// Whether the pointer is over the item.
   bool isHighlighted() const { return highlighted_; }
   /// Shows the item under the pointer or not.

@@ -1,5 +1,6 @@
 #include <vesperon/controls/MCHistogramView.h>
 
+#include <vesperon/core/MCLocalizedString.h>
 #include <vesperon/drawing/MCImageExtensions.h>
 #include <vesperon/pixels/MCBitmapHistograms.h>
 #include <vesperon/pixels/MCImageUnpacking.h>
@@ -130,4 +131,12 @@ void MCHistogramView::drawRect(const MCRect& dirtyRect) {
   cairo_set_dash(context->cairoContext(), dash, 2, 0);
   context->strokePath();
   context->restoreGState();
+}
+
+std::vector<MCAccessibilityElement> MCHistogramView::accessibilityElements() const {
+  MCAccessibilityElement picture;
+  picture.role = MCAccessibilityRole::Image;
+  picture.label = MCLocalizedString("histogram_accessibility_label", "Histogram");
+  picture.frame = bounds();
+  return {picture};
 }

@@ -40,6 +40,8 @@ class MCHistogramView : public MCView {
 
   bool isFlipped() const override { return false; }
   void drawRect(const MCRect& dirtyRect) override;
+  /// A picture named "Histogram".
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
 
  private:
   MCRasterImageRef image_;

@@ -130,3 +130,14 @@ void MCToolbarItemControl::drawRect(const MCRect&) {
   }
   labelText(title_.value_or(""), contentColor()).drawInRect(labelFrame(), *context);
 }
+
+std::vector<MCAccessibilityElement> MCToolbarItemControl::accessibilityElements() const {
+  MCAccessibilityElement button;
+  button.role = MCAccessibilityRole::Button;
+  button.label = title_ && !title_->empty() ? *title_ : toolTip_;
+  if (button.label != toolTip_) button.value = toolTip_;
+  button.frame = bounds();
+  button.enabled = enabled_;
+  if (selected_) button.checked = true;
+  return {button};
+}

@@ -90,6 +90,8 @@ class MCToolbarItemControl : public MCView {
   void mouseExited(const MCEvent& event) override;
   void mouseDown(const MCEvent& event) override;
   void drawRect(const MCRect& dirtyRect) override;
+  /// A button named by its label (its tool tip when it has none), pressed while selected.
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
 
  private:
   std::optional<std::string> title_;

@@ -21,6 +21,7 @@
 // notification; a view that follows its superview's size subscribes there.
 
 #include <vesperon/core/MCGeometry.h>
+#include <vesperon/toolkit/MCAccessibilityElement.h>
 #include <vesperon/toolkit/MCResponder.h>
 #include <vesperon/toolkit/MCTrackingArea.h>
 
@@ -230,6 +231,9 @@ class MCView : public MCResponder {
   virtual std::string accessibilityValue() const { return {}; }
   /// Tells the window's host that the label or value changed, so that it announces them.
   void accessibilityDidChange();
+  /// The buttons, sliders, links and texts the view draws, for assistive technologies, with
+  /// frames in the view's coordinates; none by default. The host asks again after each redraw.
+  virtual std::vector<MCAccessibilityElement> accessibilityElements() const { return {}; }
 
   // Layers. A view that wants a layer is drawn from its layer tree, not its drawRect; a view that
   // answers wantsUpdateLayer sets its layers' properties in updateLayer, before each display.
