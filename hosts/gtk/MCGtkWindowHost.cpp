@@ -1,5 +1,6 @@
 #include "MCGtkWindowHost.h"
 
+#include "MCGtkAccessibleElements.h"
 #include "MCGtkClipboard.h"
 
 #include <vesperon/platform/MCGraphicsContext.h>
@@ -150,6 +151,7 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
   widget->host = new std::shared_ptr<MCGtkWindowHost>(host);
   host->widget_ = GTK_WIDGET(widget);
   g_object_ref_sink(widget);
+  host->accessibleElements_ = std::make_unique<MCGtkAccessibleElements>(host->widget_, window);
 
   GtkEventController* legacy = gtk_event_controller_legacy_new();
   g_signal_connect(legacy, "event", G_CALLBACK(+[](GtkEventControllerLegacy*, GdkEvent* event, gpointer data) -> gboolean {
@@ -235,6 +237,7 @@ MCGtkWindowHost::~MCGtkWindowHost() {
 void MCGtkWindowHost::widgetDestroyed() {
   if (MCPasteboard::generalPasteboard()->backend() == clipboard_) MCPasteboard::generalPasteboard()->setBackend(nullptr);
   closing_ = true;
+  accessibleElements_.reset();
   window_->close();
   if (window_->host() == this) window_->setHost(nullptr);
 }
@@ -362,11 +365,16 @@ int MCGtkRunApplication(const std::string& applicationID, const char* programNam
 
 void MCGtkWindowHost::invalidateRect(const MCRect&) {
   if (widget_) gtk_widget_queue_draw(widget_);
+  // What is redrawn may have changed what the views describe to assistive technologies.
+  if (accessibleElements_) accessibleElements_->setNeedsUpdate();
 }
 
 double MCGtkWindowHost::backingScaleFactor() const { return widget_ ? gtk_widget_get_scale_factor(widget_) : 1.0; }
 
-void MCGtkWindowHost::allocated(int width, int height) { window_->setContentSize(MCMakeSize(width, height)); }
+void MCGtkWindowHost::allocated(int width, int height) {
+  window_->setContentSize(MCMakeSize(width, height));
+  if (accessibleElements_) accessibleElements_->allocate();
+}
 
 void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
   window_->displayIfNeeded();

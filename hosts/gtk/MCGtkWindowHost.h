@@ -23,6 +23,7 @@
 #include <functional>
 
 // GTK's types stay opaque here, so that programs using the host need no GTK header.
+class MCGtkAccessibleElements;
 typedef struct _GtkWidget GtkWidget;
 typedef struct _GtkWindow GtkWindow;
 typedef struct _GtkApplication GtkApplication;
@@ -128,6 +129,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
 
   std::shared_ptr<MCWindow> window_;
   GtkWidget* widget_ = nullptr;
+  std::unique_ptr<MCGtkAccessibleElements> accessibleElements_;
   GtkWindow* toplevel_ = nullptr;
   MCPoint pointer_{};
   double lastWidgetX_ = 0, lastWidgetY_ = 0;

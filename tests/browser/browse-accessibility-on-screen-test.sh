@@ -2,7 +2,8 @@
 # `vesperon browse samples` under Xvfb with a real accessibility bus: moves the selection with
 # xdotool and reads back over AT-SPI (pyatspi) what a screen reader gets from the browser view: a
 # table named "Photos" whose description names the focused file, its place among all the items and
-# how many are selected.
+# how many are selected; then the status bar's line and slider, and in the viewer the toolbar's
+# buttons and the colour label's choices, which the toolkit draws itself.
 # Usage: browse-accessibility-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) when no X
 # server or no accessibility bus can be started, or pyatspi is missing.
 set -euo pipefail
@@ -62,4 +63,27 @@ xdotool key shift+Right
 wait_for '^selection 2 1,2$'
 read -r _ _ _ _ name2 < <(grep '^cell 2 ' "$work/out")
 expect "table|Photos|$name2, 3 of $total, 2 selected"
+
+# Every accessible under the table, until one line matches `pattern` (a grep -E expression).
+expect_all() {
+  local pattern=$1
+  for _ in $(seq 30); do
+    timeout 5 /usr/bin/python3 "$here/read-accessible.py" vesperon --all >"$work/all" 2>/dev/null || true
+    grep -Eq "$pattern" "$work/all" && return 0
+    sleep 0.2
+  done
+  echo "FAIL: no accessible matches '$pattern'; AT-SPI reads:"; cat "$work/all"; cat "$work/err"; exit 1
+}
+expect_all "^label\|$total photos in [0-9]+ days?, 2 photos selected \("
+# GTK 4.8 gives no value interface to a widget of its own; the slider says its value in words.
+expect_all "^slider\|Thumbnail size\|[0-9]+%\|sensitive$"
+# The viewer, on the focused photo: its toolbar's buttons and the colour label's choices.
+xdotool key Return
+wait_for '^viewer '
+expect_all "^push button\|Info\|\|sensitive$"
+expect_all "^push button\|Next\|"
+expect_all "^check box\|Red\|\|sensitive$"
+expect_all "^panel\|Color label\|"
+xdotool key i
+expect_all "^push button\|Info\|\|pressed,sensitive$"
 echo "PASS"

@@ -6,6 +6,7 @@
 #include <vesperon/toolkit/MCEvent.h>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -116,4 +117,31 @@ void BrowseStatusBar::mouseDown(const MCEvent& event) {
 
 void BrowseStatusBar::mouseDragged(const MCEvent& event) {
   if (sliding_) slideTo(event);
+}
+
+std::vector<MCAccessibilityElement> BrowseStatusBar::accessibilityElements() const {
+  std::vector<MCAccessibilityElement> elements;
+  MCAccessibilityElement line;
+  line.role = MCAccessibilityRole::StaticText;
+  line.label = text_;
+  const MCSize size = MCAttributedString(text_, textAttributes(palette_)).size();
+  line.frame = MCMakeRect(10, (bounds().size.height - size.height) / 2, size.width, size.height);
+  elements.push_back(line);
+  if (showsClearFilter_) {
+    MCAccessibilityElement link;
+    link.role = MCAccessibilityRole::Link;
+    link.label = kClearFilter;
+    link.frame = clearFilterRect();
+    elements.push_back(link);
+  }
+  MCAccessibilityElement slider;
+  slider.role = MCAccessibilityRole::Slider;
+  slider.label = "Thumbnail size";
+  slider.minimum = minimum_;
+  slider.maximum = maximum_;
+  slider.current = scale_;
+  slider.value = std::to_string(int(std::lround(100 * scale_ / maximum_))) + "%";
+  slider.frame = MCInsetRect(sliderTrackRect(), 0, -8);
+  elements.push_back(slider);
+  return elements;
 }

@@ -40,6 +40,9 @@ class BrowseStatusBar : public MCView {
   void drawRect(const MCRect& dirty) override;
   void mouseDown(const MCEvent& event) override;
   void mouseDragged(const MCEvent& event) override;
+  /// The status line, the link while it shows, and the slider ("Thumbnail size", in percent of
+  /// the largest size).
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
 
  private:
   void slideTo(const MCEvent& event);

@@ -158,6 +158,7 @@ void BrowseViewerPage::loadView() {
     button->action = [act](MCToolbarItemControl&) { act(); };
     toolbar->addSubview(button);
     x += button->frame().size.width + 4;
+    return button;
   };
   std::weak_ptr<MCZoomView> zoom = zoomView_;
   auto centre = [zoom] {
@@ -176,8 +177,10 @@ void BrowseViewerPage::loadView() {
     if (p && z) z->zoomTo(p->oneToOneZoom(), centre());
   });
 
-  addButton("Info", "info.circle", [weakPage] { if (auto p = weakPage.lock()) p->toggleInfo(); });
-  addButton("Slideshow", "play.rectangle", [weakPage] { if (auto p = weakPage.lock()) p->toggleSlideshow(); });
+  // These two stay pressed while what they turn on is on.
+  infoButton_ = addButton("Info", "info.circle", [weakPage] { if (auto p = weakPage.lock()) p->toggleInfo(); });
+  slideshowButton_ =
+      addButton("Slideshow", "play.rectangle", [weakPage] { if (auto p = weakPage.lock()) p->toggleSlideshow(); });
 
   labelControl_ = std::make_shared<MCColorLabelControl>();
   labelControl_->setTextColor(MCColor::colorWithHex(0xE0E0E0));  // 9:1 on the toolbar's grey
@@ -200,6 +203,7 @@ void BrowseViewerPage::loadView() {
   infoPanel_->setAutoresizingMask(MCViewMinXMargin | MCViewHeightSizable);
   const auto shown = MCUserDefaults(MCUserDefaults::defaultFileURL()).objectForKey("ViewerShowsInfo");
   infoPanel_->setHidden(!(shown && shown->isBool() && shown->integerValue().value_or(0)));
+  infoButton_->setIsSelected(!infoPanel_->isHidden());
   root->addSubview(infoPanel_);
 
   histogramView_ = std::make_shared<MCHistogramView>(MCMakeRect(800 - 216, 600 - 116, 200, 100));
@@ -276,6 +280,7 @@ void BrowseViewerPage::placeBesidePanel() {
 
 void BrowseViewerPage::toggleInfo() {
   infoPanel_->setHidden(!infoPanel_->isHidden());
+  infoButton_->setIsSelected(!infoPanel_->isHidden());
   placeBesidePanel();
   MCUserDefaults(MCUserDefaults::defaultFileURL()).setObject(MCValue(!infoPanel_->isHidden()), "ViewerShowsInfo");
   if (report_) report_(std::string("viewer info ") + (infoPanel_->isHidden() ? "hidden" : "shown"));
@@ -417,6 +422,7 @@ void BrowseViewerPage::toggleSlideshow() {
   if (slideshow_) {
     slideshow_->invalidate();
     slideshow_.reset();
+    slideshowButton_->setIsSelected(false);
     if (report_) report_("viewer slideshow off");
     return;
   }
@@ -430,6 +436,7 @@ void BrowseViewerPage::toggleSlideshow() {
     }
     page->step(1);
   });
+  slideshowButton_->setIsSelected(true);
   if (report_) report_("viewer slideshow on");
 }
 

@@ -150,6 +150,7 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   bool sharp_ = false;  // image_ holds the photo's own pixels
   bool failed_ = false;
   std::shared_ptr<MCView> toolbar_;
+  std::shared_ptr<MCToolbarItemControl> infoButton_, slideshowButton_;
   std::shared_ptr<BrowseInfoPanel> infoPanel_;
   std::optional<MCDictionary> properties_;  // of file_, once read
   std::jthread propertyReader_;
