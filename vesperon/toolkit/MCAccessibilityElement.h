@@ -38,6 +38,7 @@ enum class MCAccessibilityRole {
 };
 
 struct MCAccessibilityElement {
+  /// What kind of thing it is.
   MCAccessibilityRole role = MCAccessibilityRole::StaticText;
   /// Its name ("Info", "Thumbnail size", "Red").
   std::string label;
@@ -51,9 +52,14 @@ struct MCAccessibilityElement {
   /// On or off, for the roles that can be (a selected toolbar button, the chosen colour); none
   /// for those that cannot.
   std::optional<bool> checked;
-  /// A slider's range and value.
-  double minimum = 0, maximum = 0, current = 0;
+  /// A slider's smallest value.
+  double minimum = 0;
+  /// A slider's largest value.
+  double maximum = 0;
+  /// A slider's value now.
+  double current = 0;
 
+  /// Elements are equal when every field is.
   bool operator==(const MCAccessibilityElement&) const = default;
 
   /// Every element the window's views describe, in the order the views are drawn (a superview's
