@@ -35,6 +35,7 @@ GtkAccessibleRole gtkRole(MCAccessibilityRole role) {
     case MCAccessibilityRole::StaticText: return GTK_ACCESSIBLE_ROLE_LABEL;
     case MCAccessibilityRole::Image: return GTK_ACCESSIBLE_ROLE_IMG;
     case MCAccessibilityRole::Group: return GTK_ACCESSIBLE_ROLE_GROUP;
+    case MCAccessibilityRole::Cell: return GTK_ACCESSIBLE_ROLE_GRID_CELL;
   }
   return GTK_ACCESSIBLE_ROLE_GENERIC;
 }
@@ -114,7 +115,11 @@ void MCGtkAccessibleElements::apply(Proxy& proxy, const MCAccessibilityElement& 
   }
   if (fresh || was.enabled != element.enabled)
     gtk_accessible_update_state(accessible, GTK_ACCESSIBLE_STATE_DISABLED, gboolean(!element.enabled), -1);
-  if (fresh || was.checked != element.checked) {
+  if (element.role == MCAccessibilityRole::Cell) {
+    if (fresh || was.checked != element.checked)
+      gtk_accessible_update_state(accessible, GTK_ACCESSIBLE_STATE_SELECTED, gboolean(element.checked.value_or(false)),
+                                  -1);
+  } else if (fresh || was.checked != element.checked) {
     // A button is pressed, a check box or choice checked.
     const GtkAccessibleState state = element.role == MCAccessibilityRole::Button ? GTK_ACCESSIBLE_STATE_PRESSED
                                                                                    : GTK_ACCESSIBLE_STATE_CHECKED;

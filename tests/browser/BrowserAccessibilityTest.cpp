@@ -55,3 +55,33 @@ TEST(BrowserAccessibility, FocusedItemPlaceAndSelectionCountFollowTheKeys) {
   v.reloadData();
   EXPECT_EQ(heard.heard.back(), "Holiday: No selection, 1 item");
 }
+
+TEST(BrowserAccessibility, TheItemsShownAreCellsWithTheirPlaceAndSelection) {
+  // Five columns of 100 in a 600 × 400 window: four rows show, partly the fourth.
+  BrowserFixture f({30, 20});
+  MCBrowserView& v = *f.view;
+  f.recorder->namesItems = true;
+  v.setSelectionIndexes(MCIndexSet{1}, false);
+
+  auto cells = MCAccessibilityElement::elementsOfWindow(*f.window);
+  ASSERT_FALSE(cells.empty());
+  EXPECT_EQ(cells.size() % 5, 0u);
+  EXPECT_LE(cells.size(), 20u);
+  EXPECT_EQ(cells[0].role, MCAccessibilityRole::Cell);
+  EXPECT_EQ(cells[0].label, "0.0.jpg");
+  EXPECT_EQ(cells[0].value, "1 of 50");
+  EXPECT_EQ(cells[0].checked, std::optional<bool>(false));
+  EXPECT_EQ(cells[1].checked, std::optional<bool>(true));
+  // The first cell at the window's top left, the second to its right.
+  EXPECT_DOUBLE_EQ(MCMaxY(cells[0].frame), 400 - v.contentLayout()->cellFrameAtItemIndex(0).origin.y);
+  EXPECT_GT(cells[1].frame.origin.x, MCMaxX(cells[0].frame));
+  EXPECT_DOUBLE_EQ(cells[1].frame.origin.y, cells[0].frame.origin.y);
+
+  // Scrolled to the end: the last items of the second group, none of the first rows.
+  v.scrollToIndex(49);
+  cells = MCAccessibilityElement::elementsOfWindow(*f.window);
+  ASSERT_FALSE(cells.empty());
+  EXPECT_EQ(cells.back().label, "1.19.jpg");
+  EXPECT_EQ(cells.back().value, "50 of 50");
+  for (const auto& cell : cells) EXPECT_NE(cell.label, "0.0.jpg");
+}

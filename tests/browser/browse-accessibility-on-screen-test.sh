@@ -77,6 +77,11 @@ expect_all() {
 expect_all "^label\|$total photos in [0-9]+ days?, 2 photos selected \("
 # GTK 4.8 gives no value interface to a widget of its own; the slider says its value in words.
 expect_all "^slider\|Thumbnail size\|[0-9]+%\|sensitive$"
+# Each photo shown is a cell of the table, with its place and whether it is selected.
+expect_all "^table cell\|$name2\|3 of $total\|.*selected"
+expect_all "^table cell\|$name1\|2 of $total\|.*selected"
+read -r _ _ _ _ name0 < <(grep '^cell 0 ' "$work/out")
+expect_all "^table cell\|$name0\|1 of $total\|sensitive$"
 # The viewer, on the focused photo: its toolbar's buttons and the colour label's choices.
 xdotool key Return
 wait_for '^viewer '

@@ -3,7 +3,7 @@
 #   read-accessible.py APP          the first of role table: "ROLE|NAME|DESCRIPTION"
 #   read-accessible.py APP --all    every accessible under the table, a line each:
 #                                   "ROLE|NAME|DESCRIPTION|STATES" (STATES: the ones of pressed,
-#                                   checked, sensitive it has)
+#                                   checked, sensitive, selected it has)
 # Prints nothing when there is no such table.
 import sys
 import pyatspi
@@ -27,7 +27,8 @@ def find(node, depth=0):
 def line(node):
     states = node.getState()
     named = [n for s, n in ((pyatspi.STATE_PRESSED, "pressed"), (pyatspi.STATE_CHECKED, "checked"),
-                            (pyatspi.STATE_SENSITIVE, "sensitive")) if states.contains(s)]
+                            (pyatspi.STATE_SENSITIVE, "sensitive"), (pyatspi.STATE_SELECTED, "selected"))
+             if states.contains(s)]
     return f"{node.getRoleName()}|{node.name}|{node.description}|{','.join(named)}"
 
 

@@ -173,6 +173,9 @@ class MCBrowserView : public MCView,
   /// otherwise), its place among all items and how many are
   /// selected: "IMG_0042.jpg, 12 of 2,000, 3 selected"; "No selection, 2,000 items" when none is.
   std::string accessibilityValue() const override;
+  /// The items shown now, each a cell named as the data source names it, with its place among
+  /// all items ("12 of 2,000") and whether it is selected.
+  std::vector<MCAccessibilityElement> accessibilityElements() const override;
   /// Lays out for the enclosing scroll view's content size and takes the layout's content size as
   /// the frame size; with `holdScrollPosition`, the same fraction of the content stays at the top.
   void sizeToFit(bool holdScrollPosition);
@@ -437,6 +440,8 @@ class MCBrowserView : public MCView,
   MCSize headerCellSizeForBounds(MCBrowserViewLayout& layout, MCRect bounds) override;
 
  private:
+  // The data source's name for the item, or "Item N" when it gives none.
+  std::string accessibilityName(uint64_t index) const;
   void registerCommands();
   bool respondsTo(MCBrowserViewDelegateOperation operation) const;
   bool setIndexes(MCIndexSet& set, const MCIndexSet* indexes, bool extend, bool notify);

@@ -19,18 +19,36 @@ void MCBrowserView::setAccessibilityLabel(std::string label) {
   accessibilityDidChange();
 }
 
+std::string MCBrowserView::accessibilityName(uint64_t index) const {
+  std::string name;
+  if (auto source = dataSource())
+    if (const auto path = contentLayout_->indexPathFromItemIndex(index))
+      name = source->accessibilityNameForItem(const_cast<MCBrowserView&>(*this), *path);
+  return name.empty() ? "Item " + groupedNumber(index + 1) : name;
+}
+
+std::vector<MCAccessibilityElement> MCBrowserView::accessibilityElements() const {
+  std::vector<MCAccessibilityElement> cells;
+  const uint64_t total = numberOfItems();
+  for (const uint64_t index : contentLayout_->itemIndexesInRect(visibleRect())) {
+    MCAccessibilityElement cell;
+    cell.role = MCAccessibilityRole::Cell;
+    cell.label = accessibilityName(index);
+    cell.value = groupedNumber(index + 1) + " of " + groupedNumber(total);
+    cell.frame = contentLayout_->cellFrameAtItemIndex(index);
+    cell.checked = selectionIndexes_.containsIndex(index);
+    cells.push_back(std::move(cell));
+  }
+  return cells;
+}
+
 std::string MCBrowserView::accessibilityValue() const {
   const uint64_t total = numberOfItems();
   if (selectionIndexes_.empty()) return "No selection, " + groupedNumber(total) + (total == 1 ? " item" : " items");
   const uint64_t index = selectionIndexes_.containsIndex(focusIndex_) ? focusIndex_ : selectionIndexes_.lastIndex();
-  const auto focused = contentLayout_->indexPathFromItemIndex(index);
-  if (!focused) return {};
+  if (!contentLayout_->indexPathFromItemIndex(index)) return {};
   const uint64_t position = index + 1;
-  std::string name;
-  if (auto source = dataSource())
-    name = source->accessibilityNameForItem(const_cast<MCBrowserView&>(*this), *focused);
-  if (name.empty()) name = "Item " + groupedNumber(position);
-  std::string value = name + ", " + groupedNumber(position) + " of " + groupedNumber(total);
+  std::string value = accessibilityName(index) + ", " + groupedNumber(position) + " of " + groupedNumber(total);
   const uint64_t count = selectionIndexes_.count();
   if (count > 1) value += ", " + groupedNumber(count) + " selected";
   return value;

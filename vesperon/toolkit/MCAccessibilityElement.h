@@ -35,6 +35,8 @@ enum class MCAccessibilityRole {
   Image,
   /// Elements that belong together (the dots of a colour label control).
   Group,
+  /// An item among many (a thumbnail in a browser's grid); `checked` says whether it is selected.
+  Cell,
 };
 
 struct MCAccessibilityElement {
