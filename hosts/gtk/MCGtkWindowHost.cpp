@@ -229,6 +229,7 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::createForView(std::shared_ptr<
 }
 
 MCGtkWindowHost::~MCGtkWindowHost() {
+  endDragInFlight();
   removeContextMenu();
   if (window_->host() == this) window_->setHost(nullptr);
   if (widget_) g_object_unref(widget_);
@@ -237,6 +238,7 @@ MCGtkWindowHost::~MCGtkWindowHost() {
 void MCGtkWindowHost::widgetDestroyed() {
   if (MCPasteboard::generalPasteboard()->backend() == clipboard_) MCPasteboard::generalPasteboard()->setBackend(nullptr);
   closing_ = true;
+  endDragInFlight();
   accessibleElements_.reset();
   window_->close();
   if (window_->host() == this) window_->setHost(nullptr);
@@ -277,6 +279,7 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
   g_signal_connect(toplevel, "close-request", G_CALLBACK(+[](GtkWindow*, gpointer data) -> gboolean {
                      auto* host = static_cast<MCGtkWindowHost*>(data);
                      host->closing_ = true;
+                     host->endDragInFlight();
                      host->window_->close();
                      return FALSE;
                    }), this);
@@ -316,6 +319,7 @@ void MCGtkWindowHost::setTitleBarButtonMarked(const std::string& iconName, bool 
 void MCGtkWindowHost::closeWindow() {
   if (closing_) return;
   closing_ = true;
+  endDragInFlight();
   if (toplevel_) gtk_window_destroy(toplevel_);
 }
 
@@ -569,8 +573,25 @@ bool MCGtkWindowHost::beginDraggingSession(const std::shared_ptr<MCDraggingSessi
                      (*session)->endAtPoint((*session)->draggingLocation(), MCDragOperationNone);
                    }), nullptr);
   session->beginAtPoint(window_->convertPointToScreen(pointer_));
+  endDragInFlight();
+  dragSession_ = session;
+  dragInFlight_ = drag;
+  g_object_add_weak_pointer(G_OBJECT(drag), reinterpret_cast<gpointer*>(&dragInFlight_));
   g_object_unref(drag);
   return true;
+}
+
+void MCGtkWindowHost::endDragInFlight() {
+  // Ended here, cancelled: GDK may tell how it ended only after the view that began it is gone.
+  auto session = dragSession_.lock();
+  const bool inTheAir = session && !session->hasEnded();
+  if (inTheAir) session->endAtPoint(session->draggingLocation(), MCDragOperationNone);
+  dragSession_.reset();
+  if (dragInFlight_) {
+    g_object_remove_weak_pointer(G_OBJECT(dragInFlight_), reinterpret_cast<gpointer*>(&dragInFlight_));
+    if (inTheAir) gdk_drag_drop_done(dragInFlight_, FALSE);
+    dragInFlight_ = nullptr;
+  }
 }
 
 // MARK: Context menus

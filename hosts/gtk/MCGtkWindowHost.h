@@ -29,6 +29,7 @@ typedef struct _GtkWindow GtkWindow;
 typedef struct _GtkApplication GtkApplication;
 typedef struct _GdkSnapshot GdkSnapshot;
 typedef struct _GdkDevice GdkDevice;
+typedef struct _GdkDrag GdkDrag;
 typedef struct _GdkEvent GdkEvent;
 
 /// Runs a GTK application (non-unique, so several can run at once); `activate` makes its windows.
@@ -126,6 +127,7 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   void contextMenuClosed();
   /// Drops the popover, and takes the item views out of their windows.
   void removeContextMenu();
+  void endDragInFlight();
 
   std::shared_ptr<MCWindow> window_;
   GtkWidget* widget_ = nullptr;
@@ -134,6 +136,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   MCPoint pointer_{};
   double lastWidgetX_ = 0, lastWidgetY_ = 0;
   GdkDevice* pointerDevice_ = nullptr;
+  // The drag this host began and GDK has not ended yet; a window that closes cancels it.
+  std::weak_ptr<MCDraggingSession> dragSession_;
+  GdkDrag* dragInFlight_ = nullptr;
   // Click counting.
   unsigned lastButton_ = 0;
   uint32_t lastPressTime_ = 0;
