@@ -10,7 +10,7 @@ class TIFFCodec : public MCImageCodec {
  public:
   std::shared_ptr<MCImageSource> imageSourceWithURL(const std::filesystem::path& url,
                                                     const MCImageSourceOptions& options) override {
-    return mc_detail::TIFFImageSource::create(mc_detail::SourceBytes::readFile(url), options);
+    return mc_detail::TIFFImageSource::create(mc_detail::SourceBytes::openFile(url), options);
   }
   std::shared_ptr<MCImageSource> imageSourceWithData(std::shared_ptr<const MCData> data,
                                                      const MCImageSourceOptions& options) override {

@@ -2,9 +2,11 @@
 #include "TIFFImageSource.h"
 
 #include "ProfileConversion.h"
+#include "TIFFStructure.h"
 
 #include <vesperon/codecs/MCImageSourceProperties.h>
 #include <vesperon/core/MCLog.h>
+#include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 
 #include <tiffio.h>
@@ -18,7 +20,8 @@ namespace mc_detail {
 
 namespace {
 
-// libtiff over bytes in memory, through its client procedures.
+// libtiff over the source's bytes (in memory, or read from the open file where asked), through
+// its client procedures.
 struct Cursor {
   const SourceBytes* bytes;
   toff_t at = 0;
@@ -26,11 +29,10 @@ struct Cursor {
 
 tsize_t readProc(thandle_t handle, tdata_t buffer, tsize_t size) {
   auto* cursor = static_cast<Cursor*>(handle);
-  const toff_t left = cursor->bytes->size() - std::min<toff_t>(cursor->at, cursor->bytes->size());
-  const tsize_t n = tsize_t(std::min<toff_t>(left, toff_t(size)));
-  std::memcpy(buffer, cursor->bytes->data() + cursor->at, std::size_t(n));
+  if (size <= 0 || cursor->at >= cursor->bytes->size()) return 0;
+  const std::size_t n = cursor->bytes->readAt(std::size_t(cursor->at), buffer, std::size_t(size));
   cursor->at += toff_t(n);
-  return n;
+  return tsize_t(n);
 }
 tsize_t writeProc(thandle_t, tdata_t, tsize_t) { return -1; }
 toff_t seekProc(thandle_t handle, toff_t offset, int whence) {
@@ -43,6 +45,7 @@ int closeProc(thandle_t) { return 0; }
 toff_t sizeProc(thandle_t handle) { return toff_t(static_cast<Cursor*>(handle)->bytes->size()); }
 int mapProc(thandle_t handle, tdata_t* base, toff_t* size) {
   auto* cursor = static_cast<Cursor*>(handle);
+  if (!cursor->bytes->data()) return 0;  // an open file is read, not mapped
   *base = const_cast<uint8_t*>(cursor->bytes->data());
   *size = toff_t(cursor->bytes->size());
   return 1;
@@ -262,9 +265,13 @@ bool TIFFImageSource::decodeReduced(const Page& page, std::size_t maxPixelSize, 
       const std::size_t last = std::min(rows.height, first + factor);
       for (std::size_t y = first; y < last; ++y) {
         const uint8_t* p = rows.bytes.data() + y * rows.width * 4;
-        for (std::size_t x = 0; x < page.width; ++x, p += 4) {
-          uint32_t* sum = &sums[(x / factor) * 4];
-          sum[0] += p[0], sum[1] += p[1], sum[2] += p[2], sum[3] += p[3];
+        uint32_t* sum = sums.data();
+        // A block's run of a row at a time, so that no pixel pays for finding its block.
+        for (std::size_t x0 = 0; x0 < page.width; x0 += factor, sum += 4) {
+          const std::size_t x1 = std::min(page.width, x0 + factor);
+          uint32_t r = 0, g = 0, b = 0, a = 0;
+          for (std::size_t x = x0; x < x1; ++x, p += 4) r += p[0], g += p[1], b += p[2], a += p[3];
+          sum[0] += r, sum[1] += g, sum[2] += b, sum[3] += a;
         }
       }
       uint8_t* o = out.bytes.data() + ((top + first) / factor) * out.width * 4;
@@ -311,10 +318,15 @@ MCRasterImageRef TIFFImageSource::newThumbnailWithOptions(const MCThumbnailReadi
 }
 
 std::optional<MCDictionary> TIFFImageSource::metadataWithOptions(const std::optional<MCMetadataReadingOptions>&) {
-  // The file is itself a TIFF block: its tags come through the Exif road as they are. Read when
-  // asked for, since it copies the file.
-  if (!exif_) exif_ = EmbeddedExif::create(bytes_->data(), bytes_->size());
-  MCDictionary properties = exif_ ? exif_->properties() : MCDictionary();
+  // The file is itself a TIFF block: its tags come through the Exif road as they are, from the
+  // file's structure alone. Read when first asked for.
+  if (!exifProperties_) {
+    exifProperties_ = MCDictionary();
+    if (auto structure = TIFFStructure::read(*bytes_))
+      if (auto reader = MCExifReader::create(structure->data(), structure->size()))
+        if (auto exif = reader->parseExif()) exifProperties_ = exif->dictionary();
+  }
+  MCDictionary properties = *exifProperties_;
   properties[kCGImagePropertyPixelWidth] = MCValue(int64_t(first_.width));
   properties[kCGImagePropertyPixelHeight] = MCValue(int64_t(first_.height));
   properties[kCGImagePropertyDepth] = MCValue(int64_t(bitsPerSample_));

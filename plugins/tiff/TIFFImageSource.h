@@ -19,11 +19,12 @@
 // gives none and one log line in sdkGraphics before anything is allocated. libtiff's errors and
 // warnings are caught per call; a damaged file gives none.
 
-#include "EmbeddedExif.h"
 #include "PixelResampler.h"
 #include "SourceBytes.h"
 
 #include <vesperon/codecs/MCImageCodec.h>
+
+#include <optional>
 
 // libtiff's handles, declared as its header does (it is not included here: it names a TIFFCodec).
 typedef struct tiff TIFF;
@@ -70,7 +71,7 @@ class TIFFImageSource : public MCImageSource {
   bool hasAlpha_ = false;
   unsigned orientation_ = 0;  // the orientation tag, for turning thumbnails
   std::vector<uint8_t> icc_;
-  std::unique_ptr<EmbeddedExif> exif_;
+  std::optional<MCDictionary> exifProperties_;  // the tags' dictionary, once read
 };
 
 }  // namespace mc_detail

@@ -127,3 +127,85 @@ TEST(TIFFCodec, RegionsOfStripsAndTilesMatchTheWholePage) {
   }
   std::filesystem::remove_all(dir);
 }
+
+namespace {
+
+// Bytes this process has read through read(2) and pread(2) so far.
+uint64_t bytesReadByProcess() {
+  std::ifstream io("/proc/self/io");
+  std::string key;
+  uint64_t value = 0;
+  while (io >> key >> value)
+    if (key == "rchar:") return value;
+  return 0;
+}
+
+}  // namespace
+
+// A large file is read where it is needed: its tags from the directories alone (which libtiff
+// writes after the pixels), a region from the strips under it; and a file cut short while a source
+// has it open gives nothing rather than a crash.
+TEST(TIFFCodec, LargeFilesAreReadOnlyWhereNeeded) {
+  const auto dir = scratchDirectory("tiff-large");
+  const auto file = dir / "scan.tif";
+  // 4000 × 3000 RGB, uncompressed: 36 MB of pixels, then the directories.
+  ASSERT_EQ(std::system(("/usr/bin/convert -size 4000x3000 xc:gray50 -depth 8 -type TrueColor -set comment scanned -define "
+                         "tiff:rows-per-strip=64 -compress none '" + file.string() + "'").c_str()),
+            0);
+  ASSERT_GT(std::filesystem::file_size(file), 36'000'000u);
+
+  uint64_t before = bytesReadByProcess();
+  auto source = openSource("public.tiff", file);
+  ASSERT_TRUE(source);
+  const auto properties = source->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(properties);
+  EXPECT_EQ(*MCDictionaryGet(*properties, kCGImagePropertyPixelWidth), MCValue(4000));
+  const MCDictionary* tiff = MCDictionaryGetDictionary(*properties, kCGImagePropertyTIFFDictionary);
+  ASSERT_TRUE(tiff);
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFImageDescription), MCValue("scanned"));
+  EXPECT_LT(bytesReadByProcess() - before, 1'000'000u) << "the tags cost more than the directories";
+
+  before = bytesReadByProcess();
+  auto region = source->newImageInRegion(1000, 1500, 200, 100);
+  ASSERT_TRUE(region);
+  EXPECT_TRUE(colourNear(region, 0.5, 0.5, {128, 128, 128}, 2));
+  // Two or three strips of 64 rows, 768 kB each.
+  EXPECT_LT(bytesReadByProcess() - before, 4'000'000u) << "the region read more than the strips under it";
+
+  // Cut to a third while open (its directories, at the end, are gone): nothing reads, and the
+  // process lives on, where a mapped file would have been killed by SIGBUS.
+  std::filesystem::resize_file(file, std::filesystem::file_size(file) / 3);
+  EXPECT_EQ(source->newImage(), nullptr);
+  EXPECT_EQ(source->newImageInRegion(0, 0, 16, 16), nullptr);
+  std::filesystem::remove_all(dir);
+}
+
+// Directories that point back at themselves, a value that claims four billion items and a
+// profile too large to keep: the tags that can be read are, and nothing loops.
+TEST(TIFFCodec, HostileDirectoriesAreReadAsFarAsTheyGo) {
+  std::vector<uint8_t> file = {'I', 'I', 42, 0, 8, 0, 0, 0};
+  auto u16 = [&](uint16_t v) { file.push_back(uint8_t(v)), file.push_back(uint8_t(v >> 8)); };
+  auto u32 = [&](uint32_t v) { for (int i = 0; i < 4; ++i) file.push_back(uint8_t(v >> (8 * i))); };
+  auto entry = [&](uint16_t tag, uint16_t type, uint32_t count, uint32_t value) { u16(tag), u16(type), u32(count), u32(value); };
+  const uint32_t values = 8 + 2 + 7 * 12 + 4;
+  u16(7);
+  entry(256, 3, 1, 2);                   // ImageWidth 2
+  entry(257, 3, 1, 2);                   // ImageLength 2
+  entry(271, 2, 5, values);              // Make "Acme"
+  entry(273, 4, 1, values + 8);          // StripOffsets
+  entry(305, 2, 0xFFFFFFFFu, values);    // Software claiming four billion characters
+  entry(34675, 7, 70000, values);        // an ICC profile larger than the file
+  entry(0x8769, 4, 1, 8);                // the Exif directory is the first one again
+  u32(8);                                // and so is the next
+  file.insert(file.end(), {'A', 'c', 'm', 'e', 0, 0, 0, 0});
+  file.insert(file.end(), 12, 0x80);     // 2 × 2 gray pixels, and some
+  auto data = std::make_shared<const MCData>(file.begin(), file.end());
+  auto source = codecFor("public.tiff")->imageSourceWithData(data, *MCImageSourceOptions::create("public.tiff"));
+  if (!source) GTEST_SKIP() << "libtiff refuses the file";
+  const auto properties = source->metadataWithOptions(std::nullopt);
+  ASSERT_TRUE(properties);
+  const MCDictionary* tiff = MCDictionaryGetDictionary(*properties, kCGImagePropertyTIFFDictionary);
+  ASSERT_TRUE(tiff);
+  EXPECT_EQ(*MCDictionaryGet(*tiff, kCGImagePropertyTIFFMake), MCValue("Acme"));
+  EXPECT_EQ(MCDictionaryGet(*tiff, kCGImagePropertyTIFFSoftware), nullptr);
+}
