@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 namespace fs = std::filesystem;
@@ -193,5 +194,36 @@ TEST(ViewerRender, FitIsAsSharpAsAReferenceScalingAndOneToOneIsUpright) {
       best = std::min(best, worst);
     }
   EXPECT_LE(best, 2) << "the centre at 1:1 is not the photo's own pixels, upright";
+  fs::remove_all(home);
+}
+
+// With the information panel, the histogram sits at the panel's foot and leaves the whole photo
+// to be seen: a red photo is red into its bottom right corner.
+TEST(ViewerRender, TheHistogramLeavesThePhotoBesideThePanel) {
+  const fs::path home = fs::temp_directory_path() / ("vesperon-viewer-histogram-" + std::to_string(::getpid()));
+  fs::remove_all(home);
+  fs::create_directories(home / "photos");
+  fs::create_directories(home / "config" / "vesperon");
+  {
+    std::ofstream settings(home / "config" / "vesperon" / "settings.json");
+    settings << "{\"ViewerShowsInfo\": true}\n";
+  }
+  const fs::path photo = home / "photos" / "red.png";
+  ASSERT_EQ(std::system(("/usr/bin/convert -size 3000x2000 xc:red '" + photo.string() + "'").c_str()), 0);
+  const fs::path render = home / "panel.png";
+  const ProgramOutcome outcome = vesperon("browse '" + (home / "photos").string() + "' --open '" + photo.string() +
+                                              "' --render '" + render.string() + "' --size 900x600",
+                                          home);
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  auto shown = MCCreateImageWithURL(render);
+  ASSERT_TRUE(shown);
+  // The view beside the 280-point panel is 620 × 544 under the toolbar: the photo fits as
+  // 620 × 413 from y = 121. Its bottom right corner, a few pixels in:
+  const std::size_t bpp = shown->bitsPerPixel() / 8;
+  for (const auto& [x, y] : {std::pair{610, 525}, std::pair{560, 500}, std::pair{10, 130}}) {
+    const uint8_t* p = shown->row(std::size_t(y)) + std::size_t(x) * bpp;
+    EXPECT_TRUE(p[0] > 240 && p[1] < 16 && p[2] < 16)
+        << "(" << x << ", " << y << ") is " << int(p[0]) << "," << int(p[1]) << "," << int(p[2]);
+  }
   fs::remove_all(home);
 }

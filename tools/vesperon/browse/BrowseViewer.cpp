@@ -270,8 +270,10 @@ void BrowseViewerPage::placeBesidePanel() {
   MCRect zoom = zoomView_->frame();
   zoom.size.width = std::max(0.0, page.size.width - panel);
   zoomView_->setFrame(zoom);
+  // With the panel, the histogram sits at the panel's foot, off the photo; without, it floats in
+  // the photo's bottom right corner.
   MCRect frame = histogramView_->frame();
-  frame.origin.x = MCMaxX(page) - 16 - frame.size.width - panel;
+  frame.origin.x = panel > 0 ? MCMaxX(page) - panel + (panel - frame.size.width) / 2 : MCMaxX(page) - 16 - frame.size.width;
   histogramView_->setFrame(frame);
   zoomView_->updateLayout();
   updateSharpness();  // a wider view may need more pixels than the fit decode has
