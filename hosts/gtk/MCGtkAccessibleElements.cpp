@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <cmath>
+#include <cstring>
 
 // A widget that only stands for an element: it draws nothing and is never the target of input.
 struct VesperonAccessibleElement {
@@ -43,15 +44,60 @@ GtkAccessibleRole gtkRole(MCAccessibilityRole role) {
 }  // namespace
 
 MCGtkAccessibleElements::MCGtkAccessibleElements(GtkWidget* hostWidget, std::weak_ptr<MCWindow> window)
-    : hostWidget_(hostWidget), window_(std::move(window)) {}
+    : hostWidget_(hostWidget), window_(std::move(window)) {
+  if (const char* a11y = g_getenv("GTK_A11Y"); a11y && std::strcmp(a11y, "none") == 0) return;
+  cancellable_ = g_cancellable_new();
+  g_dbus_proxy_new_for_bus(G_BUS_TYPE_SESSION, G_DBUS_PROXY_FLAGS_DO_NOT_AUTO_START, nullptr, "org.a11y.Bus",
+                           "/org/a11y/bus", "org.a11y.Status", static_cast<GCancellable*>(cancellable_),
+                           reinterpret_cast<GAsyncReadyCallback>(&MCGtkAccessibleElements::statusReady), this);
+}
 
 MCGtkAccessibleElements::~MCGtkAccessibleElements() {
+  if (cancellable_) {
+    g_cancellable_cancel(static_cast<GCancellable*>(cancellable_));
+    g_object_unref(cancellable_);
+  }
+  if (status_) {
+    g_signal_handlers_disconnect_by_data(status_, this);
+    g_object_unref(status_);
+  }
   if (idleSource_) g_source_remove(idleSource_);
   for (Proxy& proxy : proxies_) gtk_widget_unparent(proxy.widget);
 }
 
+void MCGtkAccessibleElements::statusReady(void*, void* result, void* data) {
+  GError* error = nullptr;
+  GDBusProxy* status = g_dbus_proxy_new_for_bus_finish(static_cast<GAsyncResult*>(result), &error);
+  if (!status) {
+    // Cancelled: `data` is gone. Any other error: no bus, so nobody listens.
+    g_error_free(error);
+    return;
+  }
+  auto* self = static_cast<MCGtkAccessibleElements*>(data);
+  self->status_ = status;
+  g_signal_connect(status, "g-properties-changed", G_CALLBACK(&MCGtkAccessibleElements::statusChanged), self);
+  self->readStatus();
+}
+
+void MCGtkAccessibleElements::statusChanged(void*, void*, void*, void* data) {
+  static_cast<MCGtkAccessibleElements*>(data)->readStatus();
+}
+
+void MCGtkAccessibleElements::readStatus() {
+  GVariant* enabled = g_dbus_proxy_get_cached_property(static_cast<GDBusProxy*>(status_), "IsEnabled");
+  GVariant* screenReader = g_dbus_proxy_get_cached_property(static_cast<GDBusProxy*>(status_), "ScreenReaderEnabled");
+  const bool listened = (enabled && g_variant_get_boolean(enabled)) || (screenReader && g_variant_get_boolean(screenReader));
+  if (enabled) g_variant_unref(enabled);
+  if (screenReader) g_variant_unref(screenReader);
+  if (listened == listenedTo_) return;
+  listenedTo_ = listened;
+  // Made as soon as someone listens; let go when nobody does.
+  update();
+}
+
 void MCGtkAccessibleElements::setNeedsUpdate() {
-  if (!idleSource_) idleSource_ = g_idle_add_full(G_PRIORITY_LOW, &MCGtkAccessibleElements::idleUpdate, this, nullptr);
+  if (listenedTo_ && !idleSource_)
+    idleSource_ = g_idle_add_full(G_PRIORITY_LOW, &MCGtkAccessibleElements::idleUpdate, this, nullptr);
 }
 
 int MCGtkAccessibleElements::idleUpdate(void* data) {
@@ -64,7 +110,7 @@ int MCGtkAccessibleElements::idleUpdate(void* data) {
 void MCGtkAccessibleElements::update() {
   std::vector<MCAccessibilityElement> elements;
   double height = 0;
-  if (auto window = window_.lock()) {
+  if (auto window = window_.lock(); window && listenedTo_) {
     elements = MCAccessibilityElement::elementsOfWindow(*window);
     height = window->contentSize().height;
   }

@@ -2,8 +2,9 @@
 # `vesperon browse samples` under Xvfb with a real accessibility bus: moves the selection with
 # xdotool and reads back over AT-SPI (pyatspi) what a screen reader gets from the browser view: a
 # table named "Photos" whose description names the focused file, its place among all the items and
-# how many are selected; then the status bar's line and slider, and in the viewer the toolbar's
-# buttons and the colour label's choices, which the toolkit draws itself.
+# how many are selected; then, once a screen reader would have said it listens, the photos shown as
+# cells, the status bar's line and slider, and in the viewer the toolbar's buttons and the colour
+# label's choices, which the toolkit draws itself.
 # Usage: browse-accessibility-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) when no X
 # server or no accessibility bus can be started, or pyatspi is missing.
 set -euo pipefail
@@ -74,6 +75,12 @@ expect_all() {
   done
   echo "FAIL: no accessible matches '$pattern'; AT-SPI reads:"; cat "$work/all"; cat "$work/err"; exit 1
 }
+# Nobody has said yet that assistive technologies listen: the window makes no objects for what
+# its views draw. A screen reader says so as it starts (org.a11y.Status.IsEnabled); then they come.
+timeout 5 /usr/bin/python3 "$here/read-accessible.py" vesperon --all >"$work/all" 2>/dev/null || true
+if [ -s "$work/all" ]; then echo "FAIL: objects made with nobody listening:"; cat "$work/all"; exit 1; fi
+gdbus call --session --dest org.a11y.Bus --object-path /org/a11y/bus --method org.freedesktop.DBus.Properties.Set \
+  org.a11y.Status IsEnabled "<true>" >/dev/null
 expect_all "^label\|$total photos in [0-9]+ days?, 2 photos selected \("
 # GTK 4.8 gives no value interface to a widget of its own; the slider says its value in words.
 expect_all "^slider\|Thumbnail size\|[0-9]+%\|sensitive$"
