@@ -2,6 +2,8 @@
 
 #include "MCGtkAccessibleElements.h"
 #include "MCGtkClipboard.h"
+#include "MCGtkSnapshotSink.h"
+#include "MCGtkTextureCache.h"
 
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCDraggingSession.h>
@@ -142,7 +144,10 @@ const char* cursorName(MCCursor cursor) {
 
 // MARK: The host
 
-MCGtkWindowHost::MCGtkWindowHost(std::shared_ptr<MCWindow> window) : window_(std::move(window)) {}
+MCGtkWindowHost::MCGtkWindowHost(std::shared_ptr<MCWindow> window)
+    : window_(std::move(window)), textures_(std::make_unique<MCGtkTextureCache>()) {}
+
+std::size_t MCGtkWindowHost::numberOfCachedTextures() const { return textures_->size(); }
 
 std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindow> window) {
   if (!window) return nullptr;
@@ -381,19 +386,21 @@ void MCGtkWindowHost::allocated(int width, int height) {
 }
 
 void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
-  window_->displayIfNeeded();
-  MCGraphicsContext* backing = window_->backingContext();
-  if (!backing) return;
   const MCSize size = window_->contentSize();
-  const graphene_rect_t bounds = GRAPHENE_RECT_INIT(0, 0, float(size.width), float(size.height));
-  cairo_t* cr = gtk_snapshot_append_cairo(snapshot, &bounds);
-  cairo_surface_t* surface = cairo_get_target(backing->cairoContext());
-  cairo_surface_flush(surface);
-  const double scale = double(backing->width()) / std::max(1.0, size.width);
-  cairo_scale(cr, 1 / scale, 1 / scale);
-  cairo_set_source_surface(cr, surface, 0, 0);
-  cairo_paint(cr);
-  cairo_destroy(cr);
+  const double scale = backingScaleFactor();
+  const std::size_t width = std::size_t(std::ceil(size.width * scale)), height = std::size_t(std::ceil(size.height * scale));
+  MCGtkSnapshotSink sink(snapshot, *textures_);
+  auto context = MCGraphicsContext::createRecording(width, height, &sink);
+  if (!context) return;
+  gtk_snapshot_save(snapshot);
+  gtk_snapshot_scale(snapshot, float(1 / scale), float(1 / scale));
+  window_->displayInContext(*context, scale);
+  context->finishRecording();
+  gtk_snapshot_restore(snapshot);
+  const auto& counts = sink.counts();
+  lastFrameCounts_ = {counts.cairo, counts.color, counts.texture, counts.text};
+  // Images the frame no longer drew may be gone from every cache: their textures go with them.
+  textures_->prune();
 }
 
 void MCGtkWindowHost::setCursor(MCCursor cursor) {

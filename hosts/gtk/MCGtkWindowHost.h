@@ -1,8 +1,12 @@
 #pragma once
 // MCGtkWindowHost: puts an MCWindow on screen in a GTK 4 widget.
 //
-// The widget draws the window's backing image with gtk_snapshot_append_cairo at the display's
-// scale, follows its allocation with the window's content size, and turns GTK's input into
+// The widget draws the window as GSK render nodes: each frame the views draw into a recording
+// context (MCGraphicsContext::createRecording) at the display's scale, whose images become texture
+// nodes kept per image across frames (MCGtkTextureCache), solid rectangles colour nodes, plain text
+// text nodes, and the rest Cairo nodes in their place (MCGtkSnapshotSink); so GTK's GL renderer
+// draws the thumbnails on the GPU. The widget follows its allocation with the window's content
+// size, and turns GTK's input into
 // MCEvents through the one mapping table of MCWindowHost.h. Presses, releases and motion come
 // from a legacy event controller (GTK's click gesture cancels itself when the pointer moves and
 // then loses the release, which a tracking loop must see); click counts are made here from the
@@ -31,6 +35,7 @@ typedef struct _GdkSnapshot GdkSnapshot;
 typedef struct _GdkDevice GdkDevice;
 typedef struct _GdkDrag GdkDrag;
 typedef struct _GdkEvent GdkEvent;
+class MCGtkTextureCache;
 
 /// Runs a GTK application (non-unique, so several can run at once); `activate` makes its windows.
 /// Answers the exit status. Command-line arguments are the program's own business, not GTK's.
@@ -81,6 +86,14 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   void widgetOriginInSurface(double& x, double& y) const;
   /// Whether the widget is on screen with a size.
   bool isShown() const;
+  /// How many image textures the host keeps for the frames to come; for tests and benchmarks.
+  std::size_t numberOfCachedTextures() const;
+  /// How many render nodes of each kind the last frame made (Cairo, colour, texture, text); for
+  /// tests and benchmarks.
+  struct FrameNodeCounts {
+    std::size_t cairo = 0, color = 0, texture = 0, text = 0;
+  };
+  const FrameNodeCounts& lastFrameNodeCounts() const { return lastFrameCounts_; }
 
   // MCWindowHost
   void invalidateRect(const MCRect& rect) override;
@@ -162,4 +175,6 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   std::vector<std::shared_ptr<MCView>> contextViews_;
   std::vector<std::shared_ptr<MCGtkWindowHost>> contextViewHosts_;
   GtkWidget* topAccessory_ = nullptr;
+  std::unique_ptr<MCGtkTextureCache> textures_;
+  FrameNodeCounts lastFrameCounts_;
 };

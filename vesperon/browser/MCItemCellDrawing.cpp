@@ -17,9 +17,7 @@ void drawItemCellImage(const MCImageRef& image, const MCRect& rect, double radiu
   MCGraphicsContext* context = MCGraphicsContext::currentContext();
   if (!context) return;
   context->saveGState();
-  context->beginPath();
-  CGContextAddRoundedRectangle(*context, rect, radius, radius);
-  context->clip();
+  context->clipToRoundedRect(rect, radius);
   if (image) MCImageDrawInRect(*image, rect);
   context->restoreGState();
   if (dimmed) {

@@ -1,7 +1,10 @@
 #include <vesperon/platform/MCGraphicsContext.h>
 
+#include <cairo-tee.h>
 #include <cairo.h>
+#include <pango/pangocairo.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -11,6 +14,10 @@ struct MCGraphicsContext::State {
   double alpha = 1;
   MCBlendMode blendMode = MCBlendMode::Normal;
   MCInterpolationQuality interpolation = MCInterpolationQuality::Default;
+  // The clip as the context's own clipping calls made it, in device pixels, for the ops a
+  // recording context hands its sink; unknown once a path of any other shape clipped.
+  bool clipKnown = true;
+  MCDrawingClip clip;
 };
 
 namespace {
@@ -156,7 +163,110 @@ std::shared_ptr<MCGraphicsContext> MCGraphicsContext::create(std::size_t width, 
   cairo_translate(context->cr_, 0, double(height));
   cairo_scale(context->cr_, 1, -1);
   context->states_.emplace_back();
+  context->states_.back().clip.rect = MCMakeRect(0, 0, double(width), double(height));
   return context;
+}
+
+std::shared_ptr<MCGraphicsContext> MCGraphicsContext::createRecording(std::size_t width, std::size_t height,
+                                                                      MCDrawingSink* sink) {
+  if (!sink || width == 0 || height == 0 || width > kMaximumSide || height > kMaximumSide) return nullptr;
+  auto context = std::shared_ptr<MCGraphicsContext>(new MCGraphicsContext());
+  context->width_ = width;
+  context->height_ = height;
+  context->bytesPerRow_ = width * 4;
+  context->layout_ = surfaceLayout(true);
+  context->colorSpace_ = MCColorSpace::sRGB();
+  // A tee sends all drawing to a recording surface of the whole bitmap, which gives the Cairo
+  // context its extents and is otherwise unused, and to the run under way, which flushRun
+  // swaps for a new one: so one Cairo context, with its saved states and clip, draws across runs.
+  const cairo_rectangle_t extents = {0, 0, double(width), double(height)};
+  cairo_surface_t* whole = cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents);
+  context->surface_ = cairo_tee_surface_create(whole);
+  cairo_surface_destroy(whole);
+  if (cairo_surface_status(context->surface_) != CAIRO_STATUS_SUCCESS) return nullptr;
+  context->run_ = cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents);
+  cairo_tee_surface_add(context->surface_, context->run_);
+  context->cr_ = cairo_create(context->surface_);
+  if (cairo_status(context->cr_) != CAIRO_STATUS_SUCCESS) return nullptr;
+  cairo_translate(context->cr_, 0, double(height));
+  cairo_scale(context->cr_, 1, -1);
+  context->states_.emplace_back();
+  context->states_.back().clip.rect = MCMakeRect(0, 0, double(width), double(height));
+  context->sink_ = sink;
+  return context;
+}
+
+namespace {
+
+bool axisAligned(const cairo_matrix_t& m) { return m.xy == 0 && m.yx == 0; }
+
+MCRect toDevice(const cairo_matrix_t& m, double x, double y, double w, double h) {
+  double x0 = x, y0 = y, x1 = x + w, y1 = y + h;
+  cairo_matrix_transform_point(&m, &x0, &y0);
+  cairo_matrix_transform_point(&m, &x1, &y1);
+  return MCMakeRect(std::min(x0, x1), std::min(y0, y1), std::fabs(x1 - x0), std::fabs(y1 - y0));
+}
+
+// Whether two device rectangles cover the same whole pixels, give or take one at each edge: Cairo
+// answers clip extents rounded out to pixels.
+bool samePixels(const MCRect& a, const MCRect& b) {
+  if (MCIsEmptyRect(a) || MCIsEmptyRect(b)) return MCIsEmptyRect(a) && MCIsEmptyRect(b);
+  return std::fabs(MCMinX(a) - MCMinX(b)) <= 1 && std::fabs(MCMinY(a) - MCMinY(b)) <= 1 &&
+         std::fabs(MCMaxX(a) - MCMaxX(b)) <= 1 && std::fabs(MCMaxY(a) - MCMaxY(b)) <= 1;
+}
+
+MCRect clipBounds(const MCDrawingClip& clip) {
+  return clip.radius > 0 ? MCIntersectionRect(clip.rect, clip.rounded) : clip.rect;
+}
+
+}  // namespace
+
+bool MCGraphicsContext::sinkClip(MCDrawingClip& clip) {
+  if (!sink_ || cairo_get_group_target(cr_) != surface_) return false;
+  const State& state = states_.back();
+  if (state.blendMode != MCBlendMode::Normal) return false;
+  cairo_matrix_t m;
+  cairo_get_matrix(cr_, &m);
+  if (!axisAligned(m)) return false;
+  double x1, y1, x2, y2;
+  cairo_clip_extents(cr_, &x1, &y1, &x2, &y2);
+  const MCRect extents = toDevice(m, x1, y1, x2 - x1, y2 - y1);
+  // The clip this context made stands if Cairo's agrees with it; drawing that clipped Cairo
+  // directly shows as a difference, and then only a clip Cairo can list as one rectangle does.
+  if (state.clipKnown && samePixels(extents, clipBounds(state.clip))) {
+    clip = state.clip;
+    return true;
+  }
+  cairo_rectangle_list_t* list = cairo_copy_clip_rectangle_list(cr_);
+  bool known = false;
+  if (list->status == CAIRO_STATUS_SUCCESS && list->num_rectangles <= 1) {
+    clip = MCDrawingClip{};
+    if (list->num_rectangles == 1) {
+      const cairo_rectangle_t& r = list->rectangles[0];
+      clip.rect = toDevice(m, r.x, r.y, r.width, r.height);
+    }
+    known = true;
+  }
+  cairo_rectangle_list_destroy(list);
+  return known;
+}
+
+void MCGraphicsContext::flushRun() {
+  if (!runMayHaveInk_) return;
+  runMayHaveInk_ = false;
+  double x, y, w, h;
+  cairo_recording_surface_ink_extents(run_, &x, &y, &w, &h);
+  if (w <= 0 || h <= 0) return;
+  sink_->drawRecording(run_, MCMakeRect(x, y, w, h));
+  cairo_tee_surface_remove(surface_, run_);
+  cairo_surface_destroy(run_);
+  const cairo_rectangle_t extents = {0, 0, double(width_), double(height_)};
+  run_ = cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents);
+  cairo_tee_surface_add(surface_, run_);
+}
+
+void MCGraphicsContext::finishRecording() {
+  if (sink_) flushRun();
 }
 
 namespace {
@@ -172,6 +282,7 @@ void MCGraphicsContext::setCurrentContext(MCGraphicsContext* context) { currentG
 
 MCGraphicsContext::~MCGraphicsContext() {
   if (cr_) cairo_destroy(cr_);
+  if (run_) cairo_surface_destroy(run_);
   if (surface_) cairo_surface_destroy(surface_);
 }
 
@@ -184,6 +295,12 @@ void MCGraphicsContext::restoreGState() {
   if (states_.size() < 2) return;  // unbalanced: the platform ignores it too
   cairo_restore(cr_);
   states_.pop_back();
+}
+
+std::size_t MCGraphicsContext::gStateDepth() const { return states_.size() - 1; }
+
+void MCGraphicsContext::restoreGStatesTo(std::size_t depth) {
+  while (gStateDepth() > depth) restoreGState();
 }
 
 void MCGraphicsContext::translateCTM(double tx, double ty) { cairo_translate(cr_, tx, ty); }
@@ -267,30 +384,81 @@ void MCGraphicsContext::applySource(bool stroke) {
 }
 
 void MCGraphicsContext::fillPath() {
+  runMayHaveInk_ = true;
   applySource(false);
   cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
   cairo_fill(cr_);
 }
 void MCGraphicsContext::eoFillPath() {
+  runMayHaveInk_ = true;
   applySource(false);
   cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
   cairo_fill(cr_);
   cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
 }
 void MCGraphicsContext::strokePath() {
+  runMayHaveInk_ = true;
   applySource(true);
   cairo_stroke(cr_);
 }
 void MCGraphicsContext::clip() {
   cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
   cairo_clip(cr_);
+  states_.back().clipKnown = false;
 }
-void MCGraphicsContext::clipToRect(const MCRect& rect) {
+void MCGraphicsContext::clipToRect(const MCRect& rect) { clipToRoundedRect(rect, 0); }
+void MCGraphicsContext::clipToRoundedRect(const MCRect& rect, double radius) {
   cairo_new_path(cr_);
-  addRect(rect);
+  cairo_matrix_t m;
+  cairo_get_matrix(cr_, &m);
+  State& state = states_.back();
+  if (radius <= 0 || rect.size.width <= 0 || rect.size.height <= 0) {
+    addRect(rect);
+  } else {
+    // The corners of the rounded rectangles the library draws (CGContextAddRoundedRectangle).
+    radius = std::min({radius, rect.size.width / 2, rect.size.height / 2});
+    const double x0 = MCMinX(rect), y0 = MCMinY(rect), x1 = MCMaxX(rect), y1 = MCMaxY(rect);
+    cairo_new_sub_path(cr_);
+    cairo_arc(cr_, x1 - radius, y1 - radius, radius, 0, M_PI / 2);
+    cairo_arc(cr_, x0 + radius, y1 - radius, radius, M_PI / 2, M_PI);
+    cairo_arc(cr_, x0 + radius, y0 + radius, radius, M_PI, 3 * M_PI / 2);
+    cairo_arc(cr_, x1 - radius, y0 + radius, radius, 3 * M_PI / 2, 2 * M_PI);
+    cairo_close_path(cr_);
+  }
   cairo_clip(cr_);
+  if (!state.clipKnown) return;
+  const MCRect device = toDevice(m, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
+  const double deviceRadius = radius * std::fabs(m.xx);
+  if (!axisAligned(m) || (radius > 0 && (state.clip.radius > 0 || std::fabs(m.xx) != std::fabs(m.yy)))) {
+    state.clipKnown = false;  // a second rounded clip, or corners that are not round
+    return;
+  }
+  if (radius > 0) {
+    state.clip.rounded = device;
+    state.clip.radius = deviceRadius;
+  } else {
+    state.clip.rect = MCIntersectionRect(state.clip.rect, device);
+  }
 }
+bool MCGraphicsContext::fillRectToSink(const MCRect& rect) {
+  MCDrawingClip clip;
+  if (!sinkClip(clip)) return false;
+  cairo_matrix_t m;
+  cairo_get_matrix(cr_, &m);
+  const MCRect device = MCIntersectionRect(toDevice(m, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height),
+                                           clip.rect);
+  const State& state = states_.back();
+  if (MCIsEmptyRect(device) || state.fill[3] * state.alpha <= 0) return true;
+  flushRun();
+  if (sink_->fillRect(device, clip, state.fill[0], state.fill[1], state.fill[2], state.fill[3] * state.alpha))
+    return true;
+  runMayHaveInk_ = true;
+  return false;
+}
+
 void MCGraphicsContext::fillRect(const MCRect& rect) {
+  if (sink_ && fillRectToSink(rect)) return;
+  runMayHaveInk_ = true;
   cairo_new_path(cr_);
   addRect(rect);
   fillPath();
@@ -311,6 +479,7 @@ void MCGraphicsContext::strokeEllipseInRect(const MCRect& rect) {
   strokePath();
 }
 void MCGraphicsContext::clearRect(const MCRect& rect) {
+  runMayHaveInk_ = true;
   cairo_save(cr_);
   cairo_new_path(cr_);
   addRect(rect);
@@ -321,6 +490,22 @@ void MCGraphicsContext::clearRect(const MCRect& rect) {
 
 void MCGraphicsContext::drawImage(const MCRect& rect, const MCRasterImageRef& image) {
   if (!image || rect.size.width == 0 || rect.size.height == 0) return;
+  MCDrawingClip clip;
+  if (sink_ && image->width() > 0 && image->height() > 0 && sinkClip(clip)) {
+    if (MCIsEmptyRect(clipBounds(clip))) return;
+    cairo_matrix_t m;
+    cairo_get_matrix(cr_, &m);
+    cairo_matrix_translate(&m, rect.origin.x, rect.origin.y + rect.size.height);
+    cairo_matrix_scale(&m, rect.size.width / double(image->width()), -rect.size.height / double(image->height()));
+    MCDrawingImageOp op;
+    op.transform = {m.xx, m.yx, m.xy, m.yy, m.x0, m.y0};
+    op.clip = clip;
+    op.alpha = states_.back().alpha;
+    op.nearest = states_.back().interpolation == MCInterpolationQuality::None;
+    flushRun();
+    if (sink_->drawImage(image, op)) return;
+  }
+  runMayHaveInk_ = true;
   cairo_surface_t* source = createSourceSurface(*image, *colorSpace_);
   if (!source) return;
   const State& state = states_.back();
@@ -351,7 +536,32 @@ void MCGraphicsContext::drawImage(const MCRect& rect, const MCRasterImageRef& im
   cairo_surface_destroy(source);
 }
 
+void MCGraphicsContext::showLayout(PangoLayout* layout, bool glyphsOnly) {
+  MCDrawingClip clip;
+  if (sink_ && glyphsOnly && sinkClip(clip)) {
+    if (MCIsEmptyRect(clipBounds(clip))) return;
+    cairo_matrix_t m;
+    cairo_get_matrix(cr_, &m);
+    if (m.xx > 0 && m.yy > 0) {
+      double x = 0, y = 0;
+      if (cairo_has_current_point(cr_)) cairo_get_current_point(cr_, &x, &y);
+      cairo_user_to_device(cr_, &x, &y);
+      // Lay the text out again for the transform it is shown with: Pango hints for its context's.
+      pango_cairo_update_context(cr_, pango_layout_get_context(layout));
+      pango_layout_context_changed(layout);
+      MCDrawingTextOp op;
+      op.transform = {m.xx, 0, 0, m.yy, x, y};
+      op.clip = clip;
+      flushRun();
+      if (sink_->drawLayout(layout, op)) return;
+    }
+  }
+  runMayHaveInk_ = true;
+  pango_cairo_show_layout(cr_, layout);
+}
+
 const uint8_t* MCGraphicsContext::data() {
+  if (sink_) return nullptr;
   cairo_surface_flush(surface_);
   const uint8_t* pixels = cairo_image_surface_get_data(surface_);
   const std::size_t stride = std::size_t(cairo_image_surface_get_stride(surface_));
@@ -378,6 +588,7 @@ const uint8_t* MCGraphicsContext::data() {
 }
 
 MCRasterImageRef MCGraphicsContext::createImage() {
+  if (sink_) return nullptr;
   data();
   return MCRasterImage::create(width_, height_, layout_.bitsPerComponent, layout_.bitsPerPixel, bytesPerRow_,
                                colorSpace_, layout_.bitmapInfo, data_);

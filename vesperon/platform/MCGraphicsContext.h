@@ -14,9 +14,15 @@
 // 8 bits per component, so a 16-bit context holds 8-bit precision widened to 16 bits.
 //
 // A fresh context is all zero: transparent black, or black without alpha. One thread at a time.
+//
+// A recording context (createRecording) has no pixels of its own: it hands what it draws to an
+// MCDrawingSink, images, solid rectangles and plain text as ops of their own where their clip and
+// transform allow, and the rest as runs of Cairo drawing in between (see MCDrawingSink.h). Views
+// draw the same way into either kind.
 
 #include <vesperon/core/MCGeometry.h>
 #include <vesperon/platform/MCColorSpace.h>
+#include <vesperon/platform/MCDrawingSink.h>
 #include <vesperon/platform/MCPixelConversion.h>
 #include <vesperon/platform/MCRasterImage.h>
 
@@ -49,6 +55,15 @@ class MCGraphicsContext {
                                                    std::size_t bitsPerComponent, std::size_t bytesPerRow,
                                                    std::shared_ptr<const MCColorSpace> colorSpace,
                                                    uint32_t bitmapInfo);
+  /// A context of `width` × `height` device pixels (sRGB with alpha) that records into `sink`
+  /// instead of drawing into pixels; the sink must outlive it. Its data() is none and its image
+  /// none. None for sizes that create() refuses, or without a sink.
+  static std::shared_ptr<MCGraphicsContext> createRecording(std::size_t width, std::size_t height,
+                                                            MCDrawingSink* sink);
+  /// Hands the sink the Cairo drawing made since its last op. Call once drawing is over.
+  void finishRecording();
+  /// Whether the context records into a sink.
+  bool isRecording() const { return sink_ != nullptr; }
   ~MCGraphicsContext();
   MCGraphicsContext(const MCGraphicsContext&) = delete;
   MCGraphicsContext& operator=(const MCGraphicsContext&) = delete;
@@ -75,6 +90,10 @@ class MCGraphicsContext {
   /// antialiasing.
   void saveGState();
   void restoreGState();
+  /// How many states are saved; restoreGStatesTo pops back to such a depth (after drawing that
+  /// was cut short).
+  std::size_t gStateDepth() const;
+  void restoreGStatesTo(std::size_t depth);
   void translateCTM(double tx, double ty);
   void scaleCTM(double sx, double sy);
   void rotateCTM(double radians);
@@ -120,6 +139,9 @@ class MCGraphicsContext {
   void clip();
   /// Intersects the clip with `rect`.
   void clipToRect(const MCRect& rect);
+  /// Intersects the clip with `rect` rounded by `radius` at each corner (a plain rectangle at 0);
+  /// a recording context keeps images drawn inside it as ops of their own.
+  void clipToRoundedRect(const MCRect& rect, double radius);
 
   /// @name Shapes
   //@{
@@ -163,7 +185,16 @@ class MCGraphicsContext {
 
   /// The Cairo context, for drawing that this interface does not have (text with Pango). Its
   /// transform already holds the flip to the platform's coordinates; colours are the context's.
-  cairo_t* cairoContext() { return cr_; }
+  /// In a recording context what is drawn here becomes part of a run of Cairo drawing.
+  cairo_t* cairoContext() {
+    runMayHaveInk_ = true;
+    return cr_;
+  }
+
+  /// pango_cairo_show_layout at the current point, made with a Pango context of cairoContext().
+  /// `glyphsOnly` says that the layout has no shapes of its own drawing (inline images): a
+  /// recording context then hands it to its sink as text.
+  void showLayout(PangoLayout* layout, bool glyphsOnly);
 
  private:
   struct State;
@@ -171,6 +202,11 @@ class MCGraphicsContext {
   void applySource(bool stroke);
   void applyOperator();
   void applyPath(const MCRect& rect, bool ellipse);
+  /// For a recording context: whether an op can go to the sink now, and its clip there.
+  bool sinkClip(MCDrawingClip& clip);
+  /// Hands the sink the run of Cairo drawing so far, if it drew anything, and starts another.
+  void flushRun();
+  bool fillRectToSink(const MCRect& rect);
 
   std::size_t width_ = 0, height_ = 0, bytesPerRow_ = 0;
   MCPixelLayout layout_;
@@ -180,6 +216,9 @@ class MCGraphicsContext {
   std::vector<State> states_;
   std::vector<uint8_t> data_;
   bool flipped_ = false;
+  MCDrawingSink* sink_ = nullptr;
+  cairo_surface_t* run_ = nullptr;  // the recording surface the tee sends Cairo drawing to
+  bool runMayHaveInk_ = false;
 };
 
 using MCGraphicsContextRef = std::shared_ptr<MCGraphicsContext>;

@@ -274,11 +274,8 @@ void MCAttributedString::draw(const MCRect& rect, bool constrained, MCGraphicsCo
   const double textHeight = double(logical.height) / PANGO_SCALE;
   const double textWidth = double(logical.width) / PANGO_SCALE;
 
-  cairo_save(cr);
-  if (constrained) {
-    cairo_rectangle(cr, rect.origin.x, rect.origin.y, rect.size.width, rect.size.height);
-    cairo_clip(cr);
-  }
+  graphics.saveGState();
+  if (constrained) graphics.clipToRect(rect);
   // Pango sets text downward from its top: in an unflipped space turn y around about the text.
   double x = rect.origin.x;
   if (constrained && lineBreakMode_ == MCLineBreakMode::Clipping) {
@@ -286,15 +283,17 @@ void MCAttributedString::draw(const MCRect& rect, bool constrained, MCGraphicsCo
     else if (alignment_ == MCTextAlignment::Right) x += rect.size.width - textWidth;
   }
   if (graphics.isFlipped()) {
-    cairo_translate(cr, x, rect.origin.y);
+    graphics.translateCTM(x, rect.origin.y);
   } else {
     const double top = constrained ? MCMaxY(rect) : rect.origin.y + textHeight;
-    cairo_translate(cr, x, top);
-    cairo_scale(cr, 1, -1);
+    graphics.translateCTM(x, top);
+    graphics.scaleCTM(1, -1);
   }
   cairo_move_to(cr, 0, 0);
-  pango_cairo_show_layout(cr, layout);
-  cairo_restore(cr);
+  // Runs with an attachment are shapes that only Cairo draws.
+  const bool glyphsOnly = std::none_of(runs_.begin(), runs_.end(), [](const Run& run) { return bool(run.attributes.attachment); });
+  graphics.showLayout(layout, glyphsOnly);
+  graphics.restoreGState();
   g_object_unref(layout);
   g_object_unref(context);
 }

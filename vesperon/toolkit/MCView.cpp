@@ -1,4 +1,5 @@
 #include <vesperon/toolkit/MCView.h>
+#include <vesperon/core/MCLog.h>
 
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCClipView.h>
@@ -11,6 +12,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <exception>
+#include <typeinfo>
 
 MCRect MCAxisTransform::apply(const MCRect& r) const {
   const MCPoint a = apply(r.origin);
@@ -412,12 +415,12 @@ void MCView::drawSubtree(MCGraphicsContext& context, const MCAxisTransform& toWi
   }
   cairo_clip(cr);
   // The visible part may be smaller than whole points.
-  cairo_rectangle(cr, clip.origin.x, clip.origin.y, clip.size.width, clip.size.height);
-  cairo_clip(cr);
+  context.clipToRect(clip);
   const bool faded = alphaValue_ < 1;
   if (faded) cairo_push_group(cr);
 
   context.saveGState();
+  const std::size_t drawDepth = context.gStateDepth();
   context.translateCTM(toWindow.tx, toWindow.ty);
   context.scaleCTM(toWindow.sx, toWindow.sy);
   context.setFlipped(isFlipped());
@@ -430,13 +433,23 @@ void MCView::drawSubtree(MCGraphicsContext& context, const MCAxisTransform& toWi
   const MCRect dirty = MCIntersectionRect(
       toWindow.inverted().apply(MCMakeRect(extents.x, extents.y, extents.width, extents.height)), bounds_);
   ++window.viewsDrawn_;
-  if (layer_) {
-    if (wantsUpdateLayer()) updateLayer();
-    layer_->frame = MCMakeRect(bounds_.origin.x, bounds_.origin.y, bounds_.size.width, bounds_.size.height);
-    layer_->renderInContext(context);
-  } else {
-    drawRect(dirty);
+  // A view that throws is left out of the frame, and the rest of it drawn: its unbalanced saved
+  // states are popped so that its siblings draw with theirs.
+  context.saveGState();
+  try {
+    if (layer_) {
+      if (wantsUpdateLayer()) updateLayer();
+      layer_->frame = MCMakeRect(bounds_.origin.x, bounds_.origin.y, bounds_.size.width, bounds_.size.height);
+      layer_->renderInContext(context);
+    } else {
+      drawRect(dirty);
+    }
+  } catch (const std::exception& error) {
+    MCLog::sdkGraphics()->logError(fmt::format("A view ({}) failed to draw: {}", typeid(*this).name(), error.what()));
+  } catch (...) {
+    MCLog::sdkGraphics()->logError(fmt::format("A view ({}) failed to draw", typeid(*this).name()));
   }
+  context.restoreGStatesTo(drawDepth);
   window.drawingView_ = outerView;
   window.drawingRegion_ = outerRegion;
   context.setFlipped(false);

@@ -427,27 +427,54 @@ void MCWindow::displayIfNeeded() {
 
   displayRegion_ = dirty_;
   dirty_ = cairo_region_create();
+  drawRegion(*backing_, scale, true);
+}
+
+void MCWindow::displayInContext(MCGraphicsContext& context, double scale) {
+  if (closed_ || !contentView_ || drawingView_) return;
+  std::shared_ptr<MCWindow> keep = std::static_pointer_cast<MCWindow>(shared_from_this());
+  if (layoutNeeded_) {
+    layoutNeeded_ = false;
+    contentView_->layoutSubtreeIfNeeded();
+  }
+  cairo_region_destroy(dirty_);
+  dirty_ = cairo_region_create();
+  backing_.reset();
+  const cairo_rectangle_int_t all = {0, 0, int(std::ceil(contentSize_.width)), int(std::ceil(contentSize_.height))};
+  if (all.width <= 0 || all.height <= 0) return;
+  displayRegion_ = cairo_region_create_rectangle(&all);
+  // Drawn over nothing, the background's fill is a plain rectangle, which a recording context
+  // keeps as an op of its own.
+  drawRegion(context, scale, false);
+}
+
+void MCWindow::drawRegion(MCGraphicsContext& context, double scale, bool replace) {
   viewsDrawn_ = 0;
   MCGraphicsContext* outer = MCGraphicsContext::currentContext();
-  MCGraphicsContext::setCurrentContext(backing_.get());
-  MCGraphicsContext& context = *backing_;
-  cairo_t* cr = context.cairoContext();
+  MCGraphicsContext::setCurrentContext(&context);
   context.saveGState();
   context.scaleCTM(scale, scale);
 
   // The window's background under everything, inside the region only.
   context.saveGState();
-  cairo_new_path(cr);
-  const int count = cairo_region_num_rectangles(displayRegion_);
-  for (int i = 0; i < count; ++i) {
-    cairo_rectangle_int_t r;
-    cairo_region_get_rectangle(displayRegion_, i, &r);
-    cairo_rectangle(cr, r.x, r.y, r.width, r.height);
+  if (replace) {
+    cairo_t* cr = context.cairoContext();
+    cairo_new_path(cr);
+    const int count = cairo_region_num_rectangles(displayRegion_);
+    for (int i = 0; i < count; ++i) {
+      cairo_rectangle_int_t r;
+      cairo_region_get_rectangle(displayRegion_, i, &r);
+      cairo_rectangle(cr, r.x, r.y, r.width, r.height);
+    }
+    cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
+    cairo_set_source_rgba(cr, backgroundColor_.redComponent(), backgroundColor_.greenComponent(),
+                          backgroundColor_.blueComponent(), backgroundColor_.alphaComponent());
+    cairo_fill(cr);
+  } else {
+    context.setRGBFillColor(backgroundColor_.redComponent(), backgroundColor_.greenComponent(),
+                            backgroundColor_.blueComponent(), backgroundColor_.alphaComponent());
+    context.fillRect(MCMakeRect(0, 0, contentSize_.width, contentSize_.height));
   }
-  cairo_set_operator(cr, CAIRO_OPERATOR_SOURCE);
-  cairo_set_source_rgba(cr, backgroundColor_.redComponent(), backgroundColor_.greenComponent(),
-                        backgroundColor_.blueComponent(), backgroundColor_.alphaComponent());
-  cairo_fill(cr);
   context.restoreGState();
 
   contentView_->drawSubtree(context, contentView_->transformToSuperview(),

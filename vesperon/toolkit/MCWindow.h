@@ -148,6 +148,11 @@ class MCWindow : public MCResponder {
   void displayIfNeeded();
   /// Marks everything dirty and displays.
   void display();
+  /// Lays out and draws the whole window into `context`, whose device pixels are the window's
+  /// points times `scale` (a recording context of a host that draws with a retained renderer).
+  /// The dirty region is cleared; the backing image, no longer up to date, is let go, so that
+  /// the next displayIfNeeded draws it whole.
+  void displayInContext(MCGraphicsContext& context, double scale);
   /// The backing image's context (pixels at the host's scale); none until the first display.
   MCGraphicsContext* backingContext() const { return backing_.get(); }
   /// A copy of the backing image as it stands.
@@ -175,6 +180,9 @@ class MCWindow : public MCResponder {
   void viewWillLeaveWindow(MCView* view);
   bool isDrawingView(const MCView* view) const { return drawingView_ == view; }
   bool regionMeetsRect(const cairo_region_t* region, const MCRect& windowRect) const;
+  /// Draws displayRegion_ into `context` and ends it; `replace` fills the background by replacing
+  /// what is there (a backing image keeps earlier frames).
+  void drawRegion(MCGraphicsContext& context, double scale, bool replace);
   void registerTrackingView(MCView* view);
   void unregisterTrackingView(MCView* view);
 

@@ -1,0 +1,103 @@
+#include "MCGtkSnapshotSink.h"
+
+#include <gtk/gtk.h>
+
+#include <cmath>
+
+namespace {
+
+graphene_rect_t grapheneRect(const MCRect& r) {
+  return GRAPHENE_RECT_INIT(float(r.origin.x), float(r.origin.y), float(r.size.width), float(r.size.height));
+}
+
+bool contains(const MCRect& outer, const MCRect& inner) {
+  return MCMinX(inner) >= MCMinX(outer) && MCMinY(inner) >= MCMinY(outer) && MCMaxX(inner) <= MCMaxX(outer) &&
+         MCMaxY(inner) <= MCMaxY(outer);
+}
+
+}  // namespace
+
+int MCGtkSnapshotSink::pushClip(const MCDrawingClip& clip, const MCRect& bounds) {
+  int pushed = 0;
+  if (!contains(clip.rect, bounds)) {
+    const graphene_rect_t r = grapheneRect(clip.rect);
+    gtk_snapshot_push_clip(snapshot_, &r);
+    ++pushed;
+  }
+  if (clip.radius > 0) {
+    GskRoundedRect rounded;
+    const graphene_size_t corner = GRAPHENE_SIZE_INIT(float(clip.radius), float(clip.radius));
+    const graphene_rect_t r = grapheneRect(clip.rounded);
+    gsk_rounded_rect_init(&rounded, &r, &corner, &corner, &corner, &corner);
+    gtk_snapshot_push_rounded_clip(snapshot_, &rounded);
+    ++pushed;
+  }
+  return pushed;
+}
+
+void MCGtkSnapshotSink::pop(int count) {
+  while (count-- > 0) gtk_snapshot_pop(snapshot_);
+}
+
+void MCGtkSnapshotSink::drawRecording(cairo_surface_t* recording, const MCRect& inkExtents) {
+  const graphene_rect_t bounds = grapheneRect(inkExtents);
+  cairo_t* cr = gtk_snapshot_append_cairo(snapshot_, &bounds);
+  cairo_set_source_surface(cr, recording, 0, 0);
+  cairo_paint(cr);
+  cairo_destroy(cr);
+  ++counts_.cairo;
+}
+
+bool MCGtkSnapshotSink::fillRect(const MCRect& rect, const MCDrawingClip& clip, double red, double green, double blue,
+                                 double alpha) {
+  const GdkRGBA color = {float(red), float(green), float(blue), float(alpha)};
+  const int pushed = pushClip(clip, rect);
+  const graphene_rect_t r = grapheneRect(rect);
+  gtk_snapshot_append_color(snapshot_, &color, &r);
+  pop(pushed);
+  ++counts_.color;
+  return true;
+}
+
+bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawingImageOp& op) {
+  const MCDeviceTransform& m = op.transform;
+  if (op.nearest || m.xy != 0 || m.yx != 0) return false;
+  GdkTexture* texture = textures_.textureForImage(image);
+  if (!texture) return false;
+  const double w = m.xx * double(image->width()), h = m.yy * double(image->height());
+  const MCRect target = MCMakeRect(std::min(m.x0, m.x0 + w), std::min(m.y0, m.y0 + h), std::fabs(w), std::fabs(h));
+  const int pushed = pushClip(op.clip, target);
+  if (op.alpha < 1) gtk_snapshot_push_opacity(snapshot_, op.alpha);
+  const graphene_rect_t bounds = GRAPHENE_RECT_INIT(0, 0, float(target.size.width), float(target.size.height));
+  gtk_snapshot_save(snapshot_);
+  // A mirrored image is drawn upright and turned about its middle.
+  graphene_point_t at = GRAPHENE_POINT_INIT(float(MCMidX(target)), float(MCMidY(target)));
+  gtk_snapshot_translate(snapshot_, &at);
+  gtk_snapshot_scale(snapshot_, w < 0 ? -1.f : 1.f, h < 0 ? -1.f : 1.f);
+  at = GRAPHENE_POINT_INIT(float(-target.size.width / 2), float(-target.size.height / 2));
+  gtk_snapshot_translate(snapshot_, &at);
+  gtk_snapshot_append_texture(snapshot_, texture, &bounds);
+  gtk_snapshot_restore(snapshot_);
+  if (op.alpha < 1) gtk_snapshot_pop(snapshot_);
+  pop(pushed);
+  ++counts_.texture;
+  return true;
+}
+
+bool MCGtkSnapshotSink::drawLayout(PangoLayout* layout, const MCDrawingTextOp& op) {
+  const MCDeviceTransform& m = op.transform;
+  PangoRectangle ink;
+  pango_layout_get_pixel_extents(layout, &ink, nullptr);
+  const MCRect bounds = MCMakeRect(m.x0 + ink.x * m.xx, m.y0 + ink.y * m.yy, ink.width * m.xx, ink.height * m.yy);
+  const int pushed = pushClip(op.clip, bounds);
+  gtk_snapshot_save(snapshot_);
+  const graphene_point_t at = GRAPHENE_POINT_INIT(float(m.x0), float(m.y0));
+  gtk_snapshot_translate(snapshot_, &at);
+  gtk_snapshot_scale(snapshot_, float(m.xx), float(m.yy));
+  const GdkRGBA color = {float(op.red), float(op.green), float(op.blue), float(op.alpha)};
+  gtk_snapshot_append_layout(snapshot_, layout, &color);
+  gtk_snapshot_restore(snapshot_);
+  pop(pushed);
+  ++counts_.text;
+  return true;
+}
