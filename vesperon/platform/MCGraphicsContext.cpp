@@ -497,6 +497,9 @@ void MCGraphicsContext::drawImage(const MCRect& rect, const MCRasterImageRef& im
     cairo_get_matrix(cr_, &m);
     cairo_matrix_translate(&m, rect.origin.x, rect.origin.y + rect.size.height);
     cairo_matrix_scale(&m, rect.size.width / double(image->width()), -rect.size.height / double(image->height()));
+    if (axisAligned(m) &&
+        MCIsEmptyRect(MCIntersectionRect(clipBounds(clip), toDevice(m, 0, 0, double(image->width()), double(image->height())))))
+      return;
     MCDrawingImageOp op;
     op.transform = {m.xx, m.yx, m.xy, m.yy, m.x0, m.y0};
     op.clip = clip;
