@@ -93,7 +93,7 @@ class TileCell : public MCBrowserViewCell {
  public:
   std::vector<MCRasterImageRef> thumbnails;
   uint64_t item = 0;
-  MCSize cellSizeForBounds(const MCRect&, double scale) override { return {kCell * scale, kCell * scale}; }
+  MCSize cellSizeForBounds(const MCRect&, double) override { return {kCell, kCell}; }
   std::shared_ptr<const MCImage> previewImage() override { return nullptr; }
   MCRect previewSourceRectForCellFrame(const MCRect& frame) override { return frame; }
   void drawWithFrame(const MCRect& frame, MCView*) override {
