@@ -30,6 +30,9 @@ namespace {
 constexpr int kItems = 1000000;
 constexpr int kWidth = 1280, kHeight = 800;
 constexpr int kCell = 200, kThumbWidth = 160, kThumbHeight = 120, kThumbs = 64;
+// The browser view's layout of 200-point cells in 1280 points: 5 columns, rows 224 points apart
+// (its minimum vertical spacing is 24). GtkGridView is given the same, so both show as many cells.
+constexpr int kColumns = 5, kRowPitch = kCell + 24;
 
 /// The thumbnails' pixels: premultiplied B, G, R, A (Cairo's and GDK's layout), a gradient of
 /// each image's own hue.
@@ -96,7 +99,9 @@ class TileCell : public MCBrowserViewCell {
   MCSize cellSizeForBounds(const MCRect&, double) override { return {kCell, kCell}; }
   std::shared_ptr<const MCImage> previewImage() override { return nullptr; }
   MCRect previewSourceRectForCellFrame(const MCRect& frame) override { return frame; }
+  int drawn = 0;  // cells drawn since the count was last cleared
   void drawWithFrame(const MCRect& frame, MCView*) override {
+    ++drawn;
     MCGraphicsContext& context = *MCGraphicsContext::currentContext();
     const MCRect image = MCMakeRect(frame.origin.x + (frame.size.width - kThumbWidth) / 2, frame.origin.y + 20,
                                     kThumbWidth, kThumbHeight);
@@ -147,13 +152,14 @@ void runOurs(GtkApplication* application, int pages) {
   waitForPaint();
   const double start = threadSeconds(), startProcess = processSeconds();
   for (int page = 0; page < pages; ++page) {
+    cell->drawn = 0;
     view->scrollPageDown();
     waitForPaint();
   }
   report("MCBrowserView in the GTK host", pages, threadSeconds() - start, processSeconds() - startProcess);
   const auto& nodes = host->lastFrameNodeCounts();
-  std::fprintf(stderr, "last frame: %zu texture, %zu text, %zu colour, %zu Cairo nodes; %zu textures cached\n",
-               nodes.texture, nodes.text, nodes.color, nodes.cairo, host->numberOfCachedTextures());
+  std::fprintf(stderr, "last frame: %d cells, %zu texture, %zu text, %zu colour, %zu Cairo nodes; %zu textures cached\n",
+               cell->drawn, nodes.texture, nodes.text, nodes.color, nodes.cairo, host->numberOfCachedTextures());
   gtk_window_destroy(toplevel);
 }
 
@@ -172,7 +178,7 @@ void runGridView(GtkApplication* application, int pages) {
   GtkListItemFactory* factory = gtk_signal_list_item_factory_new();
   g_signal_connect(factory, "setup", G_CALLBACK(+[](GtkSignalListItemFactory*, GtkListItem* item) {
                      GtkWidget* box = gtk_box_new(GTK_ORIENTATION_VERTICAL, 4);
-                     gtk_widget_set_size_request(box, kCell, kCell);
+                     gtk_widget_set_size_request(box, kCell, kRowPitch);
                      GtkWidget* picture = gtk_picture_new();
                      gtk_widget_set_size_request(picture, kThumbWidth, kThumbHeight);
                      gtk_widget_set_halign(picture, GTK_ALIGN_CENTER);
@@ -190,7 +196,7 @@ void runGridView(GtkApplication* application, int pages) {
                      gtk_label_set_text(GTK_LABEL(gtk_widget_get_next_sibling(picture)), gtk_string_object_get_string(object));
                    }), nullptr);
   GtkWidget* grid = gtk_grid_view_new(GTK_SELECTION_MODEL(gtk_no_selection_new(G_LIST_MODEL(list))), factory);
-  gtk_grid_view_set_max_columns(GTK_GRID_VIEW(grid), 32);
+  gtk_grid_view_set_max_columns(GTK_GRID_VIEW(grid), kColumns);
   GtkWidget* scrolled = gtk_scrolled_window_new();
   gtk_scrolled_window_set_child(GTK_SCROLLED_WINDOW(scrolled), grid);
   gtk_window_set_child(GTK_WINDOW(toplevel), scrolled);
@@ -206,6 +212,14 @@ void runGridView(GtkApplication* application, int pages) {
     waitForPaint();
   }
   report("GtkGridView", pages, threadSeconds() - start, processSeconds() - startProcess);
+  int shown = 0;
+  for (GtkWidget* child = gtk_widget_get_first_child(grid); child; child = gtk_widget_get_next_sibling(child)) {
+    graphene_rect_t bounds;
+    if (gtk_widget_get_mapped(child) && gtk_widget_compute_bounds(child, scrolled, &bounds) &&
+        bounds.origin.y + bounds.size.height > 0 && bounds.origin.y < kHeight)
+      ++shown;
+  }
+  std::fprintf(stderr, "last frame: %d cells on screen\n", shown);
   gtk_window_destroy(GTK_WINDOW(toplevel));
 }
 
