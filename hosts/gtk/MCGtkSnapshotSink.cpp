@@ -42,6 +42,10 @@ void MCGtkSnapshotSink::pop(int count) {
 void MCGtkSnapshotSink::drawRecording(cairo_surface_t* recording, const MCRect& inkExtents) {
   const graphene_rect_t bounds = grapheneRect(inkExtents);
   cairo_t* cr = gtk_snapshot_append_cairo(snapshot_, &bounds);
+  // Cairo rasterises a recording it paints into an image as large as the paint's extents: without
+  // this clip, the whole window for every run, however small its ink.
+  cairo_rectangle(cr, inkExtents.origin.x, inkExtents.origin.y, inkExtents.size.width, inkExtents.size.height);
+  cairo_clip(cr);
   cairo_set_source_surface(cr, recording, 0, 0);
   cairo_paint(cr);
   cairo_destroy(cr);
@@ -68,20 +72,29 @@ bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawing
   const MCRect target = MCMakeRect(std::min(m.x0, m.x0 + w), std::min(m.y0, m.y0 + h), std::fabs(w), std::fabs(h));
   const int pushed = pushClip(op.clip, target);
   if (op.alpha < 1) gtk_snapshot_push_opacity(snapshot_, op.alpha);
+  if (w > 0 && h > 0) {
+    const graphene_rect_t r = grapheneRect(target);
+    gtk_snapshot_append_texture(snapshot_, texture, &r);
+  } else {
+    drawMirrored(texture, target, w < 0, h < 0);
+  }
+  if (op.alpha < 1) gtk_snapshot_pop(snapshot_);
+  pop(pushed);
+  ++counts_.texture;
+  return true;
+}
+
+void MCGtkSnapshotSink::drawMirrored(GdkTexture* texture, const MCRect& target, bool acrossX, bool acrossY) {
   const graphene_rect_t bounds = GRAPHENE_RECT_INIT(0, 0, float(target.size.width), float(target.size.height));
   gtk_snapshot_save(snapshot_);
   // A mirrored image is drawn upright and turned about its middle.
   graphene_point_t at = GRAPHENE_POINT_INIT(float(MCMidX(target)), float(MCMidY(target)));
   gtk_snapshot_translate(snapshot_, &at);
-  gtk_snapshot_scale(snapshot_, w < 0 ? -1.f : 1.f, h < 0 ? -1.f : 1.f);
+  gtk_snapshot_scale(snapshot_, acrossX ? -1.f : 1.f, acrossY ? -1.f : 1.f);
   at = GRAPHENE_POINT_INIT(float(-target.size.width / 2), float(-target.size.height / 2));
   gtk_snapshot_translate(snapshot_, &at);
   gtk_snapshot_append_texture(snapshot_, texture, &bounds);
   gtk_snapshot_restore(snapshot_);
-  if (op.alpha < 1) gtk_snapshot_pop(snapshot_);
-  pop(pushed);
-  ++counts_.texture;
-  return true;
 }
 
 bool MCGtkSnapshotSink::drawLayout(PangoLayout* layout, const MCDrawingTextOp& op) {

@@ -12,6 +12,7 @@
 #include <vesperon/platform/MCDrawingSink.h>
 
 typedef struct _GdkSnapshot GdkSnapshot;
+typedef struct _GdkTexture GdkTexture;
 
 class MCGtkSnapshotSink : public MCDrawingSink {
  public:
@@ -34,6 +35,8 @@ class MCGtkSnapshotSink : public MCDrawingSink {
   /// Pushes the clip nodes `clip` needs around something covering `bounds`; answers how many to pop.
   int pushClip(const MCDrawingClip& clip, const MCRect& bounds);
   void pop(int count);
+  /// A texture drawn upright and turned about the middle of `target` across one axis or both.
+  void drawMirrored(GdkTexture* texture, const MCRect& target, bool acrossX, bool acrossY);
 
   GdkSnapshot* snapshot_;
   MCGtkTextureCache& textures_;

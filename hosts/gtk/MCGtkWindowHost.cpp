@@ -393,7 +393,7 @@ void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
   auto context = MCGraphicsContext::createRecording(width, height, &sink);
   if (!context) return;
   gtk_snapshot_save(snapshot);
-  gtk_snapshot_scale(snapshot, float(1 / scale), float(1 / scale));
+  if (scale != 1) gtk_snapshot_scale(snapshot, float(1 / scale), float(1 / scale));
   window_->displayInContext(*context, scale);
   context->finishRecording();
   gtk_snapshot_restore(snapshot);
