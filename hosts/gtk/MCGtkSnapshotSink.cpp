@@ -40,6 +40,7 @@ void MCGtkSnapshotSink::pop(int count) {
 }
 
 void MCGtkSnapshotSink::drawRecording(cairo_surface_t* recording, const MCRect& inkExtents) {
+  flushPendingFill();
   const graphene_rect_t bounds = grapheneRect(inkExtents);
   cairo_t* cr = gtk_snapshot_append_cairo(snapshot_, &bounds);
   // Cairo rasterises a recording it paints into an image as large as the paint's extents: without
@@ -54,13 +55,23 @@ void MCGtkSnapshotSink::drawRecording(cairo_surface_t* recording, const MCRect& 
 
 bool MCGtkSnapshotSink::fillRect(const MCRect& rect, const MCDrawingClip& clip, double red, double green, double blue,
                                  double alpha) {
-  const GdkRGBA color = {float(red), float(green), float(blue), float(alpha)};
-  const int pushed = pushClip(clip, rect);
-  const graphene_rect_t r = grapheneRect(rect);
-  gtk_snapshot_append_color(snapshot_, &color, &r);
+  // A fill is held back until the next op: an opaque fill over all of it (a view's background
+  // over the window's) means it need not be drawn at all.
+  const bool opaqueCover = alpha >= 1 && clip.radius <= 0;
+  if (pending_ && !(opaqueCover && contains(rect, pending_->rect))) flushPendingFill();
+  pending_ = PendingFill{rect, clip, {float(red), float(green), float(blue), float(alpha)}};
+  return true;
+}
+
+void MCGtkSnapshotSink::flushPendingFill() {
+  if (!pending_) return;
+  const PendingFill fill = *pending_;
+  pending_.reset();
+  const int pushed = pushClip(fill.clip, fill.rect);
+  const graphene_rect_t r = grapheneRect(fill.rect);
+  gtk_snapshot_append_color(snapshot_, &fill.color, &r);
   pop(pushed);
   ++counts_.color;
-  return true;
 }
 
 bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawingImageOp& op) {
@@ -68,6 +79,7 @@ bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawing
   if (op.nearest || m.xy != 0 || m.yx != 0) return false;
   GdkTexture* texture = textures_.textureForImage(image);
   if (!texture) return false;
+  flushPendingFill();
   const double w = m.xx * double(image->width()), h = m.yy * double(image->height());
   const MCRect target = MCMakeRect(std::min(m.x0, m.x0 + w), std::min(m.y0, m.y0 + h), std::fabs(w), std::fabs(h));
   const int pushed = pushClip(op.clip, target);
@@ -98,6 +110,7 @@ void MCGtkSnapshotSink::drawMirrored(GdkTexture* texture, const MCRect& target, 
 }
 
 bool MCGtkSnapshotSink::drawLayout(PangoLayout* layout, const MCDrawingTextOp& op) {
+  flushPendingFill();
   const MCDeviceTransform& m = op.transform;
   PangoRectangle ink;
   pango_layout_get_pixel_extents(layout, &ink, nullptr);

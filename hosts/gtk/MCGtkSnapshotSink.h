@@ -11,6 +11,10 @@
 
 #include <vesperon/platform/MCDrawingSink.h>
 
+#include <gdk/gdk.h>
+
+#include <optional>
+
 typedef struct _GdkSnapshot GdkSnapshot;
 typedef struct _GdkTexture GdkTexture;
 
@@ -24,6 +28,8 @@ class MCGtkSnapshotSink : public MCDrawingSink {
                 double alpha) override;
   bool drawImage(const MCRasterImageRef& image, const MCDrawingImageOp& op) override;
   bool drawLayout(PangoLayout* layout, const MCDrawingTextOp& op) override;
+  /// Appends the fill held back for the next op; call when the drawing is over.
+  void flushPendingFill();
 
   /// How many nodes of each kind the sink made; for tests and benchmarks.
   struct Counts {
@@ -41,4 +47,10 @@ class MCGtkSnapshotSink : public MCDrawingSink {
   GdkSnapshot* snapshot_;
   MCGtkTextureCache& textures_;
   Counts counts_;
+  struct PendingFill {
+    MCRect rect;
+    MCDrawingClip clip;
+    GdkRGBA color;
+  };
+  std::optional<PendingFill> pending_;
 };

@@ -288,9 +288,32 @@ GtkWindow* MCGtkWindowHost::presentInNewWindow(GtkApplication* application, bool
                      host->window_->close();
                      return FALSE;
                    }), this);
+  updateToplevelBackground();
   gtk_window_present(toplevel_);
   gtk_widget_grab_focus(widget_);
   return toplevel_;
+}
+
+namespace {
+constexpr const char* kCoveredWindowClass = "vesperon-covered";
+}
+
+void MCGtkWindowHost::updateToplevelBackground() {
+  if (!toplevel_) return;
+  // Where the window's own opaque background covers the whole toplevel, GTK's background under
+  // it would be painted for nothing, a full-window fill every frame.
+  const bool covered = !topAccessory_ && window_->backgroundColor().alphaComponent() >= 1;
+  if (covered == bool(gtk_widget_has_css_class(GTK_WIDGET(toplevel_), kCoveredWindowClass))) return;
+  static GtkCssProvider* provider = [] {
+    GtkCssProvider* css = gtk_css_provider_new();
+    gtk_css_provider_load_from_data(css, "window.vesperon-covered { background: none; }", -1);
+    gtk_style_context_add_provider_for_display(gdk_display_get_default(), GTK_STYLE_PROVIDER(css),
+                                               GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    return css;
+  }();
+  (void)provider;
+  if (covered) gtk_widget_add_css_class(GTK_WIDGET(toplevel_), kCoveredWindowClass);
+  else gtk_widget_remove_css_class(GTK_WIDGET(toplevel_), kCoveredWindowClass);
 }
 
 void MCGtkWindowHost::addTitleBarButton(const std::string& iconName, const std::string& toolTip,
@@ -386,6 +409,7 @@ void MCGtkWindowHost::allocated(int width, int height) {
 }
 
 void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
+  updateToplevelBackground();
   const MCSize size = window_->contentSize();
   const double scale = backingScaleFactor();
   const std::size_t width = std::size_t(std::ceil(size.width * scale)), height = std::size_t(std::ceil(size.height * scale));
@@ -396,6 +420,7 @@ void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
   if (scale != 1) gtk_snapshot_scale(snapshot, float(1 / scale), float(1 / scale));
   window_->displayInContext(*context, scale);
   context->finishRecording();
+  sink.flushPendingFill();
   gtk_snapshot_restore(snapshot);
   const auto& counts = sink.counts();
   lastFrameCounts_ = {counts.cairo, counts.color, counts.texture, counts.text};

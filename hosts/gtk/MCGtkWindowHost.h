@@ -141,6 +141,8 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   /// Drops the popover, and takes the item views out of their windows.
   void removeContextMenu();
   void endDragInFlight();
+  /// Leaves GTK's background out of the toplevel while the window's opaque one covers it.
+  void updateToplevelBackground();
 
   std::shared_ptr<MCWindow> window_;
   GtkWidget* widget_ = nullptr;

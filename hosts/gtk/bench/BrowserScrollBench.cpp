@@ -21,6 +21,7 @@
 #include <gtk/gtk.h>
 
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <string>
@@ -121,6 +122,18 @@ struct Source : MCBrowserViewDataSource {
   void updateHeaderCell(MCBrowserView&, MCBrowserViewCell&, uint64_t) override {}
 };
 
+/// With BENCH_NODES set, writes the toplevel's render nodes of the present frame to that file.
+void writeNodes(GtkWidget* toplevel) {
+  const char* path = std::getenv("BENCH_NODES");
+  if (!path) return;
+  GtkSnapshot* snapshot = gtk_snapshot_new();
+  GTK_WIDGET_GET_CLASS(toplevel)->snapshot(toplevel, snapshot);
+  if (GskRenderNode* node = gtk_snapshot_free_to_node(snapshot)) {
+    gsk_render_node_write_to_file(node, path, nullptr);
+    gsk_render_node_unref(node);
+  }
+}
+
 void report(const char* who, int pages, double thread, double process) {
   std::printf("%s: %.3f ms main-thread CPU per page, %.3f ms process CPU per page, peak RSS %.1f MiB, RSS %.1f MiB, "
               "over %d pages\n",
@@ -151,12 +164,15 @@ void runOurs(GtkApplication* application, int pages) {
   gtk_widget_queue_draw(host->widget());
   waitForPaint();
   const double start = threadSeconds(), startProcess = processSeconds();
+  const int paintsBefore = paints;
   for (int page = 0; page < pages; ++page) {
     cell->drawn = 0;
     view->scrollPageDown();
     waitForPaint();
   }
   report("MCBrowserView in the GTK host", pages, threadSeconds() - start, processSeconds() - startProcess);
+  std::fprintf(stderr, "%.2f frames per page\n", double(paints - paintsBefore) / pages);
+  writeNodes(GTK_WIDGET(toplevel));
   const auto& nodes = host->lastFrameNodeCounts();
   std::fprintf(stderr, "last frame: %d cells, %zu texture, %zu text, %zu colour, %zu Cairo nodes; %zu textures cached\n",
                cell->drawn, nodes.texture, nodes.text, nodes.color, nodes.cairo, host->numberOfCachedTextures());
@@ -207,11 +223,14 @@ void runGridView(GtkApplication* application, int pages) {
   waitForPaint();
   GtkAdjustment* adjustment = gtk_scrollable_get_vadjustment(GTK_SCROLLABLE(grid));
   const double start = threadSeconds(), startProcess = processSeconds();
+  const int paintsBefore = paints;
   for (int page = 0; page < pages; ++page) {
     gtk_adjustment_set_value(adjustment, gtk_adjustment_get_value(adjustment) + gtk_adjustment_get_page_size(adjustment));
     waitForPaint();
   }
   report("GtkGridView", pages, threadSeconds() - start, processSeconds() - startProcess);
+  std::fprintf(stderr, "%.2f frames per page\n", double(paints - paintsBefore) / pages);
+  writeNodes(toplevel);
   int shown = 0;
   for (GtkWidget* child = gtk_widget_get_first_child(grid); child; child = gtk_widget_get_next_sibling(child)) {
     graphene_rect_t bounds;
