@@ -5,7 +5,8 @@
 // context (MCGraphicsContext::createRecording) at the display's scale, whose images become texture
 // nodes kept per image across frames (MCGtkTextureCache), solid rectangles colour nodes, plain text
 // text nodes, and the rest Cairo nodes in their place (MCGtkSnapshotSink); so GTK's GL renderer
-// draws the thumbnails on the GPU. The widget follows its allocation with the window's content
+// draws the thumbnails on the GPU. A fill that an opaque fill after it covers is left out, and so
+// is GTK's background of a toplevel of presentInNewWindow while the window's opaque one covers it. The widget follows its allocation with the window's content
 // size, and turns GTK's input into
 // MCEvents through the one mapping table of MCWindowHost.h. Presses, releases and motion come
 // from a legacy event controller (GTK's click gesture cancels itself when the pointer moves and
