@@ -122,7 +122,8 @@ struct Source : MCBrowserViewDataSource {
   void updateHeaderCell(MCBrowserView&, MCBrowserViewCell&, uint64_t) override {}
 };
 
-/// With BENCH_NODES set, writes the toplevel's render nodes of the present frame to that file.
+/// With BENCH_NODES set, writes the render nodes of the toplevel's content (its own CSS background left
+/// out) in the present frame to that file.
 void writeNodes(GtkWidget* toplevel) {
   const char* path = std::getenv("BENCH_NODES");
   if (!path) return;
