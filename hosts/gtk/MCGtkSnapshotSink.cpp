@@ -77,11 +77,12 @@ void MCGtkSnapshotSink::flushPendingFill() {
 bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawingImageOp& op) {
   const MCDeviceTransform& m = op.transform;
   if (op.nearest || m.xy != 0 || m.yx != 0) return false;
+  const double w = m.xx * double(image->width()), h = m.yy * double(image->height());
+  const MCRect target = MCMakeRect(std::min(m.x0, m.x0 + w), std::min(m.y0, m.y0 + h), std::fabs(w), std::fabs(h));
+  if (cairoImages_) return drawImageWithCairo(image, op, target);
   GdkTexture* texture = textures_.textureForImage(image);
   if (!texture) return false;
   flushPendingFill();
-  const double w = m.xx * double(image->width()), h = m.yy * double(image->height());
-  const MCRect target = MCMakeRect(std::min(m.x0, m.x0 + w), std::min(m.y0, m.y0 + h), std::fabs(w), std::fabs(h));
   const int pushed = pushClip(op.clip, target);
   if (op.alpha < 1) gtk_snapshot_push_opacity(snapshot_, op.alpha);
   if (w > 0 && h > 0) {
@@ -91,6 +92,29 @@ bool MCGtkSnapshotSink::drawImage(const MCRasterImageRef& image, const MCDrawing
     drawMirrored(texture, target, w < 0, h < 0);
   }
   if (op.alpha < 1) gtk_snapshot_pop(snapshot_);
+  pop(pushed);
+  ++counts_.texture;
+  return true;
+}
+
+bool MCGtkSnapshotSink::drawImageWithCairo(const MCRasterImageRef& image, const MCDrawingImageOp& op,
+                                           const MCRect& target) {
+  cairo_surface_t* surface = textures_.surfaceForImage(image);
+  if (!surface) return false;
+  flushPendingFill();
+  const int pushed = pushClip(op.clip, target);
+  const graphene_rect_t bounds = grapheneRect(target);
+  cairo_t* cr = gtk_snapshot_append_cairo(snapshot_, &bounds);
+  cairo_rectangle(cr, target.origin.x, target.origin.y, target.size.width, target.size.height);
+  cairo_clip(cr);
+  const cairo_matrix_t m = {op.transform.xx, op.transform.yx, op.transform.xy, op.transform.yy, op.transform.x0,
+                            op.transform.y0};
+  cairo_transform(cr, &m);
+  cairo_set_source_surface(cr, surface, 0, 0);
+  cairo_pattern_set_filter(cairo_get_source(cr), CAIRO_FILTER_GOOD);
+  cairo_pattern_set_extend(cairo_get_source(cr), CAIRO_EXTEND_PAD);
+  cairo_paint_with_alpha(cr, op.alpha);
+  cairo_destroy(cr);
   pop(pushed);
   ++counts_.texture;
   return true;

@@ -21,7 +21,10 @@ typedef struct _GdkTexture GdkTexture;
 class MCGtkSnapshotSink : public MCDrawingSink {
  public:
   /// A sink that appends to `snapshot`, whose units must be the context's device pixels.
-  MCGtkSnapshotSink(GdkSnapshot* snapshot, MCGtkTextureCache& textures) : snapshot_(snapshot), textures_(textures) {}
+  /// With `cairoImages` (GTK's Cairo renderer, which converts a texture's every pixel each time it
+  /// draws one) images become Cairo nodes that paint the cache's image surfaces.
+  MCGtkSnapshotSink(GdkSnapshot* snapshot, MCGtkTextureCache& textures, bool cairoImages = false)
+      : snapshot_(snapshot), textures_(textures), cairoImages_(cairoImages) {}
 
   void drawRecording(cairo_surface_t* recording, const MCRect& inkExtents) override;
   bool fillRect(const MCRect& rect, const MCDrawingClip& clip, double red, double green, double blue,
@@ -43,9 +46,11 @@ class MCGtkSnapshotSink : public MCDrawingSink {
   void pop(int count);
   /// A texture drawn upright and turned about the middle of `target` across one axis or both.
   void drawMirrored(GdkTexture* texture, const MCRect& target, bool acrossX, bool acrossY);
+  bool drawImageWithCairo(const MCRasterImageRef& image, const MCDrawingImageOp& op, const MCRect& target);
 
   GdkSnapshot* snapshot_;
   MCGtkTextureCache& textures_;
+  bool cairoImages_;
   Counts counts_;
   struct PendingFill {
     MCRect rect;

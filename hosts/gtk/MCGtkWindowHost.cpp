@@ -413,7 +413,9 @@ void MCGtkWindowHost::snapshot(GdkSnapshot* snapshot) {
   const MCSize size = window_->contentSize();
   const double scale = backingScaleFactor();
   const std::size_t width = std::size_t(std::ceil(size.width * scale)), height = std::size_t(std::ceil(size.height * scale));
-  MCGtkSnapshotSink sink(snapshot, *textures_);
+  GtkNative* native = gtk_widget_get_native(widget_);
+  GskRenderer* renderer = native ? gtk_native_get_renderer(native) : nullptr;
+  MCGtkSnapshotSink sink(snapshot, *textures_, renderer && GSK_IS_CAIRO_RENDERER(renderer));
   auto context = MCGraphicsContext::createRecording(width, height, &sink);
   if (!context) return;
   gtk_snapshot_save(snapshot);
