@@ -549,9 +549,6 @@ void MCGraphicsContext::showLayout(PangoLayout* layout, bool glyphsOnly) {
       double x = 0, y = 0;
       if (cairo_has_current_point(cr_)) cairo_get_current_point(cr_, &x, &y);
       cairo_user_to_device(cr_, &x, &y);
-      // Lay the text out again for the transform it is shown with: Pango hints for its context's.
-      pango_cairo_update_context(cr_, pango_layout_get_context(layout));
-      pango_layout_context_changed(layout);
       MCDrawingTextOp op;
       op.transform = {m.xx, 0, 0, m.yy, x, y};
       op.clip = clip;
