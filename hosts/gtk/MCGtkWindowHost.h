@@ -89,11 +89,18 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   bool isShown() const;
   /// How many image textures the host keeps for the frames to come; for tests and benchmarks.
   std::size_t numberOfCachedTextures() const;
-  /// How many render nodes of each kind the last frame made (Cairo, colour, texture, text); for
-  /// tests and benchmarks.
+  /// How many render nodes of each kind a frame made.
   struct FrameNodeCounts {
-    std::size_t cairo = 0, color = 0, texture = 0, text = 0;
+    /// Runs of drawing GTK got as Cairo nodes.
+    std::size_t cairo = 0;
+    /// Solid rectangles.
+    std::size_t color = 0;
+    /// Images.
+    std::size_t texture = 0;
+    /// Text layouts.
+    std::size_t text = 0;
   };
+  /// How many render nodes of each kind the last frame made; for tests and benchmarks.
   const FrameNodeCounts& lastFrameNodeCounts() const { return lastFrameCounts_; }
 
   // MCWindowHost

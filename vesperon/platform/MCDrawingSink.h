@@ -20,22 +20,39 @@ typedef struct _PangoLayout PangoLayout;
 
 /// An affine map in device pixels: x' = xx x + xy y + x0, y' = yx x + yy y + y0 (Cairo's order).
 struct MCDeviceTransform {
-  double xx = 1, yx = 0, xy = 0, yy = 1, x0 = 0, y0 = 0;
+  /// How far x' moves per unit of x.
+  double xx = 1;
+  /// How far y' moves per unit of x.
+  double yx = 0;
+  /// How far x' moves per unit of y.
+  double xy = 0;
+  /// How far y' moves per unit of y.
+  double yy = 1;
+  /// Where the origin goes across.
+  double x0 = 0;
+  /// Where the origin goes down.
+  double y0 = 0;
 };
 
 /// The clip of an op in device pixels: a rectangle, and inside it a rectangle with rounded corners
 /// when `radius` > 0.
 struct MCDrawingClip {
+  /// The clip's rectangle.
   MCRect rect;
+  /// The rectangle whose corners are rounded, when `radius` > 0.
   MCRect rounded;
+  /// The corners' radius; 0 for none.
   double radius = 0;
 };
 
 /// An image op: `transform` takes the image's pixel grid (0..width × 0..height, its first row at
 /// y = 0) into device pixels.
 struct MCDrawingImageOp {
+  /// From the image's pixel grid into device pixels.
   MCDeviceTransform transform;
+  /// Where the image may show.
   MCDrawingClip clip;
+  /// The opacity the image is drawn with, 0 to 1.
   double alpha = 1;
   /// Nearest-neighbour sampling was asked for.
   bool nearest = false;
@@ -43,11 +60,18 @@ struct MCDrawingImageOp {
 
 /// A text op: the layout's top left at (x0, y0), its units scaled by xx and yy (both positive).
 struct MCDrawingTextOp {
+  /// Where the layout's top left goes, and its scale.
   MCDeviceTransform transform;
+  /// Where the text may show.
   MCDrawingClip clip;
+  /// The opacity the text is drawn with, 0 to 1.
   double alpha = 1;
-  /// The colour of text without a colour attribute of its own, sRGB, not premultiplied.
-  double red = 0, green = 0, blue = 0;
+  /// The colour of text without a colour attribute of its own, sRGB, not premultiplied: red.
+  double red = 0;
+  /// Green, as red.
+  double green = 0;
+  /// Blue, as red.
+  double blue = 0;
 };
 
 class MCDrawingSink {
