@@ -1,7 +1,6 @@
 #include <vesperon/catalogue/MCCatalogue.h>
 
-#include <vesperon/catalogue/MCCatalogueCoding.h>
-#include <vesperon/catalogue/MCCataloguePredicateSQL.h>
+#include <vesperon/catalogue/MCCatalogueSQLiteStore.h>
 #include <vesperon/catalogue/MCSearchableProperties.h>
 #include <vesperon/controls/MCColorLabelMapper.h>
 #include <vesperon/core/MCLog.h>
@@ -9,81 +8,18 @@
 #include <vesperon/platform/MCPlatformOperation.h>
 #include <vesperon/platform/MCPlatformOperationQueue.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
-#include <vesperon/predicates/MCPredicateDate.h>
 
-#include <sqlite3.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <thread>
-#include <unordered_map>
 
 namespace fs = std::filesystem;
-using namespace mc_detail;
 
 namespace {
 
-// Each entry takes the schema from the version before it to its own number (its index plus one).
-// A released entry is never edited; a change of schema is a new entry.
-const std::vector<std::string>& migrations() {
-  static const std::vector<std::string> steps = [] {
-    std::string files =
-        "CREATE TABLE roots(path BLOB PRIMARY KEY, offline INTEGER NOT NULL DEFAULT 0, scanned_at INTEGER);"
-        "CREATE TABLE files(id INTEGER PRIMARY KEY, path BLOB NOT NULL UNIQUE, name BLOB NOT NULL,"
-        " device INTEGER NOT NULL, inode INTEGER NOT NULL, size INTEGER NOT NULL, mtime_ns INTEGER NOT NULL,"
-        " mtime_s INTEGER NOT NULL, sidecar_size INTEGER NOT NULL, sidecar_mtime_ns INTEGER NOT NULL,"
-        " media_type TEXT, readable INTEGER NOT NULL, irregular INTEGER NOT NULL, capture_instant REAL,"
-        " color_label INTEGER NOT NULL DEFAULT 0";
-    // The key-path columns have no declared type, so that SQLite keeps each value as it was bound:
-    // a text "100" stays a text, as it is in the dictionary.
-    for (const auto& column : MCCatalogueColumns()) files += std::string(", ") + column.column;
-    // The dictionaries lie in a table of their own, so that a query that reads only the columns
-    // walks rows of a few hundred bytes, not of a few kilobytes.
-    files += ");"
-             "CREATE TABLE properties(id INTEGER PRIMARY KEY, json TEXT NOT NULL);"
-             "CREATE TRIGGER files_deleted AFTER DELETE ON files BEGIN DELETE FROM properties WHERE id = old.id; END;"
-             "CREATE INDEX files_capture ON files(capture_instant);"
-             "CREATE INDEX files_model ON files(model);"
-             "CREATE INDEX files_iso ON files(iso);"
-             "CREATE INDEX files_f_number ON files(f_number);";
-    return std::vector<std::string>{files};
-  }();
-  return steps;
-}
-
 void logError(const std::string& message) { MCLog::sdkFileSystem()->logError("MCCatalogue: " + message); }
-
-struct Statement {
-  sqlite3_stmt* statement = nullptr;
-  Statement(sqlite3* db, const std::string& sql) {
-    if (sqlite3_prepare_v2(db, sql.c_str(), int(sql.size()), &statement, nullptr) != SQLITE_OK)
-      throw MCCatalogueError(std::string("cannot prepare a statement: ") + sqlite3_errmsg(db));
-  }
-  ~Statement() { sqlite3_finalize(statement); }
-  Statement(const Statement&) = delete;
-  Statement& operator=(const Statement&) = delete;
-  operator sqlite3_stmt*() const { return statement; }
-  void bindBlob(int at, const std::string& bytes) { sqlite3_bind_blob(statement, at, bytes.data(), int(bytes.size()), SQLITE_TRANSIENT); }
-  std::string blob(int column) const {
-    const void* bytes = sqlite3_column_blob(statement, column);
-    return std::string(static_cast<const char*>(bytes ? bytes : ""), std::size_t(sqlite3_column_bytes(statement, column)));
-  }
-};
-
-void execute(sqlite3* db, const std::string& sql) {
-  char* message = nullptr;
-  if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &message) != SQLITE_OK) {
-    const std::string text = message ? message : sqlite3_errmsg(db);
-    sqlite3_free(message);
-    throw MCCatalogueError(text);
-  }
-}
-
-// The rows under a folder: paths that begin with the folder and a slash ('0' follows '/').
-std::pair<std::string, std::string> rangeOf(const std::string& folder) { return {folder + "/", folder + "0"}; }
 
 std::string storedForm(const fs::path& folder) {
   std::string text = fs::absolute(folder).lexically_normal().string();
@@ -91,91 +27,32 @@ std::string storedForm(const fs::path& folder) {
   return text;
 }
 
-std::string uriOf(const fs::path& file, bool immutable) {
-  std::string uri = "file:";
-  for (unsigned char c : file.string()) {
-    if (c == '?' || c == '#' || c == '%' || c < 0x20) {
-      char escaped[4];
-      std::snprintf(escaped, sizeof escaped, "%%%02X", c);
-      uri += escaped;
-    } else {
-      uri += char(c);
-    }
-  }
-  return uri + (immutable ? "?mode=ro&immutable=1" : "?mode=ro");
+std::string shownForm(const fs::path& folder) {
+  std::string text = folder.string();
+  while (text.size() > 1 && text.back() == '/') text.pop_back();
+  return text;
 }
 
-bool folderIsWritable(const fs::path& folder) { return ::access(folder.c_str(), W_OK) == 0; }
-
-struct Identity {
-  int64_t device = 0, inode = 0, size = 0, mtimeNs = 0, mtimeS = 0, sidecarSize = -1, sidecarMtimeNs = -1;
-  bool sameFile(const Identity& o) const {
-    return device == o.device && inode == o.inode && size == o.size && mtimeNs == o.mtimeNs && sidecarSize == o.sidecarSize &&
-           sidecarMtimeNs == o.sidecarMtimeNs;
-  }
-};
-
-std::optional<Identity> identityOf(const fs::path& file) {
+std::optional<MCCatalogueFileIdentity> identityOf(const fs::path& file) {
   struct stat st {};
   if (::stat(file.c_str(), &st) != 0) return std::nullopt;
-  Identity identity;
+  MCCatalogueFileIdentity identity;
   identity.device = int64_t(st.st_dev);
   identity.inode = int64_t(st.st_ino);
   identity.size = int64_t(st.st_size);
-  identity.mtimeS = int64_t(st.st_mtim.tv_sec);
-  identity.mtimeNs = identity.mtimeS * 1000000000 + st.st_mtim.tv_nsec;
+  identity.modificationNs = int64_t(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
   struct stat sidecar {};
   if (::stat(MCSidecarPathOfFile(file).c_str(), &sidecar) == 0) {
     identity.sidecarSize = int64_t(sidecar.st_size);
-    identity.sidecarMtimeNs = int64_t(sidecar.st_mtim.tv_sec) * 1000000000 + sidecar.st_mtim.tv_nsec;
+    identity.sidecarModificationNs = int64_t(sidecar.st_mtim.tv_sec) * 1000000000 + sidecar.st_mtim.tv_nsec;
   }
   return identity;
-}
-
-struct Record {
-  fs::path path;
-  Identity identity;
-  std::optional<std::string> type;
-  MCDictionary properties;
-  bool readable = false;
-  long colorLabel = 0;
-};
-
-// Binds a dictionary value to a key-path column; false when the value does not fit one (an
-// array, a dictionary, bytes, a comment, none, NaN), which makes the row irregular.
-bool bindColumnValue(sqlite3_stmt* statement, int at, const MCValue* value, bool arrayElement) {
-  if (!value) {
-    sqlite3_bind_null(statement, at);
-    return true;
-  }
-  if (arrayElement) {
-    const MCArray* items = value->array();
-    if (!items || items->size() != 1) return false;
-    value = &items->front();
-  }
-  if (value->isBool() || value->isInteger()) {
-    sqlite3_bind_int64(statement, at, *value->integerValue());
-  } else if (value->isDouble() || value->isRational()) {
-    const double number = *value->doubleValue();
-    if (std::isnan(number)) return false;
-    sqlite3_bind_double(statement, at, number);
-  } else if (const std::string* text = value->string()) {
-    sqlite3_bind_text(statement, at, text->data(), int(text->size()), SQLITE_TRANSIENT);
-  } else {
-    return false;
-  }
-  return true;
 }
 
 class ScanOperation : public MCPlatformOperation {
  public:
   std::function<void(ScanOperation&)> work;
   void main() override { work(*this); }
-};
-
-// Grants the scan's cancel flag to an operation's own.
-struct CancelBridge {
-  std::atomic<bool> flag{false};
 };
 
 }  // namespace
@@ -192,186 +69,27 @@ fs::path MCCatalogue::defaultLocation() {
   return base / "vesperon" / "catalogue.db";
 }
 
-MCCatalogue::MCCatalogue(fs::path file, sqlite3* db, bool readOnly) : file_(std::move(file)), db_(db), readOnly_(readOnly) {}
+MCCatalogue::MCCatalogue(std::shared_ptr<MCCatalogueStore> store) : store_(std::move(store)), file_(store_->location()) {}
 
-MCCatalogue::~MCCatalogue() { sqlite3_close_v2(db_); }
+MCCatalogue::~MCCatalogue() = default;
 
 std::shared_ptr<MCCatalogue> MCCatalogue::open(const fs::path& file, std::string* error) {
-  auto refuse = [&](const std::string& message) -> std::shared_ptr<MCCatalogue> {
-    logError(message);
-    if (error) *error = message;
-    return nullptr;
-  };
-  std::error_code ec;
-  const fs::path folder = file.parent_path().empty() ? fs::path(".") : file.parent_path();
-  fs::create_directories(folder, ec);
-  const bool exists = fs::exists(file, ec);
-  if (exists && !fs::is_regular_file(file, ec)) return refuse(file.string() + " is not a regular file");
-  const bool readOnly = exists ? ::access(file.c_str(), W_OK) != 0 || !folderIsWritable(folder) : false;
-  if (!exists && !folderIsWritable(folder)) return refuse("cannot create " + file.string() + ": its folder is not writable");
-
-  for (int attempt = 0; attempt < 2; ++attempt) {
-    sqlite3* db = nullptr;
-    const int opened = readOnly ? sqlite3_open_v2(uriOf(file, !folderIsWritable(folder)).c_str(), &db,
-                                                  SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr)
-                                : sqlite3_open_v2(file.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr);
-    if (opened != SQLITE_OK) {
-      const std::string message = db ? sqlite3_errmsg(db) : "out of memory";
-      sqlite3_close_v2(db);
-      return refuse("cannot open " + file.string() + ": " + message);
-    }
-    sqlite3_busy_timeout(db, 10000);
-    // Reading the schema is what finds a file that is not a database, or a damaged one; nothing
-    // is written before the version is known.
-    int version = -1;
-    int status = sqlite3_exec(db, "SELECT count(*) FROM sqlite_master", nullptr, nullptr, nullptr);
-    if (status == SQLITE_OK) {
-      sqlite3_stmt* statement = nullptr;
-      status = sqlite3_prepare_v2(db, "PRAGMA user_version", -1, &statement, nullptr);
-      if (status == SQLITE_OK && sqlite3_step(statement) == SQLITE_ROW) version = sqlite3_column_int(statement, 0);
-      else if (status == SQLITE_OK) status = sqlite3_errcode(db);
-      sqlite3_finalize(statement);
-    }
-    if (status == SQLITE_NOTADB || status == SQLITE_CORRUPT) {
-      const std::string reason = sqlite3_errmsg(db);
-      sqlite3_close_v2(db);
-      if (readOnly || attempt > 0) return refuse(file.string() + " is damaged (" + reason + ") and cannot be replaced");
-      const auto stamp = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
-      const fs::path aside = file.string() + ".corrupt-" + std::to_string(stamp);
-      fs::rename(file, aside, ec);
-      if (ec) return refuse(file.string() + " is damaged (" + reason + ") and cannot be moved aside: " + ec.message());
-      for (const char* suffix : {"-wal", "-shm"}) fs::remove(file.string() + suffix, ec);
-      logError(file.string() + " is damaged (" + reason + "); moved aside to " + aside.string() + ", a new catalogue is made");
-      continue;
-    }
-    if (status != SQLITE_OK) {
-      const std::string message = sqlite3_errmsg(db);
-      sqlite3_close_v2(db);
-      return refuse("cannot read " + file.string() + ": " + message);
-    }
-    const int current = int(migrations().size());
-    if (version > current) {
-      sqlite3_close_v2(db);
-      return refuse(file.string() + " has schema version " + std::to_string(version) +
-                    ", newer than this library's " + std::to_string(current) +
-                    "; it was written by a newer Vesperon and is left untouched");
-    }
-    if (readOnly) {
-      if (version < current) {
-        sqlite3_close_v2(db);
-        return refuse(file.string() + " is read-only and has schema version " + std::to_string(version) +
-                      ", which would need migrating to " + std::to_string(current));
-      }
-      return std::shared_ptr<MCCatalogue>(new MCCatalogue(file, db, true));
-    }
-    try {
-      execute(db, "PRAGMA journal_mode=WAL; PRAGMA synchronous=NORMAL");
-      execute(db, "BEGIN IMMEDIATE");
-      // Another process may have migrated while this one waited for the lock.
-      sqlite3_stmt* statement = nullptr;
-      sqlite3_prepare_v2(db, "PRAGMA user_version", -1, &statement, nullptr);
-      version = sqlite3_step(statement) == SQLITE_ROW ? sqlite3_column_int(statement, 0) : version;
-      sqlite3_finalize(statement);
-      if (version > current) throw MCCatalogueError("schema version " + std::to_string(version) + " is newer than this library's");
-      for (int step = version; step < current; ++step) execute(db, migrations()[std::size_t(step)]);
-      if (version < current) execute(db, "PRAGMA user_version = " + std::to_string(current));
-      execute(db, "COMMIT");
-    } catch (const MCCatalogueError& e) {
-      sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
-      sqlite3_close_v2(db);
-      return refuse("cannot prepare " + file.string() + ": " + e.what());
-    }
-    return std::shared_ptr<MCCatalogue>(new MCCatalogue(file, db, false));
-  }
-  return refuse("cannot open " + file.string());
+  return withStore(MCCatalogueSQLiteStore::open(file, error));
 }
 
-sqlite3* MCCatalogue::openReader() const {
-  sqlite3* db = nullptr;
-  const bool immutable = readOnly_ && !folderIsWritable(file_.parent_path().empty() ? fs::path(".") : file_.parent_path());
-  const int status = sqlite3_open_v2(uriOf(file_, immutable).c_str(), &db,
-                                     SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX, nullptr);
-  if (status != SQLITE_OK) {
-    const std::string message = db ? sqlite3_errmsg(db) : "out of memory";
-    sqlite3_close_v2(db);
-    throw MCCatalogueError("cannot read " + file_.string() + ": " + message);
-  }
-  sqlite3_busy_timeout(db, 10000);
-  return db;
+std::shared_ptr<MCCatalogue> MCCatalogue::withStore(std::shared_ptr<MCCatalogueStore> store) {
+  if (!store) return nullptr;
+  return std::shared_ptr<MCCatalogue>(new MCCatalogue(std::move(store)));
 }
 
 MCCatalogueScanProgress MCCatalogue::scan(const std::vector<fs::path>& roots, MCCatalogueScanDelegate* delegate,
                                           const std::atomic<bool>* cancel) {
-  if (readOnly_) throw MCCatalogueError(file_.string() + " is read-only: it cannot be scanned into");
-  std::lock_guard lock(writeLock_);
+  if (isReadOnly()) throw MCCatalogueError(file_.string() + " is read-only: it cannot be scanned into");
+  std::lock_guard lock(scanLock_);
   MCCatalogueScanProgress progress;
   auto cancelled = [&] { return cancel && cancel->load(); };
   auto tell = [&] {
     if (delegate) delegate->scanProgress(progress);
-  };
-
-  std::string columns = "path, name, device, inode, size, mtime_ns, mtime_s, sidecar_size, sidecar_mtime_ns, media_type,"
-                        " readable, irregular, capture_instant, color_label";
-  std::string values = "?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?";
-  for (const auto& column : MCCatalogueColumns()) {
-    columns += std::string(", ") + column.column;
-    values += ", ?";
-  }
-  // An update keeps the row's id, which its dictionary's row shares.
-  std::string updates;
-  std::size_t from = 0;
-  while (from < columns.size()) {
-    std::size_t comma = columns.find(',', from);
-    if (comma == std::string::npos) comma = columns.size();
-    std::string name = columns.substr(from, comma - from);
-    name.erase(0, name.find_first_not_of(' '));
-    if (name != "path") updates += (updates.empty() ? "" : ", ") + name + " = excluded." + name;
-    from = comma + 1;
-  }
-  Statement insert(db_, "INSERT INTO files(" + columns + ") VALUES(" + values + ") ON CONFLICT(path) DO UPDATE SET " +
-                            updates + " RETURNING id");
-  Statement insertProperties(db_, "INSERT OR REPLACE INTO properties(id, json) VALUES(?, ?)");
-  Statement remove(db_, "DELETE FROM files WHERE id = ?");
-  Statement markRoot(db_, "INSERT INTO roots(path, offline, scanned_at) VALUES(?, ?, strftime('%s','now'))"
-                          " ON CONFLICT(path) DO UPDATE SET offline = excluded.offline,"
-                          " scanned_at = CASE WHEN excluded.offline THEN scanned_at ELSE excluded.scanned_at END");
-
-  auto write = [&](const Record& record) {
-    sqlite3_reset(insert);
-    sqlite3_clear_bindings(insert);
-    const std::string path = record.path.string(), name = record.path.filename().string();
-    insert.bindBlob(1, path);
-    insert.bindBlob(2, name);
-    const Identity& id = record.identity;
-    const int64_t numbers[] = {id.device, id.inode, id.size, id.mtimeNs, id.mtimeS, id.sidecarSize, id.sidecarMtimeNs};
-    for (int i = 0; i < 7; ++i) sqlite3_bind_int64(insert, 3 + i, numbers[i]);
-    if (record.type) sqlite3_bind_text(insert, 10, record.type->data(), int(record.type->size()), SQLITE_TRANSIENT);
-    sqlite3_bind_int(insert, 11, record.readable);
-    bool irregular = false;
-    int at = 15;
-    std::optional<double> instant;
-    for (const auto& column : MCCatalogueColumns()) {
-      const auto value = MCPredicateExpression::keyPathExpression(column.keyPath).valueWithObject(record.properties);
-      if (!bindColumnValue(insert, at, value ? &*value : nullptr, column.arrayElement)) {
-        irregular = true;
-        sqlite3_bind_null(insert, at);
-      }
-      if (std::string(column.column) == "capture_date" && value && value->string())
-        instant = MCPredicateDate::instantOfText(*value->string());
-      ++at;
-    }
-    sqlite3_bind_int(insert, 12, irregular);
-    if (instant) sqlite3_bind_double(insert, 13, *instant);
-    sqlite3_bind_int64(insert, 14, record.colorLabel);
-    if (sqlite3_step(insert) != SQLITE_ROW) throw MCCatalogueError(std::string("cannot store a file: ") + sqlite3_errmsg(db_));
-    const int64_t rowID = sqlite3_column_int64(insert, 0);
-    sqlite3_reset(insert);
-    sqlite3_reset(insertProperties);
-    sqlite3_bind_int64(insertProperties, 1, rowID);
-    const std::string json = MCCatalogueEncodeDictionary(record.properties);
-    sqlite3_bind_text(insertProperties, 2, json.data(), int(json.size()), SQLITE_TRANSIENT);
-    if (sqlite3_step(insertProperties) != SQLITE_DONE)
-      throw MCCatalogueError(std::string("cannot store a file's properties: ") + sqlite3_errmsg(db_));
   };
 
   const unsigned readers = std::max(1u, std::min(4u, std::thread::hardware_concurrency()));
@@ -386,49 +104,25 @@ MCCatalogueScanProgress MCCatalogue::scan(const std::vector<fs::path>& roots, MC
       // An unmounted disk or a folder gone: its rows stay, marked offline, until it comes back.
       logError("the root " + stored + " cannot be reached; its files are kept, marked offline");
       ++progress.offlineRoots;
-      if (!isRoot) continue;
-      sqlite3_reset(markRoot);
-      markRoot.bindBlob(1, stored);
-      sqlite3_bind_int(markRoot, 2, 1);
-      sqlite3_step(markRoot);
+      if (isRoot) store_->recordRoot(stored, true);
       continue;
     }
-    struct Known {
-      int64_t id;
-      Identity identity;
-      bool seen = false;
-    };
-    std::unordered_map<std::string, Known> known;
-    {
-      Statement rows(db_, "SELECT id, path, device, inode, size, mtime_ns, sidecar_size, sidecar_mtime_ns FROM files"
-                          " WHERE path > ? AND path < ?");
-      const auto [low, high] = rangeOf(stored);
-      rows.bindBlob(1, low);
-      rows.bindBlob(2, high);
-      while (sqlite3_step(rows) == SQLITE_ROW) {
-        Identity identity;
-        identity.device = sqlite3_column_int64(rows, 2);
-        identity.inode = sqlite3_column_int64(rows, 3);
-        identity.size = sqlite3_column_int64(rows, 4);
-        identity.mtimeNs = sqlite3_column_int64(rows, 5);
-        identity.sidecarSize = sqlite3_column_int64(rows, 6);
-        identity.sidecarMtimeNs = sqlite3_column_int64(rows, 7);
-        known.emplace(rows.blob(1), Known{sqlite3_column_int64(rows, 0), identity});
-      }
-    }
+    auto known = store_->filesUnder(stored);
+    std::vector<std::string> seenPaths;
 
-    std::vector<Record> changed;
+    std::vector<MCCatalogueRecord> changed;
     for (const fs::path& file : MCFindMediaFiles(stored)) {
       ++progress.seen;
       const auto identity = identityOf(file);
       if (!identity) continue;  // gone since it was listed
       auto it = known.find(file.string());
       if (it != known.end()) {
-        it->second.seen = true;
-        if (it->second.identity.sameFile(*identity)) continue;
+        const bool same = it->second.identity == *identity;
+        known.erase(it);  // what is left at the end is gone
+        if (same) continue;
       }
-      Record record;
-      record.path = file;
+      MCCatalogueRecord record;
+      record.path = file.string();
       record.identity = *identity;
       changed.push_back(std::move(record));
     }
@@ -440,13 +134,14 @@ MCCatalogueScanProgress MCCatalogue::scan(const std::vector<fs::path>& roots, MC
       std::atomic<std::size_t> next{start};
       auto readSome = [&] {
         for (std::size_t i = next++; i < end; i = next++) {
-          Record& record = changed[i];
-          if (delegate) delegate->scanWillReadFile(record.path);
-          auto properties = MCMediaPropertiesOfFile(record.path);
+          MCCatalogueRecord& record = changed[i];
+          const fs::path file = record.path;
+          if (delegate) delegate->scanWillReadFile(file);
+          auto properties = MCMediaPropertiesOfFile(file);
           record.readable = properties.has_value();
           record.properties = std::move(properties).value_or(MCDictionary{});
-          record.type = MCTypeIdentifierForURL(record.path);
-          record.colorLabel = MCColorLabelMapper::labelOfFile(record.path);
+          record.type = MCTypeIdentifierForURL(file);
+          record.colorLabel = MCColorLabelMapper::labelOfFile(file);
         }
       };
       std::vector<std::thread> threads;
@@ -454,41 +149,25 @@ MCCatalogueScanProgress MCCatalogue::scan(const std::vector<fs::path>& roots, MC
       readSome();
       for (auto& thread : threads) thread.join();
 
-      execute(db_, "BEGIN IMMEDIATE");
-      try {
-        for (std::size_t i = start; i < end; ++i) {
-          write(changed[i]);
-          ++progress.read;
-          if (!changed[i].readable) ++progress.failed;
-        }
-        execute(db_, "COMMIT");
-      } catch (...) {
-        sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-        throw;
+      store_->store(std::span<const MCCatalogueRecord>(changed.data() + start, end - start));
+      for (std::size_t i = start; i < end; ++i) {
+        ++progress.read;
+        if (!changed[i].readable) ++progress.failed;
+        changed[i].properties.clear();  // written: no need to hold it any longer
       }
       tell();
     }
     if (cancelled()) break;
 
     std::vector<int64_t> gone;
-    for (const auto& [path, row] : known)
-      if (!row.seen) gone.push_back(row.id);
+    gone.reserve(known.size());
+    for (const auto& [path, file] : known) gone.push_back(file.key);
     for (std::size_t start = 0; start < gone.size(); start += kBatchSize) {
-      execute(db_, "BEGIN IMMEDIATE");
-      for (std::size_t i = start; i < std::min(gone.size(), start + kBatchSize); ++i) {
-        sqlite3_reset(remove);
-        sqlite3_bind_int64(remove, 1, gone[i]);
-        sqlite3_step(remove);
-        ++progress.removed;
-      }
-      execute(db_, "COMMIT");
+      const std::size_t count = std::min(gone.size() - start, kBatchSize);
+      store_->remove(std::span<const int64_t>(gone.data() + start, count));
+      progress.removed += count;
     }
-    if (isRoot) {
-      sqlite3_reset(markRoot);
-      markRoot.bindBlob(1, stored);
-      sqlite3_bind_int(markRoot, 2, 0);
-      sqlite3_step(markRoot);
-    }
+    if (isRoot) store_->recordRoot(stored, false);
   }
   progress.cancelled = cancelled();
   tell();
@@ -535,141 +214,46 @@ std::shared_ptr<MCPlatformOperation> MCCatalogue::scanInBackground(MCPlatformOpe
 }
 
 std::vector<fs::path> MCCatalogue::roots() const {
-  sqlite3* db = openReader();
   std::vector<fs::path> out;
-  {
-    Statement rows(db, "SELECT path FROM roots ORDER BY path");
-    while (sqlite3_step(rows) == SQLITE_ROW) out.emplace_back(rows.blob(0));
-  }
-  sqlite3_close_v2(db);
+  for (std::string& root : store_->roots()) out.emplace_back(std::move(root));
   return out;
 }
 
-bool MCCatalogue::isRootOffline(const fs::path& root) const {
-  sqlite3* db = openReader();
-  bool offline = false;
-  {
-    Statement rows(db, "SELECT offline FROM roots WHERE path = ?");
-    rows.bindBlob(1, storedForm(root));
-    offline = sqlite3_step(rows) == SQLITE_ROW && sqlite3_column_int(rows, 0) != 0;
-  }
-  sqlite3_close_v2(db);
-  return offline;
-}
+bool MCCatalogue::isRootOffline(const fs::path& root) const { return store_->isRootOffline(storedForm(root)); }
 
 std::optional<fs::path> MCCatalogue::rootContaining(const fs::path& folder) const {
   const std::string stored = storedForm(folder);
-  for (const fs::path& root : roots()) {
-    const std::string r = root.string();
+  for (const std::string& r : store_->roots()) {
     if (stored == r || (stored.size() > r.size() && stored.compare(0, r.size(), r) == 0 && (r == "/" || stored[r.size()] == '/')))
-      return root;
+      return fs::path(r);
   }
   return std::nullopt;
 }
 
-std::size_t MCCatalogue::fileCount(const fs::path& folder) const {
-  sqlite3* db = openReader();
-  std::size_t count = 0;
-  {
-    Statement rows(db, folder.empty() ? "SELECT count(*) FROM files" : "SELECT count(*) FROM files WHERE path > ? AND path < ?");
-    if (!folder.empty()) {
-      const auto [low, high] = rangeOf(storedForm(folder));
-      rows.bindBlob(1, low);
-      rows.bindBlob(2, high);
-    }
-    if (sqlite3_step(rows) == SQLITE_ROW) count = std::size_t(sqlite3_column_int64(rows, 0));
-  }
-  sqlite3_close_v2(db);
-  return count;
-}
+std::size_t MCCatalogue::fileCount(const fs::path& folder) const { return store_->fileCount(folder.empty() ? "" : storedForm(folder)); }
 
 namespace {
 
-// Runs a query over the files under `folder` that satisfy `predicate`, row by row.
-void query(sqlite3* db, const std::string& select, const MCPredicateNode* predicate, const fs::path& folder,
-           const std::string& order, const std::function<void(const Statement&, MCCataloguePredicateContext&)>& row) {
-  MCCataloguePredicateContext context;
+MCCatalogueQuery queryOf(const MCPredicateNode* predicate, const fs::path& folder) {
+  MCCatalogueQuery query;
+  query.predicate = predicate;
   if (!folder.empty()) {
-    context.storedFolder = storedForm(folder);
-    context.shownFolder = folder.string();
-    while (context.shownFolder.size() > 1 && context.shownFolder.back() == '/') context.shownFolder.pop_back();
+    query.folder = storedForm(folder);
+    query.shownFolder = shownForm(folder);
   }
-  MCCatalogueRegisterFunctions(db, &context);
-  bool translated = true;
-  std::string where = predicate ? MCCatalogueWhereClause(*predicate, context, translated) : "1";
-  if (!folder.empty()) {
-    // A root, or a folder above one, holds most rows: walking the table beats a lookup per row
-    // through the path index, which a small folder inside a root is better served by.
-    bool wide = false;
-    {
-      Statement roots(db, "SELECT 1 FROM roots WHERE path = ?1 OR (path > ?2 AND path < ?3) LIMIT 1");
-      const auto [low, high] = rangeOf(context.storedFolder);
-      roots.bindBlob(1, context.storedFolder);
-      roots.bindBlob(2, low);
-      roots.bindBlob(3, high);
-      wide = sqlite3_step(roots) == SQLITE_ROW;
-    }
-    where = (wide ? "+path > ?1 AND +path < ?2 AND " : "path > ?1 AND path < ?2 AND ") + where;
-  }
-  const std::string join = context.joinsProperties ? " LEFT JOIN properties ON properties.id = files.id" : "";
-  Statement statement(db, select + " FROM files" + join + " WHERE " + where + order);
-  if (!folder.empty()) {
-    const auto [low, high] = rangeOf(context.storedFolder);
-    statement.bindBlob(1, low);
-    statement.bindBlob(2, high);
-  }
-  int status;
-  while ((status = sqlite3_step(statement)) == SQLITE_ROW) row(statement, context);
-  if (status != SQLITE_DONE) {
-    const std::string message = context.error.empty() ? sqlite3_errmsg(db) : context.error;
-    throw MCCatalogueError(message);
-  }
-}
-
-struct Reader {
-  sqlite3* db;
-  ~Reader() { sqlite3_close_v2(db); }
-};
-
-std::string dayOfInstant(int64_t seconds) {
-  const std::time_t when = std::time_t(seconds);
-  std::tm local{};
-  localtime_r(&when, &local);
-  char text[16];
-  std::strftime(text, sizeof text, "%Y-%m-%d", &local);
-  return text;
+  return query;
 }
 
 }  // namespace
 
 std::vector<fs::path> MCCatalogue::filesMatching(const MCPredicateNode* predicate, const fs::path& folder) const {
-  Reader reader{openReader()};
-  std::vector<fs::path> out;
-  query(reader.db, "SELECT path", predicate, folder, "", [&](const Statement& row, MCCataloguePredicateContext& context) {
-    out.push_back(context.shownPath(row.blob(0)));
-  });
+  std::vector<fs::path> out = store_->filesMatching(queryOf(predicate, folder));
   std::sort(out.begin(), out.end());
   return out;
 }
 
 std::vector<MCCatalogueEntry> MCCatalogue::entriesByCaptureDate(const MCPredicateNode* predicate, const fs::path& folder) const {
-  Reader reader{openReader()};
-  std::vector<MCCatalogueEntry> out;
-  query(reader.db, "SELECT path, capture_date, capture_instant, mtime_s", predicate, folder,
-        " ORDER BY coalesce(capture_instant, mtime_s), path", [&](const Statement& row, MCCataloguePredicateContext& context) {
-          MCCatalogueEntry entry;
-          entry.path = context.shownPath(row.blob(0));
-          if (sqlite3_column_type(row, 1) == SQLITE_TEXT) entry.captureDate = row.blob(1);
-          if (sqlite3_column_type(row, 2) != SQLITE_NULL && entry.captureDate.size() >= 10) {
-            // The day the photo was taken where it was taken: the date as the camera wrote it.
-            entry.day = entry.captureDate.substr(0, 10);
-            std::replace(entry.day.begin(), entry.day.end(), ':', '-');
-          } else {
-            entry.day = dayOfInstant(sqlite3_column_int64(row, 3));
-          }
-          out.push_back(std::move(entry));
-        });
-  return out;
+  return store_->entriesByCaptureDate(queryOf(predicate, folder));
 }
 
 std::vector<MCCatalogueDayGroup> MCCatalogue::groupsByDay(const std::vector<MCCatalogueEntry>& entries) {
@@ -682,20 +266,9 @@ std::vector<MCCatalogueDayGroup> MCCatalogue::groupsByDay(const std::vector<MCCa
 }
 
 std::optional<MCDictionary> MCCatalogue::propertiesOfFile(const fs::path& file) const {
-  Reader reader{openReader()};
-  Statement row(reader.db, "SELECT json, size, mtime_s, media_type FROM files JOIN properties USING (id) WHERE path = ?");
-  row.bindBlob(1, storedForm(file));
-  if (sqlite3_step(row) != SQLITE_ROW) return std::nullopt;
-  MCDictionary properties = MCCatalogueDecodeDictionary(row.blob(0)).value_or(MCDictionary{});
-  const auto type = sqlite3_column_type(row, 3) == SQLITE_NULL ? std::nullopt : std::optional(row.blob(3));
-  MCAddSearchableFileAttributes(properties, file, sqlite3_column_int64(row, 1), std::time_t(sqlite3_column_int64(row, 2)), type);
-  return properties;
+  return store_->propertiesOfFile(storedForm(file), file);
 }
 
 std::string MCCatalogue::sqlForPredicate(const MCPredicateNode& predicate, bool* translated) {
-  MCCataloguePredicateContext context;
-  bool exact = true;
-  std::string sql = MCCatalogueWhereClause(predicate, context, exact);
-  if (translated) *translated = exact;
-  return sql;
+  return MCCatalogueSQLiteStore::sqlForPredicate(predicate, translated);
 }

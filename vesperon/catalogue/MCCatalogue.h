@@ -14,20 +14,19 @@
 // batch of files, so a process killed during a scan leaves a database that is consistent, and
 // that the next scan completes.
 //
-// A predicate is answered in SQL: comparisons of a column's key path with a constant become SQL
-// over that column, the rest is evaluated over the stored dictionary inside the same query, so the
-// answer is what `find` gives over the files (as of the last scan).
+// A predicate is answered over the stored properties, exactly as `find` answers it over the files
+// (as of the last scan).
 //
-// The database is in WAL mode with a busy timeout, so several processes may scan and query it at
-// once. Its schema version is kept in the file (PRAGMA user_version) and older files are migrated
-// on open; a file of a newer version is refused with a message and never written. A file that is
-// not a database, or is damaged, is moved aside (to NAME.corrupt-TIME) with a log line and made
-// anew; one that cannot be written (a read-only medium) is opened read-only: queries work, scans
-// fail with a message.
+// The rows lie in a store (MCCatalogueStore): MCCatalogue::open makes the library's own, one
+// SQLite file (MCCatalogueSQLiteStore, which says how the file is kept, versioned and repaired);
+// an application with another store hands it to MCCatalogue::withStore.
 //
-// Threads: every operation may be called on any thread. Writes go through one connection under a
-// lock; each query opens a reader of its own, which WAL lets run beside a scan.
+// Threads: every operation may be called on any thread; scans run one at a time, queries run
+// beside them.
 
+#include <vesperon/catalogue/MCCatalogueEntry.h>
+#include <vesperon/catalogue/MCCatalogueError.h>
+#include <vesperon/catalogue/MCCatalogueStore.h>
 #include <vesperon/predicates/MCPredicateNode.h>
 
 #include <atomic>
@@ -40,7 +39,6 @@
 #include <string>
 #include <vector>
 
-struct sqlite3;
 class MCPlatformOperation;
 class MCPlatformOperationQueue;
 
@@ -65,34 +63,10 @@ class MCCatalogueScanDelegate {
   virtual void scanWillReadFile(const std::filesystem::path&) {}
 };
 
-/// One file of a sorted answer: its path and, when it has one, its capture date.
-struct MCCatalogueEntry {
-  std::filesystem::path path;  ///< the file, as the scan found it
-  /// The Exif capture date as the file holds it ("2024:05:01 10:00:00"), else empty.
-  std::string captureDate;
-  /// The day the entry is grouped under, "YYYY-MM-DD": its capture date's, else its modification
-  /// date's (local time).
-  std::string day;
-};
-
-/// A run of entries of one day in a sorted answer.
-struct MCCatalogueDayGroup {
-  std::string day;        ///< "YYYY-MM-DD"
-  std::size_t first = 0;  ///< index of its first entry
-  std::size_t count = 0;  ///< how many entries it holds
-};
-
-/// Thrown by queries whose predicate cannot be answered within its bounds (see
-/// MCPredicateEvaluationError), and by operations on a catalogue that cannot do them.
-class MCCatalogueError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
 class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
  public:
   /// The schema version this library writes.
-  static constexpr int kSchemaVersion = 1;
+  static constexpr int kSchemaVersion = 1;  // MCCatalogueSQLiteStore::schemaVersion()
   /// Files whose changes go into one transaction.
   static constexpr std::size_t kBatchSize = 200;
 
@@ -103,15 +77,19 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   /// and a log line, when it cannot be opened: a database of a newer schema version, a folder that
   /// cannot be made, a damaged file that cannot be moved aside.
   static std::shared_ptr<MCCatalogue> open(const std::filesystem::path& file, std::string* error = nullptr);
+  /// A catalogue over rows kept in `store` (none for none).
+  static std::shared_ptr<MCCatalogue> withStore(std::shared_ptr<MCCatalogueStore> store);
 
   ~MCCatalogue();
   MCCatalogue(const MCCatalogue&) = delete;
   MCCatalogue& operator=(const MCCatalogue&) = delete;
 
-  /// The database file.
+  /// The database file (the store's location: empty for a store that is not a file).
   const std::filesystem::path& file() const { return file_; }
   /// True when the file could only be opened for reading.
-  bool isReadOnly() const { return readOnly_; }
+  bool isReadOnly() const { return store_->isReadOnly(); }
+  /// Where the rows lie.
+  const std::shared_ptr<MCCatalogueStore>& store() const { return store_; }
 
   /// Brings the rows under each root up to date with the files (see above) and remembers the
   /// roots. Runs on the calling thread, reading files on a few threads of its own; stops between
@@ -159,11 +137,9 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   static std::string sqlForPredicate(const MCPredicateNode& predicate, bool* translated = nullptr);
 
  private:
-  MCCatalogue(std::filesystem::path file, sqlite3* db, bool readOnly);
-  sqlite3* openReader() const;
+  explicit MCCatalogue(std::shared_ptr<MCCatalogueStore> store);
 
+  std::shared_ptr<MCCatalogueStore> store_;
   std::filesystem::path file_;
-  sqlite3* db_;
-  bool readOnly_;
-  mutable std::mutex writeLock_;
+  mutable std::mutex scanLock_;
 };

@@ -1,0 +1,113 @@
+// The SQLite store under MCCatalogue, through the storage interface alone: records stored,
+// replaced and removed, identities read back for a folder and only that folder.
+
+#include <vesperon/catalogue/MCCatalogueSQLiteStore.h>
+#include <vesperon/predicates/MCPredicateParser.h>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+struct TempFolder {
+  fs::path path;
+  TempFolder() {
+    char name[] = "/tmp/vesperon-store-XXXXXX";
+    path = ::mkdtemp(name);
+  }
+  ~TempFolder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
+MCCatalogueRecord record(const std::string& path, const char* model, double fNumber, int64_t mtimeNs) {
+  MCCatalogueRecord r;
+  r.path = path;
+  r.identity = {1, int64_t(std::hash<std::string>{}(path) & 0xffff), 1000, mtimeNs, -1, -1};
+  r.type = "public.jpeg";
+  r.readable = true;
+  r.properties["{TIFF}"] = MCValue(MCDictionary{{"Model", MCValue(model)}});
+  r.properties["{Exif}"] = MCValue(MCDictionary{{"FNumber", MCValue(fNumber)}});
+  return r;
+}
+
+std::vector<std::string> names(const std::vector<fs::path>& paths) {
+  std::vector<std::string> out;
+  for (const auto& p : paths) out.push_back(p.filename().string());
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+}  // namespace
+
+TEST(CatalogueSQLiteStore, StoresReplacesAndRemovesWithinAFolder) {
+  TempFolder temp;
+  auto store = MCCatalogueSQLiteStore::open(temp.path / "c.db");
+  ASSERT_TRUE(store);
+  EXPECT_EQ(store->location(), temp.path / "c.db");
+  // "/p/a-b" sorts between "/p/a" and "/p/a/..." by bytes, and is not under "/p/a".
+  std::vector<MCCatalogueRecord> records = {record("/p/a/1.jpg", "NIKON Z 6", 1.8, 1'700'000'000'123'456'789),
+                                            record("/p/a/sub/2.jpg", "Canon EOS R5", 4.0, 5),
+                                            record("/p/a-b/3.jpg", "NIKON D850", 2.0, -1'500'000'001)};
+  store->store(records);
+  EXPECT_EQ(store->fileCount(""), 3u);
+  EXPECT_EQ(store->fileCount("/p/a"), 2u);
+
+  auto under = store->filesUnder("/p/a");
+  ASSERT_EQ(under.size(), 2u);
+  ASSERT_TRUE(under.count("/p/a/1.jpg"));
+  EXPECT_EQ(under["/p/a/1.jpg"].identity, records[0].identity);
+  EXPECT_EQ(store->filesUnder("/p/a-b")["/p/a-b/3.jpg"].identity, records[2].identity);
+
+  // A record of a stored path replaces its row, properties and all.
+  records[0].properties["{TIFF}"] = MCValue(MCDictionary{{"Model", MCValue("X-T5")}});
+  records[0].identity.size = 2000;
+  store->store(std::span(records.data(), 1));
+  EXPECT_EQ(store->fileCount(""), 3u);
+  EXPECT_EQ(store->filesUnder("/p/a")["/p/a/1.jpg"].identity.size, 2000);
+  const auto nikon = MCPredicateParser::parse("{TIFF}.Model BEGINSWITH[c] \"nikon\" AND {Exif}.FNumber < 2.8");
+  MCCatalogueQuery everything{nikon.predicate.get(), "", ""};
+  EXPECT_EQ(names(store->filesMatching(everything)), std::vector<std::string>{"3.jpg"});
+  MCCatalogueQuery inA{nullptr, "/p/a", "rel/a"};
+  const auto shown = store->filesMatching(inA);
+  EXPECT_EQ(names(shown), (std::vector<std::string>{"1.jpg", "2.jpg"}));
+  EXPECT_TRUE(std::all_of(shown.begin(), shown.end(), [](const fs::path& p) { return p.string().starts_with("rel/a/"); }));
+  const auto properties = store->propertiesOfFile("/p/a/1.jpg", "rel/a/1.jpg");
+  ASSERT_TRUE(properties);
+  EXPECT_EQ(*properties->at("{TIFF}").dictionary()->at("Model").string(), "X-T5");
+  EXPECT_EQ(*properties->at("path").string(), "rel/a/1.jpg");
+
+  const int64_t key = under["/p/a/sub/2.jpg"].key;
+  store->remove(std::span(&key, 1));
+  EXPECT_EQ(store->fileCount("/p/a"), 1u);
+  EXPECT_FALSE(store->propertiesOfFile("/p/a/sub/2.jpg", "/p/a/sub/2.jpg"));
+
+  store->recordRoot("/p/a", false);
+  store->recordRoot("/p/a-b", true);
+  EXPECT_EQ(store->roots(), (std::vector<std::string>{"/p/a", "/p/a-b"}));
+  EXPECT_TRUE(store->isRootOffline("/p/a-b"));
+  EXPECT_FALSE(store->isRootOffline("/p/a"));
+}
+
+TEST(CatalogueSQLiteStore, ReadOnlyFileRefusesWrites) {
+  TempFolder temp;
+  {
+    auto store = MCCatalogueSQLiteStore::open(temp.path / "c.db");
+    ASSERT_TRUE(store);
+    store->store(std::vector<MCCatalogueRecord>{record("/q/1.jpg", "NIKON Z 6", 1.8, 0)});
+  }
+  fs::permissions(temp.path / "c.db", fs::perms::owner_read);
+  if (::access((temp.path / "c.db").c_str(), W_OK) == 0) GTEST_SKIP() << "running as a user who writes anything";
+  auto store = MCCatalogueSQLiteStore::open(temp.path / "c.db");
+  ASSERT_TRUE(store);
+  EXPECT_TRUE(store->isReadOnly());
+  EXPECT_EQ(store->fileCount(""), 1u);
+  EXPECT_THROW(store->store(std::vector<MCCatalogueRecord>{record("/q/2.jpg", "X", 1, 0)}), MCCatalogueError);
+  EXPECT_EQ(store->fileCount(""), 1u);
+}
