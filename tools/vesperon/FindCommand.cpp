@@ -104,8 +104,10 @@ int runFind(const FindSettings& settings) {
   auto catalogue = catalogueFor(settings);
   if (!catalogue) return findInFiles(settings, *parsed.predicate);
   try {
-    for (const fs::path& file : catalogue->filesMatching(parsed.predicate.get(), settings.folder))
-      std::printf("%s\n", file.c_str());
+    for (std::string& file : catalogue->pathsMatching(parsed.predicate.get(), settings.folder)) {
+      file += '\n';
+      std::fwrite(file.data(), 1, file.size(), stdout);
+    }
   } catch (const MCCatalogueError& error) {
     std::fflush(stdout);
     std::fprintf(stderr, "vesperon find: the search stopped: %s\n", error.what());

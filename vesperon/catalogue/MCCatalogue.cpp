@@ -246,9 +246,28 @@ MCCatalogueQuery queryOf(const MCPredicateNode* predicate, const fs::path& folde
 
 }  // namespace
 
+std::vector<std::string> MCCatalogue::pathsMatching(const MCPredicateNode* predicate, const fs::path& folder) const {
+  std::vector<std::string> out = store_->filesMatching(queryOf(predicate, folder));
+  // Path order, as std::filesystem::path compares: name by name, so "a/b" comes before "a-b".
+  // Over paths without empty names that is byte order with the slash below every other byte.
+  auto before = [](const std::string& a, const std::string& b) {
+    const std::size_t n = std::min(a.size(), b.size());
+    const auto* x = reinterpret_cast<const unsigned char*>(a.data());
+    const auto* y = reinterpret_cast<const unsigned char*>(b.data());
+    std::size_t i = 0;
+    while (i < n && x[i] == y[i]) ++i;
+    if (i == n) return a.size() < b.size();
+    const unsigned cx = x[i] == '/' ? 0u : x[i] + 1u, cy = y[i] == '/' ? 0u : y[i] + 1u;
+    return cx < cy;
+  };
+  // A store that keeps rows in the order a scan found them answers in path order already.
+  if (!std::is_sorted(out.begin(), out.end(), before)) std::sort(out.begin(), out.end(), before);
+  return out;
+}
+
 std::vector<fs::path> MCCatalogue::filesMatching(const MCPredicateNode* predicate, const fs::path& folder) const {
-  std::vector<fs::path> out = store_->filesMatching(queryOf(predicate, folder));
-  std::sort(out.begin(), out.end());
+  std::vector<fs::path> out;
+  for (std::string& path : pathsMatching(predicate, folder)) out.emplace_back(std::move(path));
   return out;
 }
 

@@ -121,6 +121,9 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   std::vector<std::filesystem::path> filesMatching(const MCPredicateNode* predicate,
                                                    const std::filesystem::path& folder = {}) const;
 
+  /// The same files as byte strings: cheaper for a long answer that is only printed.
+  std::vector<std::string> pathsMatching(const MCPredicateNode* predicate, const std::filesystem::path& folder = {}) const;
+
   /// The same files as entries sorted for a browser: by capture date (files without one by their
   /// modification date), then path.
   std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCPredicateNode* predicate = nullptr,

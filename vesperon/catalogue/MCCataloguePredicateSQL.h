@@ -32,6 +32,15 @@ const std::vector<MCCatalogueColumn>& MCCatalogueColumns();
 /// What a translated predicate's SQL functions need while its query runs.
 struct MCCataloguePredicateContext {
   std::vector<MCPredicateRef> comparisons;  ///< mc_compare's, by index
+  /// A BEGINSWITH, ENDSWITH or CONTAINS of plain ASCII, by mc_compare's index: over a text of
+  /// plain ASCII its folding is lower-casing, so mc_compare compares bytes and leaves ICU alone.
+  struct AsciiText {
+    bool applies = false;
+    MCPredicateOperatorType type = MCPredicateOperatorType::BeginsWith;
+    bool caseless = false;
+    std::string pattern;  ///< lower-cased when caseless
+  };
+  std::vector<AsciiText> asciiTexts;
   std::vector<MCPredicateRef> parts;        ///< mc_part's, by index (0: the whole predicate)
   std::string error;                        ///< the first evaluation error
   bool joinsProperties = false;             ///< the clause reads properties.json of each row

@@ -49,7 +49,7 @@ class MCCatalogueSQLiteStore final : public MCCatalogueStore {
   void store(std::span<const MCCatalogueRecord> records) override;
   void remove(std::span<const int64_t> keys) override;
   std::size_t fileCount(const std::string& folder) const override;
-  std::vector<std::filesystem::path> filesMatching(const MCCatalogueQuery& query) const override;
+  std::vector<std::string> filesMatching(const MCCatalogueQuery& query) const override;
   std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCCatalogueQuery& query) const override;
   std::optional<MCDictionary> propertiesOfFile(const std::string& path, const std::filesystem::path& shownPath) const override;
 

@@ -94,11 +94,11 @@ class MCCatalogueStore {
   //@{
   /// Files stored under `folder` (all of them for an empty text).
   virtual std::size_t fileCount(const std::string& folder) const = 0;
-  /// The files whose searchable properties satisfy the query's predicate, in any order, exactly
+  /// The files (as shown) whose searchable properties satisfy the query's predicate, in any order, exactly
   /// those `find` gives over the files as they were stored: a part of the predicate the store
   /// cannot answer over its columns it evaluates over the stored dictionary. Throws
   /// MCCatalogueError when an evaluation runs past its bounds.
-  virtual std::vector<std::filesystem::path> filesMatching(const MCCatalogueQuery& query) const = 0;
+  virtual std::vector<std::string> filesMatching(const MCCatalogueQuery& query) const = 0;
   /// The same files as entries, sorted by capture date (files without one by their modification
   /// date), then path.
   virtual std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCCatalogueQuery& query) const = 0;
