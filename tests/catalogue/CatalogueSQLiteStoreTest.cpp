@@ -133,6 +133,18 @@ TEST(CatalogueSQLiteStore, CatalogueListsAnswersInPathOrder) {
   const auto nikons = MCPredicateParser::parse("{TIFF}.Model BEGINSWITH[c] \"nikon\"");
   const auto strings = catalogue->pathsMatching(nikons.predicate.get(), "/p/x/a");
   EXPECT_EQ(strings, (std::vector<std::string>{"/p/x/a/1.jpg", "/p/x/a/b/2.jpg", "/p/x/a/\xff.jpg"}));
+  // Entries in any order are the sorted ones, with the sizes the records gave.
+  auto unordered = catalogue->entries(nullptr, "/p/x/a");
+  auto sorted = catalogue->entriesByCaptureDate(nullptr, "/p/x/a");
+  ASSERT_EQ(unordered.size(), 3u);
+  auto byPath = [](const MCCatalogueEntry& x, const MCCatalogueEntry& y) { return x.path < y.path; };
+  std::sort(unordered.begin(), unordered.end(), byPath);
+  std::sort(sorted.begin(), sorted.end(), byPath);
+  for (std::size_t i = 0; i < unordered.size(); ++i) {
+    EXPECT_EQ(unordered[i].path, sorted[i].path);
+    EXPECT_EQ(unordered[i].day, sorted[i].day);
+    EXPECT_EQ(unordered[i].size, 1000);
+  }
   EXPECT_FALSE(MCCatalogue::withStore(nullptr));
 }
 

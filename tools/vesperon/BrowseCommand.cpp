@@ -43,6 +43,8 @@
 #include <vesperon/toolkit/MCTimer.h>
 
 #include <glib.h>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstring>
@@ -113,6 +115,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   /// The catalogue of `vesperon index`, when the user keeps one: a catalogued folder's capture days
   /// and the filter's properties come from it instead of the files.
   std::shared_ptr<MCCatalogue> catalogue;
+  std::jthread catalogueChecker;  // the folder checked against the catalogue's rows it shows
   std::unique_ptr<BrowseFolderMonitor> monitor;  // files added, removed, renamed, rewritten
   bool regroupWaiting = false;  // days arrived while the viewer showed
 
@@ -129,6 +132,10 @@ struct Browser : std::enable_shared_from_this<Browser> {
   /// Reads the capture days still unknown, in the background.
   /// Gives pending files the capture days the catalogue holds for them, when the folder is catalogued.
   void takeCataloguedDays();
+  /// A catalogued folder too large for its days to be read before it shows: its files, sizes and
+  /// days as the catalogue holds them, so that it shows without walking it first; the folder is
+  /// walked in the background and read again if it differs. False when the catalogue cannot.
+  bool takeCataloguedFolder();
   void readPendingDays();
   /// Files of the folder changed on disk: the grid shows the folder as it is now.
   void folderChanged();
@@ -167,8 +174,14 @@ void Browser::load(const fs::path& newFolder) {
   filter.forgetProperties();
   dayReader.reset();
   regroupWaiting = false;
-  all = BrowseCollection::scan(folder, order);
-  takeCataloguedDays();
+  if (catalogueChecker.joinable()) {
+    catalogueChecker.request_stop();
+    catalogueChecker.join();
+  }
+  if (!takeCataloguedFolder()) {
+    all = BrowseCollection::scan(folder, order);
+    takeCataloguedDays();
+  }
   readPendingDays();
   std::weak_ptr<Browser> weak = weak_from_this();
   monitor = std::make_unique<BrowseFolderMonitor>(folder, [weak](std::set<fs::path>) {
@@ -223,6 +236,44 @@ void Browser::takeCataloguedDays() {
   } catch (const std::exception& error) {
     report(std::string("catalogue unusable: ") + error.what());
   }
+}
+
+bool Browser::takeCataloguedFolder() {
+  constexpr std::size_t kDaysReadBeforeShowing = 5000;  // BrowseCollection::scan's own limit
+  if (!catalogue) return false;
+  std::vector<BrowseFileFacts> facts;
+  auto identities = std::make_shared<std::vector<BrowseCollection::FileIdentity>>();
+  try {
+    if (!catalogue->rootContaining(folder)) return false;
+    std::vector<MCCatalogueEntry> entries = catalogue->entries(nullptr, folder);
+    if (entries.size() <= kDaysReadBeforeShowing) return false;  // the scan reads its days itself
+    facts.reserve(entries.size());
+    identities->reserve(entries.size());
+    for (MCCatalogueEntry& entry : entries) {
+      identities->push_back({entry.path.native(), uint64_t(entry.size), std::time_t(entry.modificationTime)});
+      facts.push_back({std::move(entry.path), std::move(entry.day), std::time_t(entry.modificationTime), uint64_t(entry.size), false});
+    }
+  } catch (const std::exception& error) {
+    report(std::string("catalogue unusable: ") + error.what());
+    return false;
+  }
+  report("catalogue days " + std::to_string(facts.size()));
+  std::weak_ptr<Browser> self = weak_from_this();
+  catalogueChecker = std::jthread([self, reading = folder, identities](std::stop_token stop) {
+    // Behind the first screen's thumbnails, not beside them.
+    ::setpriority(PRIO_PROCESS, ::gettid(), 10);
+    const auto matches = BrowseCollection::folderHolds(*identities, reading, stop);
+    if (!matches) return;
+    MCMainQueue::async([self, reading, same = *matches] {
+      auto b = self.lock();
+      if (!b || b->folder != reading) return;
+      b->report(std::string("catalogue checked: ") + (same ? "the folder is as catalogued" : "the folder changed since"));
+      // Files added, removed or rewritten since the catalogue's last scan: the folder as it is.
+      if (!same) b->folderChanged();
+    });
+  });
+  all = BrowseCollection::withFacts(std::move(facts), order);
+  return true;
 }
 
 void Browser::readPendingDays() {
@@ -735,6 +786,12 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
   // The first screen, once what it shows has arrived (or failed).
   MCMainQueue::runUntil([&] { return b->controller->pendingCount() == 0; }, std::chrono::seconds(60));
   std::string said = b->controller->statusLine();
+  if (settings.report) {
+    // When the first screen was complete, for a benchmark to take from its own start.
+    timespec now {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    std::printf("first-screen %lld.%09ld\n", static_cast<long long>(now.tv_sec), now.tv_nsec);
+  }
   if (!settings.open.empty()) {
     // The viewer, once the sharpest image for it arrived (or could not be had).
     if (!b->openFile(settings.open)) {

@@ -271,6 +271,10 @@ std::vector<fs::path> MCCatalogue::filesMatching(const MCPredicateNode* predicat
   return out;
 }
 
+std::vector<MCCatalogueEntry> MCCatalogue::entries(const MCPredicateNode* predicate, const fs::path& folder) const {
+  return store_->entries(queryOf(predicate, folder));
+}
+
 std::vector<MCCatalogueEntry> MCCatalogue::entriesByCaptureDate(const MCPredicateNode* predicate, const fs::path& folder) const {
   return store_->entriesByCaptureDate(queryOf(predicate, folder));
 }

@@ -470,10 +470,18 @@ std::vector<std::string> MCCatalogueSQLiteStore::filesMatching(const MCCatalogue
 }
 
 std::vector<MCCatalogueEntry> MCCatalogueSQLiteStore::entriesByCaptureDate(const MCCatalogueQuery& question) const {
+  return entriesInOrder(question, " ORDER BY coalesce(capture_instant, mtime_s), path");
+}
+
+std::vector<MCCatalogueEntry> MCCatalogueSQLiteStore::entries(const MCCatalogueQuery& question) const {
+  return entriesInOrder(question, "");
+}
+
+std::vector<MCCatalogueEntry> MCCatalogueSQLiteStore::entriesInOrder(const MCCatalogueQuery& question, const std::string& order) const {
   Reader reader{openReader()};
   std::vector<MCCatalogueEntry> out;
   query(reader.db, "SELECT path, capture_date, capture_instant, mtime_s, size", question,
-        " ORDER BY coalesce(capture_instant, mtime_s), path", [&](const Statement& row, MCCataloguePredicateContext& context) {
+        order, [&](const Statement& row, MCCataloguePredicateContext& context) {
           MCCatalogueEntry entry;
           entry.path = context.shownPath(row.blob(0));
           if (sqlite3_column_type(row, 1) == SQLITE_TEXT) entry.captureDate = row.blob(1);

@@ -51,6 +51,7 @@ class MCCatalogueSQLiteStore final : public MCCatalogueStore {
   std::size_t fileCount(const std::string& folder) const override;
   std::vector<std::string> filesMatching(const MCCatalogueQuery& query) const override;
   std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCCatalogueQuery& query) const override;
+  std::vector<MCCatalogueEntry> entries(const MCCatalogueQuery& query) const override;
   std::optional<MCDictionary> propertiesOfFile(const std::string& path, const std::filesystem::path& shownPath) const override;
 
   /// The WHERE clause a predicate becomes. `translated` is set to true when every part of it
@@ -60,6 +61,7 @@ class MCCatalogueSQLiteStore final : public MCCatalogueStore {
  private:
   MCCatalogueSQLiteStore(std::filesystem::path file, sqlite3* db, bool readOnly);
   sqlite3* openReader() const;
+  std::vector<MCCatalogueEntry> entriesInOrder(const MCCatalogueQuery& query, const std::string& order) const;
 
   std::filesystem::path file_;
   sqlite3* db_;

@@ -102,6 +102,8 @@ class MCCatalogueStore {
   /// The same files as entries, sorted by capture date (files without one by their modification
   /// date), then path.
   virtual std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCCatalogueQuery& query) const = 0;
+  /// The same entries in any order, for a caller that arranges them itself.
+  virtual std::vector<MCCatalogueEntry> entries(const MCCatalogueQuery& query) const = 0;
   /// The stored file's searchable dictionary (its properties and its own attributes, the path
   /// as `shownPath`); none when it is not stored.
   virtual std::optional<MCDictionary> propertiesOfFile(const std::string& path, const std::filesystem::path& shownPath) const = 0;

@@ -2,12 +2,15 @@
 
 #include "../MediaFiles.h"
 
+#include <vesperon/catalogue/MCSearchableProperties.h>
 #include <vesperon/codecs/MCImageReader.h>
 #include <vesperon/metadata/MCExif.h>
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/metadata/MCExifReader.h>
 #include <vesperon/pixels/MCImageTypes.h>
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
+
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <chrono>
@@ -115,42 +118,74 @@ BrowseCollection BrowseCollection::rescanned(const fs::path& folder, std::size_t
   return withFacts(std::move(facts), order_);
 }
 
+std::optional<bool> BrowseCollection::folderHolds(const std::vector<FileIdentity>& files, const fs::path& folder,
+                                                  std::stop_token stop) {
+  std::unordered_map<std::string_view, const FileIdentity*> byPath;
+  byPath.reserve(files.size());
+  for (const FileIdentity& file : files) byPath.emplace(file.path, &file);
+  // The walk findMediaFiles makes, a stat per file, and a stop between any two entries.
+  std::size_t found = 0;
+  std::error_code ec;
+  fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, ec), end;
+  for (; !ec && it != end; it.increment(ec)) {
+    if (stop.stop_requested()) return std::nullopt;
+    std::error_code typeError;
+    if (!it->is_regular_file(typeError)) continue;
+    const auto known = byPath.find(std::string_view(it->path().native()));
+    if (known == byPath.end()) {
+      if (MCIsMediaFileName(it->path())) return false;  // a photo the facts do not hold
+      continue;
+    }
+    ++found;
+    struct stat now {};
+    if (::stat(it->path().c_str(), &now) != 0) return false;
+    if (uint64_t(now.st_size) != known->second->size || std::time_t(now.st_mtim.tv_sec) != known->second->modified)
+      return false;
+  }
+  if (stop.stop_requested()) return std::nullopt;
+  return found == byPath.size();
+}
+
 const BrowseFileFacts* BrowseCollection::factsOfFile(const fs::path& file) const {
-  const auto it = indexes_.find(file.native());
-  return it == indexes_.end() ? nullptr : &facts_[it->second];
+  const auto it = contents_->indexes.find(file.native());
+  return it == contents_->indexes.end() ? nullptr : &contents_->facts[it->second];
 }
 
 BrowseCollection BrowseCollection::withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order) {
   BrowseCollection collection;
-  collection.facts_ = std::move(facts);
+  Contents& contents = *collection.contents_;
+  contents.facts = std::move(facts);
   collection.order_ = order;
-  collection.sizes_.reserve(collection.facts_.size());
-  collection.indexes_.reserve(collection.facts_.size());
-  for (std::size_t i = 0; i < collection.facts_.size(); ++i) {
-    collection.sizes_.emplace(collection.facts_[i].file.native(), collection.facts_[i].size);
-    collection.indexes_.emplace(collection.facts_[i].file.native(), i);
-  }
+  contents.indexes.reserve(contents.facts.size());
+  for (std::size_t i = 0; i < contents.facts.size(); ++i) contents.indexes.emplace(contents.facts[i].file.native(), i);
   collection.arrange();
   return collection;
 }
 
+BrowseCollection::Contents& BrowseCollection::own() {
+  if (contents_.use_count() > 1) contents_ = std::make_shared<Contents>(*contents_);
+  return *contents_;
+}
+
 void BrowseCollection::arrange() {
-  groups_.clear();
-  for (auto& group : BrowseArrange(facts_, order_)) {
+  Contents& contents = own();
+  contents.groups.clear();
+  for (auto& group : BrowseArrange(contents.facts, order_)) {
     BrowseGroup shown{std::move(group.title), {}};
     shown.files.reserve(group.members.size());
-    for (std::size_t i : group.members) shown.files.push_back(facts_[i].file);
-    groups_.push_back(std::move(shown));
+    for (std::size_t i : group.members) shown.files.push_back(contents.facts[i].file);
+    contents.groups.push_back(std::move(shown));
   }
 }
 
 bool BrowseCollection::setCaptureDays(const std::vector<std::pair<fs::path, std::string>>& days) {
   bool changed = false;
   for (const auto& [file, day] : days) {
-    const auto it = indexes_.find(file.native());
-    if (it == indexes_.end()) continue;
-    BrowseFileFacts& about = facts_[it->second];
-    if (!about.dayPending && about.captureDay == day) continue;
+    const auto it = contents_->indexes.find(file.native());
+    if (it == contents_->indexes.end()) continue;
+    const BrowseFileFacts& known = contents_->facts[it->second];
+    if (!known.dayPending && known.captureDay == day) continue;
+    BrowseFileFacts& about = own().facts[it->second];
     about.captureDay = day;
     about.dayPending = false;
     changed = true;
@@ -161,19 +196,19 @@ bool BrowseCollection::setCaptureDays(const std::vector<std::pair<fs::path, std:
 
 std::vector<fs::path> BrowseCollection::filesWithPendingDays() const {
   std::vector<fs::path> files;
-  for (const auto& about : facts_)
+  for (const auto& about : contents_->facts)
     if (about.dayPending) files.push_back(about.file);
   return files;
 }
 
 BrowseCollection BrowseCollection::sorted(const BrowseSortOrder& order) const {
-  if (facts_.empty() && !groups_.empty()) return *this;  // made-up items know no facts
-  return withFacts(facts_, order);
+  if (contents_->facts.empty() && !contents_->groups.empty()) return *this;  // made-up items know no facts
+  return withFacts(contents_->facts, order);
 }
 
 uint64_t BrowseCollection::sizeOfFile(const fs::path& file) const {
-  const auto it = sizes_.find(file.native());
-  return it == sizes_.end() ? 0 : it->second;
+  const BrowseFileFacts* about = factsOfFile(file);
+  return about ? about->size : 0;
 }
 
 BrowseCollection BrowseCollection::synthetic(const std::vector<std::size_t>& groupSizes) {
@@ -183,30 +218,30 @@ BrowseCollection BrowseCollection::synthetic(const std::vector<std::size_t>& gro
     BrowseGroup group{"group " + std::to_string(g), {}};
     group.files.reserve(groupSizes[g]);
     for (std::size_t i = 0; i < groupSizes[g]; ++i) group.files.push_back("/synthetic/" + std::to_string(n++) + ".jpg");
-    collection.groups_.push_back(std::move(group));
+    collection.contents_->groups.push_back(std::move(group));
   }
   return collection;
 }
 
 std::size_t BrowseCollection::numberOfFiles() const {
   std::size_t n = 0;
-  for (const auto& group : groups_) n += group.files.size();
+  for (const auto& group : contents_->groups) n += group.files.size();
   return n;
 }
 
 BrowseCollection BrowseCollection::filtered(const std::function<bool(const std::filesystem::path&)>& keep) const {
-  if (facts_.empty()) {
+  if (contents_->facts.empty()) {
     BrowseCollection out;
-    for (const BrowseGroup& group : groups_) {
+    for (const BrowseGroup& group : contents_->groups) {
       BrowseGroup kept{group.day, {}};
       for (const auto& file : group.files)
         if (keep(file)) kept.files.push_back(file);
-      if (!kept.files.empty()) out.groups_.push_back(std::move(kept));
+      if (!kept.files.empty()) out.contents_->groups.push_back(std::move(kept));
     }
     return out;
   }
   std::vector<BrowseFileFacts> kept;
-  for (const auto& about : facts_)
+  for (const auto& about : contents_->facts)
     if (keep(about.file)) kept.push_back(about);
   return withFacts(std::move(kept), order_);
 }

@@ -10,6 +10,9 @@
 #include <filesystem>
 #include <cstdint>
 #include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -32,6 +35,17 @@ class BrowseCollection {
   BrowseCollection rescanned(const std::filesystem::path& folder, std::size_t exifLimit = 5000) const;
   /// What the scan knows of a file, if the collection holds it.
   const BrowseFileFacts* factsOfFile(const std::filesystem::path& file) const;
+  /// A file as a walk tells whether it changed.
+  struct FileIdentity {
+    std::string path;
+    uint64_t size = 0;
+    std::time_t modified = 0;
+  };
+  /// Whether `folder` holds exactly these files, with these sizes and modification times, as a
+  /// scan would find them: a catalogue's rows stand in for the walk until this says otherwise.
+  /// None when `stop` was requested before the answer was known.
+  static std::optional<bool> folderHolds(const std::vector<FileIdentity>& files, const std::filesystem::path& folder,
+                                         std::stop_token stop);
   /// These files with what is known of them, arranged in `order`.
   static BrowseCollection withFacts(std::vector<BrowseFileFacts> facts, BrowseSortOrder order);
   /// Items laid out in groups of the given sizes (for benchmarks and tests), with made-up names.
@@ -52,9 +66,9 @@ class BrowseCollection {
   /// The files that `keep` answers true for, in the same groups and order; empty groups go.
   BrowseCollection filtered(const std::function<bool(const std::filesystem::path&)>& keep) const;
 
-  const std::vector<BrowseGroup>& groups() const { return groups_; }
+  const std::vector<BrowseGroup>& groups() const { return contents_->groups; }
   std::size_t numberOfFiles() const;
-  const std::filesystem::path& file(std::size_t group, std::size_t item) const { return groups_[group].files[item]; }
+  const std::filesystem::path& file(std::size_t group, std::size_t item) const { return contents_->groups[group].files[item]; }
 
   /// The capture day of one file: its Exif DateTimeOriginal ("2024:05:01 10:00:00", from its own
   /// Exif block or its plug-in's metadata), else the
@@ -62,11 +76,17 @@ class BrowseCollection {
   static std::string captureDay(const std::filesystem::path& file, bool readExif);
 
  private:
+  // What a collection holds, shared by its copies (the browser's own and the grid's) until one
+  // of them changes: a copy of 100,000 files costs as much as a walk of them.
+  struct Contents {
+    std::vector<BrowseFileFacts> facts;
+    std::unordered_map<std::string, std::size_t> indexes;  // of facts, by path
+    std::vector<BrowseGroup> groups;
+  };
+  /// The contents, this collection's own, to change.
+  Contents& own();
   void arrange();
 
-  std::vector<BrowseFileFacts> facts_;
-  std::unordered_map<std::string, uint64_t> sizes_;
-  std::unordered_map<std::string, std::size_t> indexes_;  // of facts_, by path
+  std::shared_ptr<Contents> contents_ = std::make_shared<Contents>();
   BrowseSortOrder order_;
-  std::vector<BrowseGroup> groups_;
 };
