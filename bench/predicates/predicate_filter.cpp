@@ -2,8 +2,9 @@
 // does: camera model begins with "nikon" (any case), f-number below 2.8, size above 1 MB.
 //
 // Ours: the predicate, read from its text form, evaluated against each MCDictionary; and the same
-// predicate compiled once (MCCompiledPredicate), as a filter over a collection runs it (goal: 3x
-// SQLite).
+// predicate compiled once (MCCompiledPredicate) and run over the collection as a whole
+// (countOfObjectsPassing), as a filter over a collection runs it (goal: 3x SQLite, whose
+// SELECT count(*) is the same question over the whole table).
 // Peer, in the same run: SQLite with the same dictionaries as JSON text in an in-memory table,
 // and the same test through json_extract in a WHERE clause (SELECT count(*)). Both must count the
 // same photos. Goal: ahead of SQLite.
@@ -102,9 +103,7 @@ long oursCount() {
 
 long compiledCount() {
   static const MCCompiledPredicate compiled(MCPredicateParser::parse(kPredicate).predicate);
-  long count = 0;
-  for (const auto& photo : photos()) count += compiled.evaluateWithObject(photo);
-  return count;
+  return long(compiled.countOfObjectsPassing(photos()));
 }
 
 long sqliteCount() {

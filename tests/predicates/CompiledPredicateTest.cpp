@@ -127,3 +127,34 @@ TEST(CompiledPredicate, SpecialisedComparisonsAndOrder) {
   EXPECT_THROW(MCCompiledPredicate(runaway.predicate).evaluateWithObject(photo), MCPredicateEvaluationError);
   EXPECT_FALSE(MCCompiledPredicate(nullptr).evaluateWithObject(photo));
 }
+
+TEST(CompiledPredicate, OverACollectionAnswersAsObjectByObject) {
+  std::mt19937 random(20261126);
+  std::vector<MCDictionary> objects;
+  for (int i = 0; i < 500; ++i) objects.push_back(i % 7 == 3 ? MCDictionary{} : randomObject(random));
+  int checked = 0;
+  for (int i = 0; i < 60; ++i) {
+    const auto parsed = MCPredicateParser::parse(randomPredicate(random));
+    if (!parsed) continue;
+    const MCCompiledPredicate compiled(parsed.predicate);
+    std::vector<std::size_t> expected;
+    for (std::size_t j = 0; j < objects.size(); ++j)
+      if (parsed.predicate->evaluateWithObject(objects[j])) expected.push_back(j);
+    EXPECT_EQ(compiled.indexesOfObjectsPassing(objects), expected) << parsed.predicate->predicateFormat();
+    EXPECT_EQ(compiled.countOfObjectsPassing(objects), expected.size());
+    // A part of the collection: indexes count from its start.
+    const std::span<const MCDictionary> tail(objects.data() + 495, 5);
+    std::vector<std::size_t> inTail;
+    for (std::size_t j : expected)
+      if (j >= 495) inTail.push_back(j - 495);
+    EXPECT_EQ(compiled.indexesOfObjectsPassing(tail), inTail);
+    ++checked;
+  }
+  EXPECT_GT(checked, 30);
+  EXPECT_TRUE(MCCompiledPredicate(nullptr).indexesOfObjectsPassing(objects).empty());
+  EXPECT_EQ(MCCompiledPredicate(nullptr).countOfObjectsPassing(objects), 0u);
+  const auto runaway = MCPredicateParser::parse("name MATCHES \"(a+)+$\"");
+  ASSERT_TRUE(runaway);
+  const std::vector<MCDictionary> names{{{"name", "b"}}, {{"name", std::string(40, 'a') + "!"}}};
+  EXPECT_THROW(MCCompiledPredicate(runaway.predicate).countOfObjectsPassing(names), MCPredicateEvaluationError);
+}

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 
 namespace {
 
@@ -117,6 +118,43 @@ std::size_t MCCompiledPredicate::compile(const MCPredicateNode& source) {
 bool MCCompiledPredicate::evaluateWithObject(const MCDictionary& object) const {
   if (!predicate_) return false;
   return evaluate(root_, object);
+}
+
+namespace {
+
+// How far ahead of the object being evaluated its successors' memory is asked for, and how much
+// of it: the nodes of a dictionary built or copied in one go lie near its first one.
+constexpr std::size_t kFetchAhead = 8;
+constexpr std::ptrdiff_t kFetchBefore = 256, kFetchAfter = 768;
+
+void fetchAround(const MCDictionary& object) {
+  if (object.empty()) return;
+  // An address is only a hint to the processor: one past the nodes' memory is never read.
+  const auto first = reinterpret_cast<std::uintptr_t>(&*object.begin());
+  for (std::ptrdiff_t at = -kFetchBefore; at < kFetchAfter; at += 64)
+    __builtin_prefetch(reinterpret_cast<const void*>(first + std::uintptr_t(at)));
+}
+
+}  // namespace
+
+std::vector<std::size_t> MCCompiledPredicate::indexesOfObjectsPassing(std::span<const MCDictionary> objects) const {
+  std::vector<std::size_t> passing;
+  if (!predicate_) return passing;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    if (i + kFetchAhead < objects.size()) fetchAround(objects[i + kFetchAhead]);
+    if (evaluate(root_, objects[i])) passing.push_back(i);
+  }
+  return passing;
+}
+
+std::size_t MCCompiledPredicate::countOfObjectsPassing(std::span<const MCDictionary> objects) const {
+  if (!predicate_) return 0;
+  std::size_t count = 0;
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    if (i + kFetchAhead < objects.size()) fetchAround(objects[i + kFetchAhead]);
+    count += evaluate(root_, objects[i]);
+  }
+  return count;
 }
 
 bool MCCompiledPredicate::compare(const Node& node, const MCValue& left, const MCValue& right) const {
