@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdint>
 
 namespace {
 
@@ -125,35 +124,33 @@ namespace {
 // How far ahead of the object being evaluated its successors' memory is asked for, and how much
 // of it: the nodes of a dictionary built or copied in one go lie near its first one.
 constexpr std::size_t kFetchAhead = 8;
-constexpr std::ptrdiff_t kFetchBefore = 256, kFetchAfter = 768;
-
-void fetchAround(const MCDictionary& object) {
-  if (object.empty()) return;
-  // An address is only a hint to the processor: one past the nodes' memory is never read.
-  const auto first = reinterpret_cast<std::uintptr_t>(&*object.begin());
-  for (std::ptrdiff_t at = -kFetchBefore; at < kFetchAfter; at += 64)
-    __builtin_prefetch(reinterpret_cast<const void*>(first + std::uintptr_t(at)));
-}
+constexpr int kFetchBefore = 256, kFetchAfter = 768;
 
 }  // namespace
 
+template <typename Passing>
+void MCCompiledPredicate::evaluateEach(std::span<const MCDictionary> objects, Passing&& passing) const {
+  for (std::size_t i = 0; i < objects.size(); ++i) {
+    // Written out here rather than in a function of its own: the compiler finds that a function
+    // which only asks for memory does nothing, and drops the calls.
+    if (i + kFetchAhead < objects.size() && !objects[i + kFetchAhead].empty()) {
+      // An address is only a hint to the processor: one outside the nodes' memory is never read.
+      const char* first = reinterpret_cast<const char*>(&*objects[i + kFetchAhead].begin());
+      for (int at = -kFetchBefore; at < kFetchAfter; at += 64) __builtin_prefetch(first + at);
+    }
+    if (evaluate(root_, objects[i])) passing(i);
+  }
+}
+
 std::vector<std::size_t> MCCompiledPredicate::indexesOfObjectsPassing(std::span<const MCDictionary> objects) const {
   std::vector<std::size_t> passing;
-  if (!predicate_) return passing;
-  for (std::size_t i = 0; i < objects.size(); ++i) {
-    if (i + kFetchAhead < objects.size()) fetchAround(objects[i + kFetchAhead]);
-    if (evaluate(root_, objects[i])) passing.push_back(i);
-  }
+  if (predicate_) evaluateEach(objects, [&](std::size_t i) { passing.push_back(i); });
   return passing;
 }
 
 std::size_t MCCompiledPredicate::countOfObjectsPassing(std::span<const MCDictionary> objects) const {
-  if (!predicate_) return 0;
   std::size_t count = 0;
-  for (std::size_t i = 0; i < objects.size(); ++i) {
-    if (i + kFetchAhead < objects.size()) fetchAround(objects[i + kFetchAhead]);
-    count += evaluate(root_, objects[i]);
-  }
+  if (predicate_) evaluateEach(objects, [&](std::size_t) { ++count; });
   return count;
 }
 

@@ -60,6 +60,8 @@ class MCCompiledPredicate {
 
   std::size_t compile(const MCPredicateNode& node);
   bool evaluate(std::size_t index, const MCDictionary& object) const;
+  template <typename Passing>
+  void evaluateEach(std::span<const MCDictionary> objects, Passing&& passing) const;
   bool compare(const Node& node, const MCValue& left, const MCValue& right) const;
 
   MCPredicateRef predicate_;
