@@ -123,8 +123,8 @@ namespace {
 
 // How far ahead of the object being evaluated its successors' memory is asked for, and how much
 // of it: the nodes of a dictionary built or copied in one go lie near its first one.
-constexpr std::size_t kFetchAhead = 8;
-constexpr int kFetchBefore = 256, kFetchAfter = 768;
+constexpr std::size_t kFetchAhead = 12;
+constexpr int kFetchBefore = 128, kFetchAfter = 640;
 
 }  // namespace
 
