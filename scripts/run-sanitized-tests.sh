@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The sanitizer half of `make check` (which runs `make test` first):
 #  1. every test program built with AddressSanitizer and UndefinedBehaviorSanitizer in build-asan;
-#  2. the threaded suites (platform, core, pipeline, plugins — the last holds the program test of
+#  2. the threaded suites (platform, core, pipeline, catalogue, plugins — the last holds the program test of
 #     `vesperon thumbs --cache`) built with ThreadSanitizer in build-tsan.
 # Both folders share compiled objects with later runs through ccache. Any report fails the run:
 # undefined behaviour aborts, AddressSanitizer stops at its first error, ThreadSanitizer exits with
