@@ -122,7 +122,8 @@ bool MCCompiledPredicate::evaluateWithObject(const MCDictionary& object) const {
 namespace {
 
 // How far ahead of the object being evaluated its successors' memory is asked for, and how much
-// of it: the nodes of a dictionary built or copied in one go lie near its first one.
+// of it: the nodes of a dictionary built or copied in one go lie near one another, and its first
+// and last nodes are the two its own header leads to without a walk.
 constexpr std::size_t kFetchAhead = 12;
 constexpr int kFetchBefore = 128, kFetchAfter = 640;
 
@@ -136,7 +137,9 @@ void MCCompiledPredicate::evaluateEach(std::span<const MCDictionary> objects, Pa
     if (i + kFetchAhead < objects.size() && !objects[i + kFetchAhead].empty()) {
       // An address is only a hint to the processor: one outside the nodes' memory is never read.
       const char* first = reinterpret_cast<const char*>(&*objects[i + kFetchAhead].begin());
+      const char* last = reinterpret_cast<const char*>(&*objects[i + kFetchAhead].rbegin());
       for (int at = -kFetchBefore; at < kFetchAfter; at += 64) __builtin_prefetch(first + at);
+      for (int at = -kFetchBefore; at < kFetchAfter; at += 64) __builtin_prefetch(last + at);
     }
     if (evaluate(root_, objects[i])) passing(i);
   }

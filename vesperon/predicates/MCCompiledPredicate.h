@@ -24,8 +24,10 @@ class MCCompiledPredicate {
 
   /// The indexes of the objects that satisfy it, in order: what evaluateWithObject answers for
   /// each, faster over a large collection, whose dictionaries are each a tree of nodes in memory
-  /// of their own. While one object is evaluated, the memory around the nodes of an object a few
-  /// places ahead is fetched, so that the walks of its keys do not wait for it one node at a time.
+  /// of their own. While one object is evaluated, the memory around the first and last nodes of an
+  /// object a few places ahead is fetched, so that the walks of its keys do not wait for memory one
+  /// node at a time. That only pays where a dictionary's nodes lie close together (built or copied
+  /// in one go); it never changes an answer.
   /// May throw MCPredicateEvaluationError, at the first object that does.
   std::vector<std::size_t> indexesOfObjectsPassing(std::span<const MCDictionary> objects) const;
   /// How many of the objects satisfy it (see indexesOfObjectsPassing).
