@@ -96,6 +96,7 @@ TEST(CatalogueSQLiteStore, StoresReplacesAndRemovesWithinAFolder) {
   EXPECT_EQ(store->roots(), (std::vector<std::string>{"/p/a", "/p/a-b"}));
   EXPECT_TRUE(store->isRootOffline("/p/a-b"));
   EXPECT_FALSE(store->isRootOffline("/p/a"));
+  EXPECT_EQ(MCCatalogueSQLiteStore::schemaVersion(), MCCatalogue::kSchemaVersion);
 }
 
 TEST(CatalogueSQLiteStore, ReadOnlyFileRefusesWrites) {

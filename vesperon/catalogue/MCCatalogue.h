@@ -1,6 +1,6 @@
 #pragma once
-// MCCatalogue: the indexed properties of a collection, in one SQLite database, so that a question
-// over tens of thousands of photos does not read them again.
+// MCCatalogue: the indexed properties of a collection, kept in a store (by default one SQLite
+// database), so that a question over tens of thousands of photos does not read them again.
 //
 // Per file it keeps the path (as bytes: a name that is not UTF-8 comes back byte-exact), the
 // file's identity (device, inode, size, modification time, and the same for its XMP sidecar), its
@@ -65,8 +65,9 @@ class MCCatalogueScanDelegate {
 
 class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
  public:
-  /// The schema version this library writes.
-  static constexpr int kSchemaVersion = 1;  // MCCatalogueSQLiteStore::schemaVersion()
+  /// The schema version this library writes into a SQLite catalogue (as
+  /// MCCatalogueSQLiteStore::schemaVersion() counts its migrations).
+  static constexpr int kSchemaVersion = 1;
   /// Files whose changes go into one transaction.
   static constexpr std::size_t kBatchSize = 200;
 
