@@ -86,6 +86,13 @@ TEST(CatalogueSQLiteStore, StoresReplacesAndRemovesWithinAFolder) {
   EXPECT_EQ(*properties->at("{TIFF}").dictionary()->at("Model").string(), "X-T5");
   EXPECT_EQ(*properties->at("path").string(), "rel/a/1.jpg");
 
+  // All of a folder's dictionaries at once are each one's, under the folder as named.
+  const auto all = store->propertiesUnder({nullptr, "/p/a", "rel/a"});
+  ASSERT_EQ(all.size(), 2u);
+  for (const auto& [shown, dictionary] : all) {
+    ASSERT_TRUE(shown.starts_with("rel/a/")) << shown;
+    EXPECT_EQ(dictionary, *store->propertiesOfFile("/p/a/" + shown.substr(6), shown)) << shown;
+  }
   const int64_t key = under["/p/a/sub/2.jpg"].key;
   store->remove(std::span(&key, 1));
   EXPECT_EQ(store->fileCount("/p/a"), 1u);

@@ -206,7 +206,7 @@ void Browser::applyFilter() {
     std::weak_ptr<Browser> self = weak_from_this();
     const fs::path reading = folder;
     propertyReader = std::jthread([self, files, reading, catalogue = catalogue](std::stop_token stop) {
-      auto properties = BrowseFilter::readProperties(files, stop, catalogue.get());
+      auto properties = BrowseFilter::readProperties(files, stop, catalogue.get(), reading);
       if (stop.stop_requested()) return;
       MCMainQueue::async([self, reading, properties = std::move(properties)]() mutable {
         auto b = self.lock();

@@ -292,6 +292,12 @@ std::optional<MCDictionary> MCCatalogue::propertiesOfFile(const fs::path& file) 
   return store_->propertiesOfFile(storedForm(file), file);
 }
 
+std::vector<std::pair<fs::path, MCDictionary>> MCCatalogue::propertiesOfFilesUnder(const fs::path& folder) const {
+  std::vector<std::pair<fs::path, MCDictionary>> out;
+  for (auto& [path, properties] : store_->propertiesUnder(queryOf(nullptr, folder))) out.emplace_back(std::move(path), std::move(properties));
+  return out;
+}
+
 std::string MCCatalogue::sqlForPredicate(const MCPredicateNode& predicate, bool* translated) {
   return MCCatalogueSQLiteStore::sqlForPredicate(predicate, translated);
 }

@@ -138,6 +138,10 @@ class MCCatalogue : public std::enable_shared_from_this<MCCatalogue> {
   /// the last scan; none for a file not catalogued.
   std::optional<MCDictionary> propertiesOfFile(const std::filesystem::path& file) const;
 
+  /// The searchable properties of every file catalogued under `folder`, by path (under the folder
+  /// as named), as propertiesOfFile gives them one by one: for a filter over a whole folder.
+  std::vector<std::pair<std::filesystem::path, MCDictionary>> propertiesOfFilesUnder(const std::filesystem::path& folder) const;
+
   /// The SQL a predicate becomes, for tests and for curious people. `translated` is set to true
   /// when every part of it became SQL over the columns, without evaluating a stored dictionary.
   static std::string sqlForPredicate(const MCPredicateNode& predicate, bool* translated = nullptr);

@@ -510,6 +510,22 @@ std::optional<MCDictionary> MCCatalogueSQLiteStore::propertiesOfFile(const std::
   return properties;
 }
 
+std::vector<std::pair<std::string, MCDictionary>> MCCatalogueSQLiteStore::propertiesUnder(const MCCatalogueQuery& question) const {
+  Reader reader{openReader()};
+  MCCatalogueQuery everything = question;
+  everything.predicate = nullptr;
+  std::vector<std::pair<std::string, MCDictionary>> out;
+  query(reader.db, "SELECT path, (SELECT json FROM properties WHERE properties.id = files.id), size, mtime_s, media_type", everything, "",
+        [&](const Statement& row, MCCataloguePredicateContext& context) {
+          std::string shown = context.shownPath(row.blob(0)).string();
+          MCDictionary properties = MCCatalogueDecodeDictionary(row.blob(1)).value_or(MCDictionary{});
+          const auto type = sqlite3_column_type(row, 4) == SQLITE_NULL ? std::nullopt : std::optional(row.blob(4));
+          MCAddSearchableFileAttributes(properties, shown, sqlite3_column_int64(row, 2), std::time_t(sqlite3_column_int64(row, 3)), type);
+          out.emplace_back(std::move(shown), std::move(properties));
+        });
+  return out;
+}
+
 std::string MCCatalogueSQLiteStore::sqlForPredicate(const MCPredicateNode& predicate, bool* translated) {
   MCCataloguePredicateContext context;
   bool exact = true;

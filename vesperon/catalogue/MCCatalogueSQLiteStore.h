@@ -53,6 +53,7 @@ class MCCatalogueSQLiteStore final : public MCCatalogueStore {
   std::vector<MCCatalogueEntry> entriesByCaptureDate(const MCCatalogueQuery& query) const override;
   std::vector<MCCatalogueEntry> entries(const MCCatalogueQuery& query) const override;
   std::optional<MCDictionary> propertiesOfFile(const std::string& path, const std::filesystem::path& shownPath) const override;
+  std::vector<std::pair<std::string, MCDictionary>> propertiesUnder(const MCCatalogueQuery& query) const override;
 
   /// The WHERE clause a predicate becomes. `translated` is set to true when every part of it
   /// became SQL over the columns, without evaluating a stored dictionary.

@@ -107,5 +107,8 @@ class MCCatalogueStore {
   /// The stored file's searchable dictionary (its properties and its own attributes, the path
   /// as `shownPath`); none when it is not stored.
   virtual std::optional<MCDictionary> propertiesOfFile(const std::string& path, const std::filesystem::path& shownPath) const = 0;
+  /// The searchable dictionaries of the files under the query's folder (its predicate is not
+  /// looked at), by the path as shown, in any order: what propertiesOfFile gives for each.
+  virtual std::vector<std::pair<std::string, MCDictionary>> propertiesUnder(const MCCatalogueQuery& query) const = 0;
   //@}
 };

@@ -50,13 +50,27 @@ bool BrowseFilter::passes(const MCPredicateNode& predicate, const std::filesyste
 }
 
 BrowseFilter::Properties BrowseFilter::readProperties(const std::vector<std::filesystem::path>& files,
-                                                      std::stop_token stop, const MCCatalogue* catalogue) {
+                                                      std::stop_token stop, const MCCatalogue* catalogue,
+                                                      const std::filesystem::path& folder) {
+  // A folder's rows in one query: asking for each file alone costs a query, and a connection, each.
+  Properties catalogued;
+  if (catalogue && !folder.empty()) {
+    try {
+      for (auto& [path, properties] : catalogue->propertiesOfFilesUnder(folder)) catalogued.emplace(path.string(), std::move(properties));
+    } catch (const std::exception&) {
+      catalogued.clear();  // each file alone, then
+    }
+  }
   Properties out;
   for (const auto& file : files) {
     if (stop.stop_requested()) break;
+    if (auto it = catalogued.find(file.string()); it != catalogued.end()) {
+      out.emplace(file.string(), std::move(it->second));
+      continue;
+    }
     std::optional<MCDictionary> stored;
     try {
-      if (catalogue) stored = catalogue->propertiesOfFile(file);
+      if (catalogue && folder.empty()) stored = catalogue->propertiesOfFile(file);
     } catch (const std::exception&) {
       stored.reset();  // the file's own, then
     }

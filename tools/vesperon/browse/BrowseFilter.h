@@ -43,11 +43,11 @@ class BrowseFilter {
   /// Whether the file passes; a file whose properties were not read passes nothing.
   bool passes(const MCPredicateNode& predicate, const std::filesystem::path& file) const;
 
-  /// The properties of each file (keyed by its path), read until `stop` is requested.
-  /// The searchable properties of each file: from the catalogue where it holds the file (as of its
-  /// last scan), else read from the file.
+  /// The searchable properties of each file (keyed by its path), read until `stop` is requested:
+  /// from the catalogue where it holds the file (as of its last scan), else read from the file.
+  /// With `folder`, the folder all the files lie in, the catalogue is asked once for all of them.
   static Properties readProperties(const std::vector<std::filesystem::path>& files, std::stop_token stop = {},
-                                   const MCCatalogue* catalogue = nullptr);
+                                   const MCCatalogue* catalogue = nullptr, const std::filesystem::path& folder = {});
 
  private:
   MCPredicateEditorRowTemplateRef compound_;
