@@ -1,6 +1,6 @@
 // `vesperon browse` on a folder of `vesperon index`'s catalogue: a folder too large for its capture
-// days to be read before it shows is grouped by day at once, from the catalogue; without a
-// catalogue browse makes none.
+// days to be read before it shows is grouped by day at once, from the catalogue's rows, which a
+// walk behind the screen checks against the folder; without a catalogue browse makes none.
 
 #include "../support/ProgramOutcome.h"
 
@@ -48,5 +48,16 @@ TEST(BrowseCatalogue, ALargeCataloguedFolderIsGroupedByDayAtOnce) {
   ASSERT_NE(status, std::string::npos) << catalogued.output;
   EXPECT_EQ(catalogued.output.substr(status, catalogued.output.find('\n', status) - status),
             "status 5,200 photos in 2 days");
+  // The screen came from the catalogue's rows; the walk behind it found the folder as they say.
+  EXPECT_NE(catalogued.output.find("catalogue checked: the folder is as catalogued\n"), std::string::npos) << catalogued.output;
+  EXPECT_EQ(catalogued.output.find("folder-changed"), std::string::npos) << catalogued.output;
+
+  // A photo added since the index: the first screen is the catalogue's, then the folder is read again.
+  fs::create_hard_link(home / "a.jpg", home / "photos" / "added.jpg");
+  const ProgramOutcome changed = ProgramOutcome::run(browse);
+  ASSERT_EQ(changed.status, 0) << changed.output;
+  EXPECT_NE(changed.output.find("catalogue days 5200\n"), std::string::npos) << changed.output;
+  EXPECT_NE(changed.output.find("catalogue checked: the folder changed since\n"), std::string::npos) << changed.output;
+  EXPECT_NE(changed.output.find("folder-changed 5201 photos\n"), std::string::npos) << changed.output;
   fs::remove_all(home);
 }

@@ -116,6 +116,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   /// and the filter's properties come from it instead of the files.
   std::shared_ptr<MCCatalogue> catalogue;
   std::jthread catalogueChecker;  // the folder checked against the catalogue's rows it shows
+  bool catalogueChecked = false;  // its answer arrived
   std::unique_ptr<BrowseFolderMonitor> monitor;  // files added, removed, renamed, rewritten
   bool regroupWaiting = false;  // days arrived while the viewer showed
 
@@ -178,6 +179,7 @@ void Browser::load(const fs::path& newFolder) {
     catalogueChecker.request_stop();
     catalogueChecker.join();
   }
+  catalogueChecked = false;
   if (!takeCataloguedFolder()) {
     all = BrowseCollection::scan(folder, order);
     takeCataloguedDays();
@@ -270,6 +272,7 @@ bool Browser::takeCataloguedFolder() {
       b->report(std::string("catalogue checked: ") + (same ? "the folder is as catalogued" : "the folder changed since"));
       // Files added, removed or rewritten since the catalogue's last scan: the folder as it is.
       if (!same) b->folderChanged();
+      b->catalogueChecked = true;
     });
   });
   all = BrowseCollection::withFacts(std::move(facts), order);
@@ -824,6 +827,11 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
     return 1;
   }
   std::printf("%s: %s\n", settings.render.c_str(), said.c_str());
+  if (settings.report && b->catalogueChecker.joinable()) {
+    // After the screen: what the check of the catalogue's rows against the folder found.
+    std::fflush(stdout);
+    MCMainQueue::runUntil([&] { return b->catalogueChecked; }, std::chrono::seconds(60));
+  }
   return 0;
 }
 
