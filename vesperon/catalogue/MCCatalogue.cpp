@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <thread>
+#include <unordered_set>
 
 namespace fs = std::filesystem;
 
@@ -33,7 +34,9 @@ std::string shownForm(const fs::path& folder) {
   return text;
 }
 
-std::optional<MCCatalogueFileIdentity> identityOf(const fs::path& file) {
+// The file's identity; `sidecars` (of the same walk), when given, says whether it has a sidecar
+// to look at, which spares a failing stat of most files.
+std::optional<MCCatalogueFileIdentity> identityOf(const fs::path& file, const std::unordered_set<std::string>* sidecars) {
   struct stat st {};
   if (::stat(file.c_str(), &st) != 0) return std::nullopt;
   MCCatalogueFileIdentity identity;
@@ -41,8 +44,10 @@ std::optional<MCCatalogueFileIdentity> identityOf(const fs::path& file) {
   identity.inode = int64_t(st.st_ino);
   identity.size = int64_t(st.st_size);
   identity.modificationNs = int64_t(st.st_mtim.tv_sec) * 1000000000 + st.st_mtim.tv_nsec;
+  const fs::path sidecarPath = MCSidecarPathOfFile(file);
+  if (sidecars && !sidecars->count(sidecarPath.native())) return identity;
   struct stat sidecar {};
-  if (::stat(MCSidecarPathOfFile(file).c_str(), &sidecar) == 0) {
+  if (::stat(sidecarPath.c_str(), &sidecar) == 0) {
     identity.sidecarSize = int64_t(sidecar.st_size);
     identity.sidecarModificationNs = int64_t(sidecar.st_mtim.tv_sec) * 1000000000 + sidecar.st_mtim.tv_nsec;
   }
@@ -111,9 +116,10 @@ MCCatalogueScanProgress MCCatalogue::scan(const std::vector<fs::path>& roots, MC
     std::vector<std::string> seenPaths;
 
     std::vector<MCCatalogueRecord> changed;
-    for (const fs::path& file : MCFindMediaFiles(stored)) {
+    std::unordered_set<std::string> sidecars;
+    for (const fs::path& file : MCFindMediaFiles(stored, &sidecars)) {
       ++progress.seen;
-      const auto identity = identityOf(file);
+      const auto identity = identityOf(file, &sidecars);
       if (!identity) continue;  // gone since it was listed
       auto it = known.find(file.string());
       if (it != known.end()) {
@@ -248,18 +254,8 @@ MCCatalogueQuery queryOf(const MCPredicateNode* predicate, const fs::path& folde
 
 std::vector<std::string> MCCatalogue::pathsMatching(const MCPredicateNode* predicate, const fs::path& folder) const {
   std::vector<std::string> out = store_->filesMatching(queryOf(predicate, folder));
-  // Path order, as std::filesystem::path compares: name by name, so "a/b" comes before "a-b".
-  // Over paths without empty names that is byte order with the slash below every other byte.
-  auto before = [](const std::string& a, const std::string& b) {
-    const std::size_t n = std::min(a.size(), b.size());
-    const auto* x = reinterpret_cast<const unsigned char*>(a.data());
-    const auto* y = reinterpret_cast<const unsigned char*>(b.data());
-    std::size_t i = 0;
-    while (i < n && x[i] == y[i]) ++i;
-    if (i == n) return a.size() < b.size();
-    const unsigned cx = x[i] == '/' ? 0u : x[i] + 1u, cy = y[i] == '/' ? 0u : y[i] + 1u;
-    return cx < cy;
-  };
+  // Path order, as std::filesystem::path compares: the folder's own part is the same in each.
+  const auto before = [](const std::string& x, const std::string& y) { return MCPathPrecedes(x, y); };
   // A store that keeps rows in the order a scan found them answers in path order already.
   if (!std::is_sorted(out.begin(), out.end(), before)) std::sort(out.begin(), out.end(), before);
   return out;

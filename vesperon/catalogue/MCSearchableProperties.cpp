@@ -85,9 +85,20 @@ std::optional<MCData> fileBytes(const fs::path& file) {
 
 }  // namespace
 
+bool MCPathPrecedes(const std::string& a, const std::string& b) {
+  const std::size_t n = std::min(a.size(), b.size());
+  const auto* x = reinterpret_cast<const unsigned char*>(a.data());
+  const auto* y = reinterpret_cast<const unsigned char*>(b.data());
+  std::size_t i = 0;
+  while (i < n && x[i] == y[i]) ++i;
+  if (i == n) return a.size() < b.size();
+  const unsigned cx = x[i] == '/' ? 0u : x[i] + 1u, cy = y[i] == '/' ? 0u : y[i] + 1u;
+  return cx < cy;
+}
+
 bool MCIsMediaFileName(const fs::path& file) { return isMediaFileName(file, mediaTypes()); }
 
-std::vector<fs::path> MCFindMediaFiles(const fs::path& folder) {
+std::vector<fs::path> MCFindMediaFiles(const fs::path& folder, std::unordered_set<std::string>* sidecars) {
   const auto types = mediaTypes();
   std::vector<fs::path> files;
   std::error_code ec;
@@ -96,8 +107,10 @@ std::vector<fs::path> MCFindMediaFiles(const fs::path& folder) {
     std::error_code typeError;
     if (!it->is_regular_file(typeError)) continue;
     if (isMediaFileName(it->path(), types)) files.push_back(it->path());
+    else if (sidecars && it->path().extension() == ".xmp") sidecars->insert(it->path().native());
   }
-  std::sort(files.begin(), files.end());
+  // The walk names every file from the same folder, so no name is empty.
+  std::sort(files.begin(), files.end(), [](const fs::path& a, const fs::path& b) { return MCPathPrecedes(a.native(), b.native()); });
   return files;
 }
 

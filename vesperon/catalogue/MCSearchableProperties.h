@@ -11,12 +11,21 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 /// Every file under `folder` whose type some source extension reads (images and clips), in path
 /// order, hidden files left out. A folder that cannot be read, or vanishes while it is walked,
 /// just ends its part of the walk.
-std::vector<std::filesystem::path> MCFindMediaFiles(const std::filesystem::path& folder);
+/// With `sidecars`, the files named *.xmp met on the way are added to it (their paths), so that a
+/// caller can tell which media files have one (MCSidecarPathOfFile) without asking the disk.
+std::vector<std::filesystem::path> MCFindMediaFiles(const std::filesystem::path& folder,
+                                                    std::unordered_set<std::string>* sidecars = nullptr);
+
+/// Whether `a` comes before `b` as std::filesystem::path orders them, name by name ("a/b" before
+/// "a-b"), for paths without empty names: byte order with the slash below every other byte, at a
+/// fraction of the cost.
+bool MCPathPrecedes(const std::string& a, const std::string& b);
 
 /// True when the file's name extension is of a type some source extension reads, and the name is
 /// not hidden: the test MCFindMediaFiles applies to each regular file.
