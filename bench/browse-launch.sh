@@ -24,16 +24,22 @@ for ((i = 0; i < count; i++)); do
   cp "${sources[$((i % ${#sources[@]}))]}" "$work/photos/$(printf 'p%05d' "$i")-$(basename "${sources[$((i % ${#sources[@]}))]}")"
 done
 export XDG_CACHE_HOME="$work/cache" XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data"
+# Prints two times: to the first screen drawn (the line --render prints once the PNG is written),
+# and to the process's end, once the new entries of the shared cache are written too.
 launch() {
-  local start
+  local start shown
   start=$(now)
-  "$vesperon" browse "$work/photos" --size 1024x720 --render "$work/first-screen.png" >/dev/null
-  elapsed "$start"
+  {
+    read -r _ || true
+    shown=$(elapsed "$start")
+    cat >/dev/null
+  } < <("$vesperon" browse "$work/photos" --size 1024x720 --render "$work/first-screen.png")
+  echo "$shown $(elapsed "$start")"
 }
-first=$(launch)
-second=$(launch)
-echo "first launch:  $first s to a full first screen of $count photos (empty thumbnail cache)"
-echo "second launch: $second s (from the shared thumbnail cache), $(ratio "$second" "$first")x the first (goals: <= 0.3 s, <= 0.5x)"
+read -r first firstDone < <(launch)
+read -r second secondDone < <(launch)
+echo "first launch:  $first s to a full first screen of $count photos (empty thumbnail cache; $firstDone s with its entries written; goal with 20,000 photos: <= 1.5 s)"
+echo "second launch: $second s (from the shared thumbnail cache; $secondDone s to exit), $(ratio "$second" "$first")x the first (goals: <= 0.3 s, <= 0.5x)"
 
 # Resident memory on screen, after the first screen and a settling second.
 command -v xvfb-run >/dev/null || { echo "memory: skipped, xvfb-run is not installed"; exit 0; }

@@ -8,6 +8,9 @@
 #include "../../tools/vesperon/browse/BrowsePlacesSidebar.h"
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
+#include "../../tools/vesperon/MediaFiles.h"
+
+#include <vesperon/catalogue/MCSearchableProperties.h>
 
 #include <vesperon/metadata/MCImagePropertyKeys.h>
 #include <vesperon/platform/MCMainQueue.h>
@@ -403,6 +406,43 @@ TEST(BrowseLargeFolder, TheReaderDeliversEveryDayOnceOnTheMainQueue) {
   }
   MCMainQueue::runUntil([] { return false; }, std::chrono::milliseconds(200));
   EXPECT_EQ(late, 0u);
+}
+
+TEST(BrowseLargeFolder, TheQuickDayReadAgreesWithTheFullReading) {
+  // The day of every sample, read for the grid's groups, is the day of the DateTimeOriginal the
+  // full property dictionary holds, whatever the format and wherever the tag sits.
+  const fs::path samples = VESPERON_SAMPLES_DIR;
+  std::size_t dated = 0;
+  for (const auto& item : fs::directory_iterator(samples)) {
+    const fs::path& file = item.path();
+    if (!MCIsMediaFileName(file)) continue;
+    const auto properties = mediaPropertiesOfFile(file);
+    const MCDictionary* exif = properties ? MCDictionaryGetDictionary(*properties, kCGImagePropertyExifDictionary) : nullptr;
+    const MCValue* date = exif ? MCDictionaryGet(*exif, kCGImagePropertyExifDateTimeOriginal) : nullptr;
+    if (!date || !date->string() || date->string()->size() < 10) continue;
+    std::string day = date->string()->substr(0, 10);
+    day[4] = day[7] = '-';
+    EXPECT_EQ(BrowseCollection::captureDay(file, true), day) << file;
+    ++dated;
+  }
+  EXPECT_GE(dated, 20u);
+
+  // An Exif block cut short, or bytes that only look like one, give the file's own day.
+  const fs::path folder = fs::temp_directory_path() / ("browse-days-" + std::to_string(::getpid()));
+  fs::create_directories(folder);
+  std::ifstream in(samples / "beach.jpg", std::ios::binary);
+  const std::string whole((std::istreambuf_iterator<char>(in)), {});
+  const std::string exifMarker = "Exif";
+  const std::size_t start = whole.find(exifMarker);
+  ASSERT_NE(start, std::string::npos);
+  std::ofstream(folder / "cut.jpg", std::ios::binary) << whole.substr(0, start + 40);
+  std::ofstream(folder / "fake.jpg", std::ios::binary) << std::string("\xFF\xD8\xFF\xE1\xFF\xFF", 6) + "Exif" +
+                                                             std::string(2, '\0') + "MM" + std::string(200, '\xFF');
+  const std::string today = BrowseCollection::captureDay(folder / "cut.jpg", false);
+  ASSERT_EQ(today.size(), 10u);
+  EXPECT_EQ(BrowseCollection::captureDay(folder / "cut.jpg", true), today);
+  EXPECT_EQ(BrowseCollection::captureDay(folder / "fake.jpg", true), today);
+  fs::remove_all(folder);
 }
 
 TEST(BrowseLargeFolder, TheSameFilesStayOnScreenAndSelectedAsGroupsChange) {

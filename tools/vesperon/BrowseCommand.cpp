@@ -827,9 +827,10 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
     return 1;
   }
   std::printf("%s: %s\n", settings.render.c_str(), said.c_str());
+  // Said as soon as it is drawn: what remains is writing the shared cache's new entries.
+  std::fflush(stdout);
   if (settings.report && b->catalogueChecker.joinable()) {
     // After the screen: what the check of the catalogue's rows against the folder found.
-    std::fflush(stdout);
     MCMainQueue::runUntil([&] { return b->catalogueChecked; }, std::chrono::seconds(60));
   }
   return 0;

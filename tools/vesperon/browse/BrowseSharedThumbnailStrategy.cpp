@@ -6,6 +6,7 @@
 #include <vesperon/pixels/MCImageCreation.h>
 
 #include <algorithm>
+#include <exception>
 
 namespace {
 
@@ -55,15 +56,25 @@ std::shared_ptr<MCResource> BrowseSharedThumbnailStrategy::loadResourceForDescri
   MCRasterImageRef made = newThumbnailForImageDescriptor(reading, kept, thumbnailOptions->createThumbnailFromImageAlways(),
                                                          thumbnailOptions->maxDecodePixelCount());
   ++made_;
-  bool written = true;
-  if (!made) {
-    written = shared_.writeFailureForFile(file);
-  } else if (kept <= 1024) {
-    written = shared_.writeThumbnailForFile(file, made);
-    if (kept > kNormal && largerSide(made) > kNormal) written = shared_.writeThumbnailForFile(file, fitted(made, kNormal)) && written;
-  }
-  if (!written && !writeFailureLogged_.exchange(true))
-    MCLog::sdkImageCache()->logError("browse: cannot write the shared thumbnail cache under " + shared_.root().string() +
-                                     "; thumbnails are made anew each run");
+  // The entries are written after the answer goes out, by the idle writer.
+  writer_.submit([this, file, made, kept] {
+    bool written = true;
+    try {
+      if (!made) {
+        written = shared_.writeFailureForFile(file);
+      } else if (kept <= 1024) {
+        written = shared_.writeThumbnailForFile(file, made);
+        if (kept > kNormal && largerSide(made) > kNormal)
+          written = shared_.writeThumbnailForFile(file, fitted(made, kNormal)) && written;
+      }
+    } catch (const std::exception&) {
+      written = false;  // out of memory for the PNG: the next run makes the entry again
+    }
+    if (!written && !writeFailureLogged_.exchange(true))
+      MCLog::sdkImageCache()->logError("browse: cannot write the shared thumbnail cache under " +
+                                       shared_.root().string() + "; thumbnails are made anew each run");
+  });
   return answer(fitted(made, wanted));
 }
+
+void BrowseSharedThumbnailStrategy::flushWrites() { writer_.flush(); }

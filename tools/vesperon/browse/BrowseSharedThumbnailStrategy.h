@@ -9,7 +9,10 @@
 // there, a large one also as a normal one, and a file that gives no thumbnail is recorded under
 // fail/. An entry that cannot be read (corrupt, foreign, stale) counts as missing and is
 // replaced; a cache that cannot be written leaves the thumbnails coming all the same. Runs on the
-// loader's worker threads, several at once.
+// loader's worker threads, several at once; the entries are written afterwards by a
+// BrowseCacheWriter, so a thumbnail reaches the screen without waiting for the disk.
+
+#include "BrowseCacheWriter.h"
 
 #include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pipeline/MCThumbnailLoadStrategy.h>
@@ -31,9 +34,12 @@ class BrowseSharedThumbnailStrategy : public MCThumbnailLoadStrategy {
   /// How many thumbnails came from the shared cache, and how many were made and written.
   uint64_t takenCount() const { return taken_.load(); }
   uint64_t madeCount() const { return made_.load(); }
+  /// Returns once the entries of every thumbnail made so far are written.
+  void flushWrites();
 
  private:
   MCFreedesktopThumbnailCache shared_;
   std::atomic<uint64_t> taken_{0}, made_{0};
   std::atomic<bool> writeFailureLogged_{false};
+  BrowseCacheWriter writer_;  // last: it writes what waits, with the members above, as it goes
 };
