@@ -253,6 +253,22 @@ TEST(BrowseThumbnailSize, TheSliderSetsItAndTheLinkClearsTheFilter) {
   EXPECT_EQ(values.size(), 2u);
 }
 
+TEST(BrowseThumbnailSize, TheMemoryCacheHoldsAFewScreensAtEverySize) {
+  const double budget = BrowseController::kThumbnailBytesInMemory;
+  for (uint64_t side : {40u, 90u, 180u, 360u, 720u}) {
+    const uint64_t kept = BrowseController::thumbnailsToKeep(side, 0);
+    const double each = double(side) * double(side) * 3;
+    // Within the budget, and not far below it: small thumbnails are kept by the hundred.
+    EXPECT_LE(double(kept) * each, budget) << side;
+    EXPECT_GT(double(kept + 1) * each, budget) << side;
+  }
+  // The default size keeps several screens of a dozen cards.
+  EXPECT_GE(BrowseController::thumbnailsToKeep(180, 24), 72u);
+  // Many small cards on a large screen: never fewer than twice what the view prefetches.
+  EXPECT_EQ(BrowseController::thumbnailsToKeep(180, 600), 1200u);
+  EXPECT_EQ(BrowseController::thumbnailsToKeep(720, 30), 60u);
+}
+
 TEST(BrowsePreferences, KeepScaleAndOrderAndMistrustTheFile) {
   const fs::path file = fs::temp_directory_path() / ("browse-preferences-" + std::to_string(::getpid())) / "settings.json";
   fs::remove_all(file.parent_path());

@@ -55,6 +55,15 @@ class MCThumbnailCache : public std::enable_shared_from_this<MCThumbnailCache> {
   void processReceivedResource(const std::shared_ptr<MCResource>& resource, const MCThumbnailCacheKey& key,
                                const MCIndexPath& indexPath);
 
+  /// How many thumbnails are kept at most.
+  uint64_t capacity() const { return thumbnailCache_.cacheSize(); }
+  /// Sets how many thumbnails are kept at most, here and in the resource cache behind; a smaller
+  /// number drops the least recently used at the next store.
+  void setCapacity(uint64_t capacity) {
+    thumbnailCache_.setCacheSize(capacity);
+    resourceCache_->cache().setCacheSize(capacity);
+  }
+
   /// The cache of loaded thumbnails behind this one.
   MCResourceCache& resourceCache() { return *resourceCache_; }
   /// Index paths fetched and not yet answered or cancelled.

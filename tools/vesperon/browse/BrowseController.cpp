@@ -1,3 +1,4 @@
+#include <malloc.h>
 #include "BrowseController.h"
 
 #include <vesperon/catalogue/MCSearchableProperties.h>
@@ -195,13 +196,12 @@ void BrowseController::attach(const std::shared_ptr<BrowseView>& view) {
   view_ = view;
   if (cache_) {
     cache_->setThumbnailSize(int64_t(thumbnailPixelSize()));
+    cache_->setCapacity(thumbnailsToKeep(thumbnailPixelSize(), 0));
   } else {
     // Thumbnails kept between runs, in the desktop's shared cache.
     auto options = std::make_shared<MCThumbnailLoadOptions>(std::make_shared<BrowseSharedThumbnailStrategy>());
     options->setThumbnailMaxPixelSize(thumbnailPixelSize());
-    // A few screens' worth in memory, so that scrolling through a large folder stays flat; what
-    // falls out comes back from the shared cache on disk without a decode.
-    cache_ = MCThumbnailCache::create(std::move(options), kThumbnailsInMemory);
+    cache_ = MCThumbnailCache::create(std::move(options), thumbnailsToKeep(thumbnailPixelSize(), 0));
   }
   cache_->setDelegate(shared_from_this());
   itemCell_->setControlView(view);
@@ -522,7 +522,28 @@ std::shared_ptr<MCPreviewItem> BrowseController::previewItemAtIndexPath(MCBrowse
 
 // MARK: Prefetching and arrivals
 
-void BrowseController::prefetchItemsAtIndexPaths(MCBrowserView&, const std::vector<MCIndexPath>& indexPaths) {
+void BrowseController::scheduleTrim() {
+  // Decoding leaves the allocator's arenas holding the freed pixels of every photo read at full
+  // size; once a screen's thumbnails are in and nothing more came for a moment, they go back to
+  // the system, so that resident memory stays flat as a large folder is scrolled through.
+  if (trimTimer_) trimTimer_->invalidate();
+  std::weak_ptr<BrowseController> weak = weak_from_this();
+  trimTimer_ = MCTimer::scheduledTimer(0.5, false, [weak](MCTimer&) {
+    auto self = weak.lock();
+    if (!self || !self->pending_.empty()) return;
+    malloc_trim(0);
+    self->trimTimer_.reset();
+  });
+}
+
+uint64_t BrowseController::thumbnailsToKeep(uint64_t pixelSize, uint64_t prefetched) {
+  // A thumbnail is about as wide as its larger side and three quarters as high, four bytes a pixel.
+  const double bytes = std::max(1.0, double(pixelSize) * double(pixelSize) * 3);
+  return std::max(uint64_t(kThumbnailBytesInMemory / bytes), 2 * prefetched);
+}
+
+void BrowseController::prefetchItemsAtIndexPaths(MCBrowserView& view, const std::vector<MCIndexPath>& indexPaths) {
+  cache_->setCapacity(thumbnailsToKeep(thumbnailPixelSize(), view.prefetchedIndexes().count() + indexPaths.size()));
   std::vector<MCIndexPath> wanted;
   for (const MCIndexPath& path : indexPaths)
     if (!failed_.count(path) && pending_.insert(path).second) wanted.push_back(path);
@@ -542,6 +563,7 @@ std::shared_ptr<MCThumbnailDescriptorProvider> BrowseController::descriptorProvi
 void BrowseController::didFetchThumbnail(MCThumbnailCache&, const std::shared_ptr<const MCThumbnail>& thumbnail,
                                          const MCIndexPath& indexPath) {
   pending_.erase(indexPath);
+  if (pending_.empty()) scheduleTrim();
   if ((!thumbnail || !thumbnail->image()) && failed_.insert(indexPath).second && status_) status_(statusLine());
   auto view = view_.lock();
   if (!view || indexPath.group >= view->contentLayout()->numberOfGroups()) return;

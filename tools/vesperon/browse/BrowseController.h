@@ -11,6 +11,7 @@
 #include <vesperon/browser/MCBrowserView.h>
 #include <vesperon/browser/MCBrowserViewItemCardCell.h>
 #include <vesperon/pipeline/MCThumbnailCache.h>
+#include <vesperon/toolkit/MCTimer.h>
 
 #include <functional>
 #include <optional>
@@ -81,8 +82,14 @@ class BrowseController : public MCBrowserViewDataSource,
                          public MCThumbnailCacheDelegate,
                          public std::enable_shared_from_this<BrowseController> {
  public:
-  /// How many thumbnails the memory cache holds at most.
-  static constexpr uint64_t kThumbnailsInMemory = 240;
+  /// About how many bytes of thumbnails the memory cache holds: a few screens' worth, so that
+  /// scrolling through a large folder keeps memory flat; what falls out comes back from the shared
+  /// cache on disk without a decode.
+  static constexpr double kThumbnailBytesInMemory = 8 << 20;
+  /// How many thumbnails of this larger side the memory cache keeps: what the byte budget holds,
+  /// and never fewer than twice what the view prefetches, so that a screen of small thumbnails
+  /// does not push out its own.
+  static uint64_t thumbnailsToKeep(uint64_t pixelSize, uint64_t prefetched);
   /// `report` hears one line for each thing a person did (double-clicks, selection changes);
   /// `status` the status line whenever it changes.
   /// `thumbnails`, when given, is the cache of the controller this one follows over the same
@@ -171,4 +178,8 @@ class BrowseController : public MCBrowserViewDataSource,
   std::shared_ptr<BrowseHeaderCell> headerCell_ = std::make_shared<BrowseHeaderCell>();
   std::unordered_set<MCIndexPath> pending_, failed_;
   std::unordered_map<MCIndexPath, BrowseItemInfo> infos_;
+  std::shared_ptr<MCTimer> trimTimer_;
+  /// Gives the memory freed by decoding back to the system, a moment after the last thumbnail
+  /// asked for arrived.
+  void scheduleTrim();
 };
