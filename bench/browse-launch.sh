@@ -41,47 +41,65 @@ read -r second secondDone < <(launch)
 echo "first launch:  $first s to a full first screen of $count photos (empty thumbnail cache; $firstDone s with its entries written; goal with 20,000 photos: <= 1.5 s)"
 echo "second launch: $second s (from the shared thumbnail cache; $secondDone s to exit), $(ratio "$second" "$first")x the first (goals: <= 0.3 s, <= 0.5x)"
 
-# Resident memory on screen, after the first screen and a settling second.
+# Resident memory on screen, after the first screen and a settling second, under a window manager
+# (openbox) as on a desktop. Each program's grid gets the focus from a click on it, and the Page
+# Downs go through XTEST as typed keys (programs may ignore keys sent to a window); a screenshot
+# after the first screen and after the Page Downs shows each really scrolled.
 command -v xvfb-run >/dev/null || { echo "memory: skipped, xvfb-run is not installed"; exit 0; }
+shots="$build/bench-browse-launch"
+mkdir -p "$shots"
 export GSK_RENDERER=cairo GDK_BACKEND=x11 NO_AT_BRIDGE=1 GTK_A11Y=none
-rss_of() { awk '/^VmRSS/ { printf "%.0f", $2 / 1024 }' "/proc/$1/status"; }
-cat >"$work/ours.sh" <<INNER
+# Runs a program on the photos and prints its resident memory (MB) after the first screen and
+# after 300 Page Downs. $1: ours or peer.
+cat >"$work/memory.sh" <<'INNER'
 #!/usr/bin/env bash
-"$vesperon" browse "$work/photos" --size 1024x720 --report >"$work/out" 2>/dev/null &
-pid=\$!
-for _ in \$(seq 400); do grep -q '^cell 5 ' "$work/out" && break; sleep 0.05; done
+who=$1 work=$2 vesperon=$3 shots=$4
+rss() { awk '/^VmRSS/ { printf "%.0f", $2 / 1024 }' "/proc/$1/status"; }
+if command -v openbox >/dev/null; then
+  openbox --sm-disable >/dev/null 2>&1 &
+  wm=$!
+  for _ in $(seq 100); do xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && break; sleep 0.05; done
+fi
+if [ "$who" = ours ]; then
+  "$vesperon" browse "$work/photos" --size 1024x720 --report >"$work/out" 2>/dev/null &
+  pid=$!
+  for _ in $(seq 400); do grep -q '^ready ' "$work/out" && break; sleep 0.05; done
+  w=$(xdotool search --onlyvisible --name "^Vesperon" | head -1)
+else
+  mkdir -p "$XDG_CONFIG_HOME/gthumb"
+  gthumb "$work/photos" >/dev/null 2>&1 &
+  pid=$!
+  for _ in $(seq 200); do xdotool search --onlyvisible --class gthumb >/dev/null 2>&1 && break; sleep 0.05; done
+  w=$(xdotool search --onlyvisible --class gthumb | head -1)
+  xdotool windowsize "$w" 1024 720 2>/dev/null || true
+fi
+sleep 6  # the first screen's thumbnails, made on the programs' own threads
+first=$(rss "$pid")
+import -window root "$shots/$who-first.png" 2>/dev/null
+xdotool windowactivate --sync "$w" 2>/dev/null || xdotool windowfocus --sync "$w" 2>/dev/null
+eval "$(xdotool getwindowgeometry --shell "$w")"
+# A click on the grid gives it the keys: on a card of ours (a single click only selects), on the
+# gap above gThumb's first row (a click on one of its thumbnails opens the photo).
+if [ "$who" = ours ]; then xdotool mousemove $((X + WIDTH / 2)) $((Y + HEIGHT / 2)) click 1
+else xdotool mousemove $((X + WIDTH * 6 / 10)) $((Y + 100)) click 1; fi
+sleep 0.5
+for _ in $(seq 300); do xdotool key Page_Down; sleep 0.02; done
 sleep 3
-awk '/^VmRSS/ { printf "%.0f ", \$2 / 1024 }' /proc/\$pid/status
-w=\$(xdotool search --onlyvisible --name "^Vesperon" | head -1)
-xdotool windowfocus --sync "\$w" 2>/dev/null || true
-for _ in \$(seq 300); do xdotool key --window "\$w" Page_Down 2>/dev/null; sleep 0.02; done
-sleep 3
-awk '/^VmRSS/ { printf "%.0f\n", \$2 / 1024 }' /proc/\$pid/status
-kill \$pid
+after=$(rss "$pid")
+import -window root "$shots/$who-after.png" 2>/dev/null
+kill "$pid"
+[ -n "${wm:-}" ] && kill "$wm"
+echo "$first $after"
 INNER
-chmod +x "$work/ours.sh"
-read -r ours oursAfter < <(xvfb-run -a -s "-screen 0 1280x900x24" "$work/ours.sh" | tail -1)
+chmod +x "$work/memory.sh"
+read -r ours oursAfter < <(xvfb-run -a -s "-screen 0 1280x900x24" "$work/memory.sh" ours "$work" "$vesperon" "$shots" | tail -1)
 echo "resident memory after the first screen: vesperon browse $ours MB; after 300 Page Downs $oursAfter MB"
 if ! command -v gthumb >/dev/null; then
   echo "peer: gThumb is not installed (apt-get install gthumb); its figure is skipped"
   exit 0
 fi
-cat >"$work/peer.sh" <<INNER
-#!/usr/bin/env bash
-mkdir -p "$work/peer-config/gthumb"
-gthumb "$work/photos" >/dev/null 2>&1 &
-pid=\$!
-for _ in \$(seq 200); do xdotool search --onlyvisible --class gthumb >/dev/null 2>&1 && break; sleep 0.05; done
-w=\$(xdotool search --onlyvisible --class gthumb | head -1)
-xdotool windowsize "\$w" 1024 720 2>/dev/null || true
-sleep 6  # its thumbnails of the first screen, made on its own threads
-awk '/^VmRSS/ { printf "%.0f ", \$2 / 1024 }' /proc/\$pid/status
-for _ in \$(seq 300); do xdotool key --window "\$w" Page_Down 2>/dev/null; sleep 0.02; done
-sleep 3
-awk '/^VmRSS/ { printf "%.0f\n", \$2 / 1024 }' /proc/\$pid/status
-kill \$pid
-INNER
-chmod +x "$work/peer.sh"
-read -r peer peerAfter < <(XDG_CONFIG_HOME="$work/peer-config" XDG_CACHE_HOME="$work/peer-cache" xvfb-run -a -s "-screen 0 1280x900x24" "$work/peer.sh" | tail -1)
+read -r peer peerAfter < <(XDG_CONFIG_HOME="$work/peer-config" XDG_CACHE_HOME="$work/peer-cache" \
+  xvfb-run -a -s "-screen 0 1280x900x24" "$work/memory.sh" peer "$work" "$vesperon" "$shots" | tail -1)
 echo "resident memory after the first screen: gThumb $peer MB; after 300 Page Downs $peerAfter MB"
 echo "vesperon browse takes $(ratio "$ours" "$peer")x gThumb's memory after the first screen, $(ratio "$oursAfter" "$peerAfter")x after the Page Downs (goal <= 1)"
+echo "screenshots (each program after its first screen and after the Page Downs): $shots/{ours,peer}-{first,after}.png"

@@ -83,6 +83,47 @@ TEST(ViewerRender, OneToOneShowsThePhotosOwnPixels) {
   fs::remove_all(home);
 }
 
+// A photo smaller than the view shows at fit at its own size, not enlarged: its pixels one to one,
+// centred, "100%"; a larger one still fills the view at fit.
+TEST(ViewerRender, ASmallPhotoIsNotEnlargedAtFit) {
+  const fs::path home = fs::temp_directory_path() / ("vesperon-viewer-small-" + std::to_string(::getpid()));
+  fs::remove_all(home);
+  fs::create_directories(home / "photos");
+  const fs::path small = home / "photos" / "small.png", large = home / "photos" / "large.png";
+  ASSERT_EQ(std::system(("/usr/bin/convert -seed 3 -size 200x120 xc:gray50 +noise Random -type TrueColor '" +
+                         small.string() + "' 2>/dev/null && /usr/bin/convert -size 1600x1000 xc:red '" + large.string() +
+                         "' 2>/dev/null")
+                            .c_str()),
+            0);
+  const fs::path render = home / "viewer.png";
+  ProgramOutcome outcome = vesperon("browse '" + (home / "photos").string() + "' --open '" + small.string() +
+                                        "' --render '" + render.string() + "' --size 640x480",
+                                    home);
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_NE(outcome.output.find("small.png, 200 × 120 px"), std::string::npos) << outcome.output;
+  EXPECT_NE(outcome.output.find(" 100%"), std::string::npos) << outcome.output;
+  auto original = MCCreateImageWithURL(small);
+  auto shown = MCCreateImageWithURL(render);
+  ASSERT_TRUE(original && shown);
+  // The zoom view's centre (below the 56-point toolbar) is the photo's centre, pixel for pixel,
+  // and the view's background lies just outside the photo's 200-pixel width.
+  const long cx = 320, cy = 56 + (480 - 56) / 2;
+  int best = 255;
+  for (long sy = -1; sy <= 1; ++sy)
+    for (long sx = -1; sx <= 1; ++sx)
+      best = std::min(best, patchDifference(*shown, cx + sx, cy + sy, *original, 100, 60, 20));
+  EXPECT_LE(best, 2) << "the small photo is not shown at its own pixels";
+  const uint8_t* outside = shown->row(std::size_t(cy)) + std::size_t(cx + 104) * (shown->bitsPerPixel() / 8);
+  EXPECT_LE(std::abs(int(outside[0]) - 0x24), 2) << "the photo is wider than its own pixels";
+
+  outcome = vesperon("browse '" + (home / "photos").string() + "' --open '" + large.string() + "' --render '" +
+                         render.string() + "' --size 640x480",
+                     home);
+  ASSERT_EQ(outcome.status, 0) << outcome.output;
+  EXPECT_NE(outcome.output.find(" 40%"), std::string::npos) << outcome.output;  // 640 of 1600 pixels
+  fs::remove_all(home);
+}
+
 // The information panel tells what the library reads of the photo, in the words people use.
 TEST(ViewerRender, TheInformationPanelTellsWhatThePhotoIs) {
   const fs::path home = fs::temp_directory_path() / ("vesperon-viewer-info-" + std::to_string(::getpid()));

@@ -480,7 +480,7 @@ void Browser::zoomViewer(std::optional<double> percent) {
   if (!page || !page->zoomView()) return;
   const auto& zoom = page->zoomView();
   const MCPoint centre = {MCMidX(zoom->bounds()), MCMidY(zoom->bounds())};
-  zoom->setOffset({0, 0}, 1.0);
+  page->zoomToFit();
   if (percent) zoom->zoomTo(page->oneToOneZoom() * *percent / 100, centre);
 }
 

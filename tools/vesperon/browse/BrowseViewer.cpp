@@ -57,7 +57,7 @@ class ViewerZoomView : public MCZoomView {
  public:
   using MCZoomView::MCZoomView;
   std::function<bool(const MCEvent&)> keyHandler;
-  std::function<double()> oneToOne;
+  std::function<double()> oneToOne, fit;
   bool acceptsFirstResponder() const override { return true; }
   bool isFlipped() const override { return true; }
   void keyDown(const MCEvent& event) override {
@@ -70,13 +70,14 @@ class ViewerZoomView : public MCZoomView {
     MCColor::colorWithHex(0x242424).setFill(*context);
     context->fillRect(dirty);
   }
-  /// A double-click toggles between the whole photo and its pixels one to one, around the click.
+  /// A double-click toggles between the whole photo and its pixels one to one, around the click;
+  /// a photo that shows one to one at fit doubles.
   void mouseDown(const MCEvent& event) override {
-    if (event.clickCount() != 2 || !oneToOne) return;
-    const double target = oneToOne();
+    if (event.clickCount() != 2 || !oneToOne || !fit) return;
+    const double target = oneToOne(), whole = fit();
     if (!(target > 0)) return;
     const MCPoint anchor = convertPoint(event.locationInWindow(), nullptr);
-    zoomTo(zoom() > 1.0001 ? 1.0 : std::max(target, 1.0001), anchor);
+    zoomTo(zoom() > whole * 1.0001 ? whole : target > whole * 1.0001 ? target : 2 * whole, anchor);
   }
 };
 
@@ -140,6 +141,10 @@ void BrowseViewerPage::loadView() {
     auto page = weakPage.lock();
     return page ? page->oneToOneZoom() : 0.0;
   };
+  zoomView->fit = [weakPage] {
+    auto page = weakPage.lock();
+    return page ? page->fitZoom() : 1.0;
+  };
   zoomView_ = zoomView;
   zoomView_->setMaxZoom(16);
   zoomView_->setAutoresizingMask(MCViewWidthSizable | MCViewHeightSizable);
@@ -170,7 +175,7 @@ void BrowseViewerPage::loadView() {
   addButton("Next", "chevron.forward", [weakPage] { if (auto p = weakPage.lock()) p->step(1); });
   addButton("Zoom In", "plus.magnifyingglass", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(0.5, centre()); });
   addButton("Zoom Out", "minus.magnifyingglass", [zoom, centre] { if (auto z = zoom.lock()) z->zoomBy(-1.0 / 3.0, centre()); });
-  addButton("Fit", "arrow.down.right.and.arrow.up.left", [zoom] { if (auto z = zoom.lock()) z->setOffset({0, 0}, 1.0); });
+  addButton("Fit", "arrow.down.right.and.arrow.up.left", [weakPage] { if (auto p = weakPage.lock()) p->zoomToFit(); });
   addButton("1:1", "1.magnifyingglass", [weakPage, zoom, centre] {
     auto p = weakPage.lock();
     auto z = zoom.lock();
@@ -270,6 +275,7 @@ void BrowseViewerPage::placeBesidePanel() {
   MCRect zoom = zoomView_->frame();
   zoom.size.width = std::max(0.0, page.size.width - panel);
   zoomView_->setFrame(zoom);
+  refit();
   // With the panel, the histogram sits at the panel's foot, off the photo; without, it floats in
   // the photo's bottom right corner.
   MCRect frame = histogramView_->frame();
@@ -378,7 +384,7 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   photoSize_ = {0, 0};
   fitPixels_ = {};
   wantOnly();
-  zoomView_->setOffset({0, 0}, 1.0);
+  zoomToFit();
   fitRequested_ = 0;
   if (auto found = decoded_.find(file_); found != decoded_.end() && found->second.image) {
     fitRequested_ = std::max(found->second.image->width(), found->second.image->height());
@@ -410,6 +416,30 @@ MCRect BrowseViewerPage::visiblePhotoRect() const {
   const double sx = photo.width / content.size.width, sy = photo.height / content.size.height;
   return MCMakeRect((MCMinX(seen) - MCMinX(content)) * sx, (MCMinY(seen) - MCMinY(content)) * sy,
                     seen.size.width * sx, seen.size.height * sy);
+}
+
+double BrowseViewerPage::fitZoom() const {
+  if (!(photoSize_.width > 0)) return 1;  // the thumbnail's size says nothing of the photo's
+  const double oneToOne = oneToOneZoom();
+  return oneToOne > 0 && oneToOne < 1 ? oneToOne : 1;
+}
+
+void BrowseViewerPage::refit() {
+  // The photo's size is known only once its first decode came, and the view's can change: a view
+  // that fitted fits again, at the new fit.
+  const double fit = fitZoom();
+  if (std::abs(fit - fitZoom_) < 1e-9) return;
+  const bool fitted = std::abs(zoomView_->zoom() - fitZoom_) < 1e-4;
+  fitZoom_ = fit;
+  zoomView_->setMinZoom(fit);
+  if (fitted) zoomView_->setOffset({0, 0}, fit);
+}
+
+void BrowseViewerPage::zoomToFit() {
+  if (!zoomView_) return;
+  fitZoom_ = fitZoom();
+  zoomView_->setMinZoom(fitZoom_);
+  zoomView_->setOffset({0, 0}, fitZoom_);
 }
 
 double BrowseViewerPage::oneToOneZoom() const {
@@ -479,7 +509,7 @@ bool BrowseViewerPage::handleKey(const MCEvent& event) {
     case MCEndFunctionKey: if (!sequence_.paths.empty()) showPosition(sequence_.paths.size() - 1); return true;
     case U'+': case U'=': zoomView_->zoomBy(0.5, centre); return true;
     case U'-': zoomView_->zoomBy(-1.0 / 3.0, centre); return true;
-    case U'0': zoomView_->setOffset({0, 0}, 1.0); return true;
+    case U'0': zoomToFit(); return true;
     case U'1': zoomView_->zoomTo(oneToOneZoom(), centre); return true;
     case U'h': case U'H': histogramView_->setHidden(!histogramView_->isHidden()); return true;
     case U'i': case U'I': toggleInfo(); return true;
@@ -663,6 +693,7 @@ void BrowseViewerPage::show(MCRasterImageRef image) {
   histogramView_->setImage(image_);
   // Room to look closer than the pixels themselves, whatever the photo's size.
   zoomView_->setMaxZoom(std::max(16.0, 8 * oneToOneZoom()));
+  refit();
   zoomView_->updateLayout();
   zoomView_->setNeedsLayout(true);
   updateInfo();

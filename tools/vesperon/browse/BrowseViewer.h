@@ -52,6 +52,11 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   void showPosition(std::size_t position);
   /// Zoom that shows the photo's pixels one to one on the window's backing.
   double oneToOneZoom() const;
+  /// The zoom of "fit": the whole photo as large as the view holds it, but a photo smaller than
+  /// the view at its own pixels (one to one), not enlarged. 1 while the photo's size is unknown.
+  double fitZoom() const;
+  /// Shows the whole photo at fit, centred.
+  void zoomToFit();
   /// What is shown resolves the photo at the present zoom: the fit decode at fit, the photo's own
   /// pixels (the whole, or the visible part) when zoomed in beyond it.
   bool isSharp() const { return sharp_; }
@@ -134,6 +139,8 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   bool requested_ = false;
   std::unique_ptr<BrowsePhotoLoader> loader_;
   MCSize photoSize_{0, 0};  // full, upright; 0 × 0 until the first decode says
+  double fitZoom_ = 1;      // the fit zoom applied last, to tell whether the view still fits
+  void refit();
   int orientation_ = 1;
   bool loaded_ = false;     // the decode at fit (or the whole) of file_ arrived
   bool whole_ = false;      // image_ holds every pixel of the photo
