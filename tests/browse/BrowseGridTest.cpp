@@ -5,6 +5,7 @@
 #include "../../tools/vesperon/browse/BrowseController.h"
 #include "../../tools/vesperon/browse/BrowseDayReader.h"
 #include "../../tools/vesperon/browse/BrowseFolderMonitor.h"
+#include "../../tools/vesperon/browse/BrowseNotice.h"
 #include "../../tools/vesperon/browse/BrowsePlacesSidebar.h"
 #include "../../tools/vesperon/browse/BrowsePreferences.h"
 #include "../../tools/vesperon/browse/BrowseStatusBar.h"
@@ -605,6 +606,33 @@ TEST(BrowsePalette, EveryTextReadsAtFourAndAHalfToOneInBothSchemes) {
         {p.text, p.bar},           {p.placeholderText, p.placeholder}, {p.text, p.placeholder}};
     for (const auto& [text, ground] : pairs)
       EXPECT_GE(BrowsePalette::contrast(BrowsePalette::over(text, ground), ground), 4.5);
+    // The notice (Delete's Undo …) floats over cards and background alike: its text and action
+    // read on it over either, and it stands apart from the cards under it.
+    for (const MCColor& under : {p.background, p.card}) {
+      const MCColor notice = BrowsePalette::over(p.noticeBackground, under);
+      EXPECT_GE(BrowsePalette::contrast(p.noticeText, notice), 4.5);
+      EXPECT_GE(BrowsePalette::contrast(p.noticeAction, notice), 4.5);
+      EXPECT_GE(BrowsePalette::contrast(notice, p.card), 1.5);
+    }
+  }
+
+  // The notice draws in the scheme it is given.
+  for (const BrowsePalette& p : {BrowsePalette::light(), BrowsePalette::darkPalette()}) {
+    auto window = MCWindow::create({BrowseNotice::kWidth, BrowseNotice::kHeight});
+    auto notice = std::make_shared<BrowseNotice>(MCMakeRect(0, 0, BrowseNotice::kWidth, BrowseNotice::kHeight));
+    window->setContentView(notice);
+    MCOffscreenHost host(window, 1.0);
+    notice->setPalette(p);
+    notice->show("3 photos moved to the trash", "Undo", [] {});
+    MCRasterImageRef shot = host.render();
+    ASSERT_TRUE(shot);
+    // Between the text and the action, away from the rounded corners: the notice's own colour.
+    const uint8_t* inside = shot->row(4) + 300 * (shot->bitsPerPixel() / 8);
+    const MCColor expected = BrowsePalette::over(p.noticeBackground, MCColor::whiteColor());
+    for (int c = 0; c < 3; ++c) {
+      const double want = c == 0 ? expected.redComponent() : c == 1 ? expected.greenComponent() : expected.blueComponent();
+      EXPECT_NEAR(inside[c] / 255.0, want, 0.06) << (p.dark ? "dark" : "light") << " channel " << c;
+    }
   }
   EXPECT_TRUE(BrowsePalette::named("dark")->dark);
   EXPECT_FALSE(BrowsePalette::named("light")->dark);

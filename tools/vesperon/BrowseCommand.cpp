@@ -640,6 +640,7 @@ void Browser::setPalette(const BrowsePalette& palette) {
   view->palette = palette;
   status->setPalette(palette);
   sidebar->setPalette(palette);
+  notice->setPalette(palette);
   if (controller && window->host()) controller->attach(view);  // the cells take the new colours
   view->setNeedsDisplay(true);
 }
@@ -776,6 +777,7 @@ std::shared_ptr<Browser> makeBrowser(const BrowseSettings& settings, const fs::p
   b->view->palette = palette;
   b->status->setPalette(palette);
   b->sidebar->setPalette(palette);
+  b->notice->setPalette(palette);
   b->window->setContentView(b->navigation->view());
   b->window->makeFirstResponder(b->view.get());
   b->load(folder);

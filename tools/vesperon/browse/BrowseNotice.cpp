@@ -9,8 +9,12 @@
 
 namespace {
 // Light text on a dark toast, as GNOME draws them; the action in a light blue that reads on it.
-MCTextAttributes textAttributes() { return {MCFont::systemFontOfSize(13), MCColor::whiteColor(), {}, {}, {}}; }
-MCTextAttributes actionAttributes() { return {MCFont::boldSystemFontOfSize(13), MCColor::colorWithHex(0x99C1F1), {}, {}, {}}; }
+MCTextAttributes textAttributes(const BrowsePalette& palette) {
+  return {MCFont::systemFontOfSize(13), palette.noticeText, {}, {}, {}};
+}
+MCTextAttributes actionAttributes(const BrowsePalette& palette) {
+  return {MCFont::boldSystemFontOfSize(13), palette.noticeAction, {}, {}, {}};
+}
 }  // namespace
 
 BrowseNotice::~BrowseNotice() {
@@ -40,8 +44,13 @@ void BrowseNotice::dismiss() {
   if (visibilityChanged) visibilityChanged();
 }
 
+void BrowseNotice::setPalette(const BrowsePalette& palette) {
+  palette_ = palette;
+  setNeedsDisplay(true);
+}
+
 MCRect BrowseNotice::actionRect() const {
-  const MCSize size = MCAttributedString(actionTitle_, actionAttributes()).size();
+  const MCSize size = MCAttributedString(actionTitle_, actionAttributes(palette_)).size();
   return MCMakeRect(bounds().size.width - 16 - size.width, (bounds().size.height - size.height) / 2, size.width, size.height);
 }
 
@@ -49,14 +58,14 @@ void BrowseNotice::drawRect(const MCRect&) {
   MCGraphicsContext& context = *MCGraphicsContext::currentContext();
   context.beginPath();
   CGContextAddRoundedRectangle(context, bounds(), 8, 8);
-  MCColor::colorWithHex(0x303030, 0.95).setFill(context);
+  palette_.noticeBackground.setFill(context);
   context.fillPath();
-  MCAttributedString line(text_, textAttributes());
+  MCAttributedString line(text_, textAttributes(palette_));
   line.setLineBreakMode(MCLineBreakMode::TruncatingMiddle);
   const MCRect action = actionRect();
   line.drawInRect(MCMakeRect(16, (bounds().size.height - line.size().height) / 2, MCMinX(action) - 32, line.size().height),
                   context);
-  MCAttributedString(actionTitle_, actionAttributes()).drawAtPoint(action.origin, context);
+  MCAttributedString(actionTitle_, actionAttributes(palette_)).drawAtPoint(action.origin, context);
 }
 
 void BrowseNotice::mouseDown(const MCEvent& event) {

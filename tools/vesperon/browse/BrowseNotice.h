@@ -3,6 +3,8 @@
 // action ("3 photos moved to the trash   Undo"). It hides by itself after a while, when its
 // action is taken, or when another notice takes its place.
 
+#include "BrowsePalette.h"
+
 #include <vesperon/toolkit/MCView.h>
 
 #include <functional>
@@ -25,6 +27,8 @@ class BrowseNotice : public MCView {
   const std::string& text() const { return text_; }
   /// Where the action's title lies, in this view's coordinates (y down).
   MCRect actionRect() const;
+  /// Draws in the colours of this scheme (light by default).
+  void setPalette(const BrowsePalette& palette);
   /// Told when the notice shows or hides, so that its superview can place it.
   std::function<void()> visibilityChanged;
 
@@ -36,4 +40,5 @@ class BrowseNotice : public MCView {
   std::string text_, actionTitle_;
   std::function<void()> action_;
   std::shared_ptr<MCTimer> timer_;
+  BrowsePalette palette_ = BrowsePalette::light();
 };

@@ -18,6 +18,9 @@ BrowsePalette BrowsePalette::light() {
   p.placeholder = MCColor::colorWithHex(0xDEDDDA);
   p.placeholderText = MCColor::colorWithHex(0x5E5C64);
   p.link = MCColor::colorWithHex(0x1A5FB4);
+  p.noticeBackground = MCColor::colorWithHex(0x303030, 0.95);
+  p.noticeText = MCColor::colorWithHex(0xFFFFFF);
+  p.noticeAction = MCColor::colorWithHex(0x99C1F1);
   return p;
 }
 
@@ -34,6 +37,10 @@ BrowsePalette BrowsePalette::darkPalette() {
   p.placeholder = MCColor::colorWithHex(0x3D3846);
   p.placeholderText = MCColor::colorWithHex(0xDEDDDA);
   p.link = MCColor::colorWithHex(0x99C1F1);
+  // Lighter than the cards it floats over, as a raised surface is in a dark scheme.
+  p.noticeBackground = MCColor::colorWithHex(0x505050, 0.97);
+  p.noticeText = MCColor::colorWithHex(0xFFFFFF);
+  p.noticeAction = MCColor::colorWithHex(0xC4DDF7);
   return p;
 }
 

@@ -21,6 +21,9 @@ struct BrowsePalette {
   MCColor placeholder;     ///< a card's picture while it loads
   MCColor placeholderText;
   MCColor link;
+  MCColor noticeBackground;  ///< the notice over the grid (Undo …), a shade apart from the cards
+  MCColor noticeText;
+  MCColor noticeAction;
 
   static BrowsePalette light();
   static BrowsePalette darkPalette();
