@@ -3,7 +3,7 @@
 # wheel notch grows the thumbnails (and does not scroll), Ctrl+minus shrinks them, the status
 # bar's slider sets them, and the next run opens at the size left. A filter that narrows the grid
 # marks the search button, and the status line's "Clear filter" link ends it. F9 shows the places
-# sidebar, whose Pictures folder opens with a click.
+# sidebar, whose Pictures folder opens with a click, and which lists a card mounted while it shows.
 # Screenshots are left in the work folder (kept on failure) and copied to /tmp/browse-grid-*.png.
 # Usage: browse-grid-on-screen-test.sh VESPERON SAMPLES-DIR. Exit 77 (skipped) only when no X
 # server can be started.
@@ -102,6 +102,24 @@ xdotool mousemove --window "$window" $((ox + px)) $((oy + py)) click 1
 wait_for "^folder $work/pictures 1 photos\$"
 sleep 0.5
 import -window root "$work/sidebar-pictures.png"
+# While the sidebar shows, a card with photos mounted joins its list, and leaves it when unmounted
+# (where this test may mount: a folder bound under /mnt, as a card reader's would be).
+volume=/mnt/vesperon-places-$$
+mkdir -p "$work/card/DCIM/100TEST"
+cp "$samples/fern.jpg" "$work/card/DCIM/100TEST/"
+if mkdir -p "$volume" 2>/dev/null && mount --bind "$work/card" "$volume" 2>/dev/null; then
+  unmount() { umount "$volume" 2>/dev/null; rmdir "$volume" 2>/dev/null || true; }
+  for _ in $(seq 50); do grep -q "^places .*| Volumes: $volume\$" "$work/out" && break; sleep 0.1; done
+  grep -q "^places .*| Volumes: $volume\$" "$work/out" || { unmount; fail "the mounted card does not show: $(grep '^places' "$work/out" | tail -1)"; }
+  sleep 0.3
+  import -window root "$work/sidebar-card.png"
+  unmount
+  for _ in $(seq 50); do tail -n 20 "$work/out" | grep '^places' | tail -1 | grep -qv "$volume" && break; sleep 0.1; done
+  grep '^places' "$work/out" | tail -1 | grep -q "$volume" && fail "the unmounted card stays: $(grep '^places' "$work/out" | tail -1)"
+else
+  rmdir "$volume" 2>/dev/null || true
+  echo "the mounted card is not tried: no folder can be mounted here"
+fi
 xdotool key F9
 wait_for '^sidebar hidden$'
 kill "$pid"; wait "$pid" 2>/dev/null || true

@@ -12,6 +12,7 @@
 
 #include "browse/BrowseController.h"
 #include "browse/BrowseDayReader.h"
+#include "browse/BrowsePlacesWatcher.h"
 #include "browse/BrowseFilter.h"
 #include "browse/BrowseFilterBar.h"
 #include "browse/BrowseFolderMonitor.h"
@@ -157,6 +158,9 @@ struct Browser : std::enable_shared_from_this<Browser> {
   void clearFilter();
   /// Shows the places sidebar, its places read anew, or hides it.
   void toggleSidebar();
+  /// Reads the places anew while the sidebar shows: a volume came or went, a folder was opened.
+  void refreshPlaces();
+  std::unique_ptr<BrowsePlacesWatcher> placesWatcher;
 };
 
 /// Remembers `folder` as the one opened last, through the folders the sandbox helper keeps.
@@ -192,6 +196,7 @@ void Browser::load(const fs::path& newFolder) {
   if (filter.predicate()) applyFilter();
   else show(all);
   report("folder " + folder.string() + " " + std::to_string(all.numberOfFiles()) + " photos");
+  refreshPlaces();  // the folder is among the remembered ones now, and the one marked
 }
 
 void Browser::applyFilter() {
@@ -645,9 +650,9 @@ void Browser::setPalette(const BrowsePalette& palette) {
   view->setNeedsDisplay(true);
 }
 
-void Browser::toggleSidebar() {
-  const bool show = sidebar->isHidden();
-  if (show) {
+void Browser::refreshPlaces() {
+  if (sidebar->isHidden()) return;
+  {
     std::vector<fs::path> remembered;
     for (const auto& url : MCSandboxHelper::sharedInstance()->sandboxURLs()) remembered.push_back(url->securityScopedURL());
     const char* pictures = g_get_user_special_dir(G_USER_DIRECTORY_PICTURES);
@@ -658,11 +663,8 @@ void Browser::toggleSidebar() {
     for (const auto& place : sidebar->places()) titles += " | " + place.section + ": " + place.folder.string();
     report("places" + titles);
   }
-  sidebar->setHidden(!show);
-  grid->resizeSubviewsWithOldSize(grid->bounds().size);
-  grid->setNeedsDisplay(true);
-  report(std::string("sidebar ") + (show ? "shown" : "hidden"));
-  if (show && window->host())
+  sidebar->setNeedsDisplay(true);
+  if (window->host())
     for (std::size_t i = 0; i < sidebar->places().size(); ++i) {
       // Where each place's row lies (window coordinates, y down), for a test to aim at.
       const MCRect row = sidebar->rectOfPlace(i);
@@ -670,6 +672,22 @@ void Browser::toggleSidebar() {
       report("place " + std::to_string(i) + " " + std::to_string(std::lround(centre.x)) + " " +
              std::to_string(std::lround(window->contentSize().height - centre.y)));
     }
+}
+
+void Browser::toggleSidebar() {
+  const bool show = sidebar->isHidden();
+  if (show && !placesWatcher) {
+    // Watched from the first time the sidebar shows: GIO's volume monitor costs a moment to start.
+    std::weak_ptr<Browser> self = weak_from_this();
+    placesWatcher = std::make_unique<BrowsePlacesWatcher>([self] {
+      if (auto b = self.lock()) b->refreshPlaces();
+    });
+  }
+  sidebar->setHidden(!show);
+  grid->resizeSubviewsWithOldSize(grid->bounds().size);
+  grid->setNeedsDisplay(true);
+  refreshPlaces();
+  report(std::string("sidebar ") + (show ? "shown" : "hidden"));
 }
 
 void Browser::clearFilter() {

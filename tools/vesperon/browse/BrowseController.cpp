@@ -532,7 +532,6 @@ void BrowseController::scheduleTrim() {
     auto self = weak.lock();
     if (!self || !self->pending_.empty()) return;
     malloc_trim(0);
-    self->trimTimer_.reset();
   });
 }
 

@@ -123,7 +123,9 @@ void BrowsePlacesSidebar::mouseDown(const MCEvent& event) {
   const MCPoint at = convertPoint(event.locationInWindow(), nullptr);
   for (std::size_t i = 0; i < places_.size(); ++i)
     if (MCPointInRect(at, rectOfPlace(i))) {
-      if (placeChosen) placeChosen(places_[i].folder);
+      // A copy: opening the place reads the places anew, and this one with them.
+      const std::filesystem::path folder = places_[i].folder;
+      if (placeChosen) placeChosen(folder);
       return;
     }
 }
