@@ -219,6 +219,30 @@ TEST(BrowseThumbnailSize, KeysWheelAndTheirLimits) {
   EXPECT_NEAR(grid.scroll->contentView()->bounds().origin.y, std::pow(grid.scroll->contentSize().height, 2.0 / 3.0), 1.0);
 }
 
+TEST(BrowseThumbnailSize, APinchGrowsAndShrinksWithinTheLimits) {
+  Grid grid(BrowseCollection::withFacts(manyFacts(300), {}), 300);
+  std::vector<double> told;
+  grid.view->scaleChanged = [&](double scale) { told.push_back(scale); };
+  const MCPoint middle = grid.inWindow({400, 300});
+  const int64_t before = grid.controller->thumbnailCache()->thumbnailSize();
+  // A pinch comes as a run of small magnifications; they add up.
+  for (int i = 0; i < 4; ++i) grid.host->magnify(middle, 0.05);
+  grid.host->run();
+  EXPECT_NEAR(grid.view->scale(), BrowseView::kDefaultScale + 0.2, 1e-9);
+  ASSERT_FALSE(told.empty());
+  EXPECT_NEAR(told.back(), grid.view->scale(), 1e-9);
+  // The thumbnails asked for from now on are of the new size.
+  EXPECT_GT(grid.controller->thumbnailCache()->thumbnailSize(), before);
+  // Far past either end: held at the largest, then at the smallest size.
+  for (int i = 0; i < 40; ++i) grid.host->magnify(middle, 0.1);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), grid.view->maxScale());
+  for (int i = 0; i < 80; ++i) grid.host->magnify(middle, -0.1);
+  grid.host->run();
+  EXPECT_DOUBLE_EQ(grid.view->scale(), grid.view->minScale());
+  EXPECT_LT(grid.controller->thumbnailCache()->thumbnailSize(), before);
+}
+
 TEST(BrowseThumbnailSize, TheSliderSetsItAndTheLinkClearsTheFilter) {
   auto window = MCWindow::create({600, BrowseStatusBar::kHeight});
   auto bar = std::make_shared<BrowseStatusBar>(MCMakeRect(0, 0, 600, BrowseStatusBar::kHeight));
