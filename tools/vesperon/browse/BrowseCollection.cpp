@@ -9,10 +9,13 @@
 #include <vesperon/platform/MCUniformTypeIdentifiers.h>
 
 #include <libexif/exif-data.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
+#include <cstring>
 #include <ctime>
 #include <fstream>
 #include <map>
@@ -33,20 +36,60 @@ std::string dayOfExifDate(const std::string& text) {
   return day;
 }
 
-std::string exifDay(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  if (!in) return "";
-  std::vector<uint8_t> bytes(kExifWindow);
-  in.read(reinterpret_cast<char*>(bytes.data()), std::streamsize(bytes.size()));
-  bytes.resize(std::size_t(in.gcount()));
-  // Only the one tag is wanted, for tens of thousands of files: libexif is asked to load the block
-  // as it is, without the fixing up to the standard and the tag table checks that a full reading
-  // does, which cost more than the load itself.
+// How many bytes from the start of the file hold its Exif block: for a JPEG, up to the end of its
+// Exif APP1 segment, found by walking the segments before it (0 when it has none); for other
+// files, a window that holds the block of any camera's file. `head` holds the first bytes read.
+std::size_t exifExtent(int fd, std::vector<uint8_t>& head, bool& isJPEG) {
+  isJPEG = head.size() >= 4 && head[0] == 0xFF && head[1] == 0xD8;
+  if (!isJPEG) return kExifWindow;
+  std::size_t pos = 2;
+  while (true) {
+    if (pos + 10 > head.size()) {
+      // The segments before the Exif block went past what was read: read on, within the window.
+      if (pos + 10 > kExifWindow) return 0;
+      const std::size_t had = head.size();
+      head.resize(std::min(kExifWindow, pos + 4096));
+      const ssize_t got = ::pread(fd, head.data() + had, head.size() - had, off_t(had));
+      head.resize(had + std::size_t(std::max<ssize_t>(got, 0)));
+      if (pos + 10 > head.size()) return 0;
+    }
+    if (head[pos] != 0xFF) return 0;
+    const uint8_t marker = head[pos + 1];
+    if (marker == 0xDA || marker == 0xD9) return 0;  // the image data: no Exif block before it
+    const std::size_t length = (std::size_t(head[pos + 2]) << 8) | head[pos + 3];
+    if (length < 2) return 0;
+    if (marker == 0xE1 && std::memcmp(head.data() + pos + 4, "Exif\0\0", 6) == 0) return pos + 2 + length;
+    pos += 2 + length;
+  }
+}
+
+std::string exifDay(const fs::path& file, bool& isJPEG) {
+  isJPEG = false;
+  const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return "";
+  // Tens of thousands of files are read: one buffer per thread, and of a JPEG only its Exif
+  // segment rather than a fixed window that is often the whole file.
+  thread_local std::vector<uint8_t> bytes;
+  bytes.resize(4096);
+  ssize_t got = ::pread(fd, bytes.data(), bytes.size(), 0);
+  bytes.resize(std::size_t(std::max<ssize_t>(got, 0)));
+  const std::size_t extent = exifExtent(fd, bytes, isJPEG);
+  if (extent > bytes.size()) {
+    const std::size_t had = bytes.size();
+    bytes.resize(extent);
+    got = ::pread(fd, bytes.data() + had, extent - had, off_t(had));
+    bytes.resize(had + std::size_t(std::max<ssize_t>(got, 0)));
+  }
+  ::close(fd);
+  if (extent == 0 || bytes.empty()) return "";
+  // Only the one tag is wanted: libexif is asked to load the block as it is, without the fixing
+  // up to the standard and the tag table checks that a full reading does, which cost more than
+  // the load itself.
   ExifData* data = exif_data_new();
   if (!data) return "";
   exif_data_unset_option(data, EXIF_DATA_OPTION_FOLLOW_SPECIFICATION);
   exif_data_unset_option(data, EXIF_DATA_OPTION_IGNORE_UNKNOWN_TAGS);
-  exif_data_load_data(data, bytes.data(), static_cast<unsigned int>(bytes.size()));
+  exif_data_load_data(data, bytes.data(), static_cast<unsigned int>(std::min(bytes.size(), extent)));
   std::string day;
   for (ExifIfd ifd : {EXIF_IFD_EXIF, EXIF_IFD_0}) {
     const ExifEntry* entry = exif_content_get_entry(data->ifd[ifd], EXIF_TAG_DATE_TIME_ORIGINAL);
@@ -85,8 +128,10 @@ std::string modificationDay(const fs::path& file) {
 
 std::string BrowseCollection::captureDay(const fs::path& file, bool readExif) {
   if (readExif) {
-    std::string day = exifDay(file);
-    if (day.empty()) day = plugInDay(file);
+    bool isJPEG = false;
+    std::string day = exifDay(file, isJPEG);
+    // A JPEG says all it has in its Exif segment; other formats are asked of their plug-in.
+    if (day.empty() && !isJPEG) day = plugInDay(file);
     if (!day.empty()) return day;
   }
   return modificationDay(file);
