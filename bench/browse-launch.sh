@@ -61,6 +61,7 @@ if command -v openbox >/dev/null; then
   for _ in $(seq 100); do xprop -root _NET_SUPPORTING_WM_CHECK 2>/dev/null | grep -q 'window id' && break; sleep 0.05; done
 fi
 if [ "$who" = ours ]; then
+  start=$(date +%s.%N)
   "$vesperon" browse "$work/photos" --size 1024x720 --report >"$work/out" 2>/dev/null &
   pid=$!
   for _ in $(seq 400); do grep -q '^ready ' "$work/out" && break; sleep 0.05; done
@@ -73,7 +74,15 @@ else
   w=$(xdotool search --onlyvisible --class gthumb | head -1)
   xdotool windowsize "$w" 1024 720 2>/dev/null || true
 fi
-sleep 6  # the first screen's thumbnails, made on the programs' own threads
+# The first screen's thumbnails, made on the programs' own threads; of ours, also when the last
+# capture day was read (the groups are final from then on), said on stderr.
+for _ in $(seq 120); do
+  if [ "$who" = ours ] && [ -z "${daysRead:-}" ] && grep -q '^days read$' "$work/out"; then
+    daysRead=$(awk -v a="$start" -v b="$(date +%s.%N)" 'BEGIN { printf "%.2f", b - a }')
+    echo "every capture day read (groups final) $daysRead s after launch, on screen" >&2
+  fi
+  sleep 0.05
+done
 first=$(rss "$pid")
 import -window root "$shots/$who-first.png" 2>/dev/null
 xdotool windowactivate --sync "$w" 2>/dev/null || xdotool windowfocus --sync "$w" 2>/dev/null
@@ -92,7 +101,7 @@ kill "$pid"
 echo "$first $after"
 INNER
 chmod +x "$work/memory.sh"
-read -r ours oursAfter < <(xvfb-run -a -s "-screen 0 1280x900x24" "$work/memory.sh" ours "$work" "$vesperon" "$shots" | tail -1)
+read -r ours oursAfter < <(xvfb-run -a -s "-screen 0 1280x900x24" "$work/memory.sh" ours "$work" "$vesperon" "$shots" 2>&1 | tee >(grep '^every' >&2) | tail -1)
 echo "resident memory after the first screen: vesperon browse $ours MB; after 300 Page Downs $oursAfter MB"
 if ! command -v gthumb >/dev/null; then
   echo "peer: gThumb is not installed (apt-get install gthumb); its figure is skipped"

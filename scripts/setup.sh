@@ -9,7 +9,7 @@ PACKAGES=(
   # the command line of the vesperon program
   libcli11-dev
   # libraries the code links
-  libglib2.0-dev libcairo2-dev libpango1.0-dev liblcms2-dev
+  libglib2.0-dev libcairo2-dev zlib1g-dev libpango1.0-dev liblcms2-dev
   libjpeg62-turbo-dev libpng-dev libexif-dev libexempi-dev libicu-dev libxml2-dev
   nlohmann-json3-dev libfmt-dev
   # the TIFF, WebP, HEIF and video plug-ins, and the encoders that made their samples and fixtures

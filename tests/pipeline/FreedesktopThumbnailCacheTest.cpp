@@ -5,6 +5,7 @@
 
 #include <vesperon/pipeline/MCFreedesktopThumbnailCache.h>
 #include <vesperon/pipeline/MCThumbnailLoadOptions.h>
+#include <vesperon/pixels/MCImageFiles.h>
 #include <vesperon/pixels/MCPNGChunks.h>
 
 #include <fcntl.h>
@@ -124,6 +125,49 @@ TEST(FreedesktopThumbnailCache, EntriesAreNamedAndCheckedAsTheStandardSays) {
   // A damaged entry is no entry.
   std::ofstream(entry, std::ios::binary | std::ios::trunc) << "\x89PNG\r\n\x1a\n broken";
   EXPECT_FALSE(cache.thumbnailForFile(photo, 256));
+}
+
+// An entry keeps every pixel of the thumbnail: an opaque one exactly, a translucent one with its
+// alpha exact and its colours as far as premultiplying keeps them, read back by the PNG decoder.
+TEST(FreedesktopThumbnailCache, EntriesKeepEveryPixelAndTheirTransparency) {
+  PipelineTestFolder folder("shared-pixels");
+  const fs::path photo = folder.jpeg("pixels.jpg", 64, 48, kRed);
+  MCFreedesktopThumbnailCache cache(folder.path() / "thumbnails");
+  const fs::path entry =
+      folder.path() / "thumbnails" / "large" / (md5(MCFreedesktopThumbnailCache::uriOfFile(photo)) + ".png");
+  for (const bool translucent : {false, true}) {
+    SCOPED_TRACE(translucent ? "translucent" : "opaque");
+    const std::size_t width = 181, height = 137;  // odd sizes: no row lines up by chance
+    // Straight colours and their alpha; the image holds them premultiplied.
+    std::vector<uint8_t> pixels, premultiplied;
+    for (std::size_t y = 0; y < height; ++y)
+      for (std::size_t x = 0; x < width; ++x) {
+        const uint8_t a = uint8_t(translucent ? 64 + (x + y) % 192 : 255);
+        const uint8_t straight[3] = {uint8_t(x * 7 + y), uint8_t(y * 3), uint8_t((x * y) % 251)};
+        pixels.insert(pixels.end(), {straight[0], straight[1], straight[2], a});
+        for (uint8_t c : straight) premultiplied.push_back(uint8_t((c * a + 127) / 255));
+        premultiplied.push_back(a);
+      }
+    const auto image = MCRasterImage::createRGBA8(width, height, premultiplied);
+    ASSERT_TRUE(cache.writeThumbnailForFile(photo, image));
+    auto read = MCCreateImageWithURL(entry);
+    ASSERT_TRUE(read);
+    ASSERT_EQ(read->width(), width);
+    ASSERT_EQ(read->height(), height);
+    const std::size_t step = read->bitsPerPixel() / 8;
+    // The decoder may hand the pixels back premultiplied or not; compared in the same form.
+    const bool readPremultiplied = read->alphaInfo() == MCImageAlphaPremultipliedLast;
+    int worst = 0;
+    for (std::size_t y = 0; y < height; ++y)
+      for (std::size_t x = 0; x < width; ++x) {
+        const uint8_t* want = (readPremultiplied ? premultiplied : pixels).data() + (y * width + x) * 4;
+        const uint8_t* got = read->row(y) + x * step;
+        if (step == 4) EXPECT_EQ(got[3], want[3]) << x << "," << y;
+        for (int c = 0; c < 3; ++c) worst = std::max(worst, std::abs(int(got[c]) - int(want[c])));
+      }
+    // Premultiplied by an alpha of 64 or more, a straight channel comes back within 255 / 64 / 2.
+    EXPECT_LE(worst, translucent ? 2 : 0) << (readPremultiplied ? "premultiplied" : "straight");
+  }
 }
 
 TEST(FreedesktopThumbnailCache, TextAfterTheImageDataCountsAndOnlyRegularFilesAreRead) {

@@ -7,6 +7,7 @@
 #include <vesperon/platform/MCRegularFile.h>
 
 #include <cairo.h>
+#include <zlib.h>
 #include <glib.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -31,20 +32,98 @@ std::optional<int64_t> modificationTime(const std::filesystem::path& file) {
 // Entries are at most 1024 pixels a side; even stored without compression they stay below this.
 constexpr std::size_t kMaxEntrySize = 16 * 1024 * 1024;
 
-// The image as a PNG through Cairo, from the same premultiplied sRGB surface that drawing uses,
-// whatever the image's own layout.
+void appendBigEndian(MCData& out, uint32_t value) {
+  for (int shift = 24; shift >= 0; shift -= 8) out.push_back(uint8_t(value >> shift));
+}
+
+void appendChunk(MCData& out, const char* type, const uint8_t* data, std::size_t length) {
+  appendBigEndian(out, uint32_t(length));
+  const std::size_t start = out.size();
+  out.insert(out.end(), type, type + 4);
+  if (length) out.insert(out.end(), data, data + length);
+  appendBigEndian(out, uint32_t(crc32(0, out.data() + start, uInt(length + 4))));
+}
+
+// The image as a PNG, from the same premultiplied sRGB surface that drawing uses, whatever the
+// image's own layout: RGB when every pixel is opaque, else RGBA with the alpha divided out. Each
+// row is stored as its difference from the pixel on its left, compressed as runs (zlib's RLE
+// strategy): an entry of 256 pixels is made several times faster than by the usual adaptive
+// filters and full deflate, and comes out no larger for photographs.
 std::optional<MCData> encodePNG(const MCRasterImageRef& image) {
   cairo_surface_t* surface = image ? MCGraphicsContext::createSurfaceForImage(*image) : nullptr;
   if (!surface) return std::nullopt;
-  MCData png;
-  const auto write = [](void* closure, const unsigned char* data, unsigned int length) {
-    auto* out = static_cast<MCData*>(closure);
-    out->insert(out->end(), data, data + length);
-    return CAIRO_STATUS_SUCCESS;
-  };
-  const cairo_status_t status = cairo_surface_write_to_png_stream(surface, write, &png);
+  cairo_surface_flush(surface);
+  const int width = cairo_image_surface_get_width(surface), height = cairo_image_surface_get_height(surface);
+  const int stride = cairo_image_surface_get_stride(surface);
+  const cairo_format_t format = cairo_image_surface_get_format(surface);
+  const unsigned char* pixels = cairo_image_surface_get_data(surface);
+  if (!pixels || width <= 0 || height <= 0 || (format != CAIRO_FORMAT_ARGB32 && format != CAIRO_FORMAT_RGB24)) {
+    cairo_surface_destroy(surface);
+    return std::nullopt;
+  }
+  bool opaque = true;
+  if (format == CAIRO_FORMAT_ARGB32)
+    for (int y = 0; y < height && opaque; ++y) {
+      const auto* row = reinterpret_cast<const uint32_t*>(pixels + std::size_t(y) * std::size_t(stride));
+      for (int x = 0; x < width; ++x)
+        if ((row[x] >> 24) != 0xFF) {
+          opaque = false;
+          break;
+        }
+    }
+  const std::size_t channels = opaque ? 3 : 4, rowBytes = std::size_t(width) * channels;
+  std::vector<uint8_t> raw((rowBytes + 1) * std::size_t(height));
+  std::vector<uint8_t> line(rowBytes);
+  for (int y = 0; y < height; ++y) {
+    const auto* row = reinterpret_cast<const uint32_t*>(pixels + std::size_t(y) * std::size_t(stride));
+    for (int x = 0; x < width; ++x) {
+      const uint32_t p = row[x];
+      const uint32_t a = format == CAIRO_FORMAT_RGB24 ? 0xFF : p >> 24;
+      uint32_t r = (p >> 16) & 0xFF, g = (p >> 8) & 0xFF, b = p & 0xFF;
+      if (a != 0xFF && a != 0) {
+        r = (r * 255 + a / 2) / a;
+        g = (g * 255 + a / 2) / a;
+        b = (b * 255 + a / 2) / a;
+      }
+      uint8_t* out = line.data() + std::size_t(x) * channels;
+      out[0] = uint8_t(r);
+      out[1] = uint8_t(g);
+      out[2] = uint8_t(b);
+      if (!opaque) out[3] = uint8_t(a);
+    }
+    uint8_t* filtered = raw.data() + std::size_t(y) * (rowBytes + 1);
+    filtered[0] = 1;  // Sub
+    for (std::size_t i = 0; i < rowBytes; ++i)
+      filtered[1 + i] = uint8_t(line[i] - (i >= channels ? line[i - channels] : 0));
+  }
   cairo_surface_destroy(surface);
-  if (status != CAIRO_STATUS_SUCCESS) return std::nullopt;
+
+  uLongf packedSize = compressBound(uLong(raw.size()));
+  std::vector<uint8_t> packed(packedSize);
+  z_stream stream{};
+  if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, 15, 8, Z_RLE) != Z_OK) return std::nullopt;
+  stream.next_in = raw.data();
+  stream.avail_in = uInt(raw.size());
+  stream.next_out = packed.data();
+  stream.avail_out = uInt(packed.size());
+  const int status = deflate(&stream, Z_FINISH);
+  packedSize = stream.total_out;
+  deflateEnd(&stream);
+  if (status != Z_STREAM_END) return std::nullopt;
+
+  static constexpr uint8_t kSignature[] = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'};
+  MCData png(std::begin(kSignature), std::end(kSignature));
+  uint8_t header[13];
+  for (int i = 0; i < 4; ++i) {
+    header[i] = uint8_t(uint32_t(width) >> (24 - 8 * i));
+    header[4 + i] = uint8_t(uint32_t(height) >> (24 - 8 * i));
+  }
+  header[8] = 8;                  // bits a channel
+  header[9] = opaque ? 2 : 6;     // RGB or RGBA
+  header[10] = header[11] = header[12] = 0;  // deflate, adaptive filtering, no interlace
+  appendChunk(png, "IHDR", header, sizeof header);
+  appendChunk(png, "IDAT", packed.data(), packedSize);
+  appendChunk(png, "IEND", nullptr, 0);
   return png;
 }
 
