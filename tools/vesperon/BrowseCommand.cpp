@@ -113,6 +113,7 @@ struct Browser : std::enable_shared_from_this<Browser> {
   BrowseFilter filter;
   std::jthread propertyReader;
   std::unique_ptr<BrowseDayReader> dayReader;  // a large folder's capture days, read after it shows
+  bool readingDays = false;                     // until the reader delivered its last batch
   /// The catalogue of `vesperon index`, when the user keeps one: a catalogued folder's capture days
   /// and the filter's properties come from it instead of the files.
   std::shared_ptr<MCCatalogue> catalogue;
@@ -286,8 +287,10 @@ bool Browser::takeCataloguedFolder() {
 
 void Browser::readPendingDays() {
   dayReader.reset();
+  readingDays = false;
   auto pending = all.filesWithPendingDays();
   if (pending.empty()) return;
+  readingDays = true;
   std::weak_ptr<Browser> self = weak_from_this();
   dayReader = std::make_unique<BrowseDayReader>(
       std::move(pending),
@@ -299,7 +302,10 @@ void Browser::readPendingDays() {
         if (changed) b->regroup();
       },
       [self] {
-        if (auto b = self.lock()) b->report("days read");
+        auto b = self.lock();
+        if (!b) return;
+        b->readingDays = false;
+        b->report("days read");
       });
 }
 
@@ -308,6 +314,7 @@ void Browser::folderChanged() {
   if (!fs::is_directory(folder, ec)) {
     // Gone (deleted, unmounted, renamed): say so, and keep the window for another folder.
     dayReader.reset();
+    readingDays = false;
     monitor.reset();
     all = BrowseCollection::withFacts({}, order);
     show(all);
@@ -806,8 +813,10 @@ int renderOffscreen(const BrowseSettings& settings, const fs::path& folder) {
   auto b = makeBrowser(settings, folder);
   MCOffscreenHost host(b->window, 1.0);
   b->controller->attach(b->view);
-  // The first screen, once what it shows has arrived (or failed).
-  MCMainQueue::runUntil([&] { return b->controller->pendingCount() == 0; }, std::chrono::seconds(60));
+  // The first screen, once its groups are final (every capture day read) and what it shows has
+  // arrived (or failed).
+  MCMainQueue::runUntil([&] { return !b->readingDays && b->controller->pendingCount() == 0; },
+                        std::chrono::seconds(60));
   std::string said = b->controller->statusLine();
   if (settings.report) {
     // When the first screen was complete, for a benchmark to take from its own start.
