@@ -164,7 +164,15 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::create(std::shared_ptr<MCWindo
                    }), host.get());
   gtk_widget_add_controller(host->widget_, legacy);
 
-  GtkEventController* scroll = gtk_event_controller_scroll_new(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES);
+  // Kinetic: after a flick on a touchpad GTK tells the velocity, and the content glides on.
+  GtkEventController* scroll = gtk_event_controller_scroll_new(
+      GtkEventControllerScrollFlags(GTK_EVENT_CONTROLLER_SCROLL_BOTH_AXES | GTK_EVENT_CONTROLLER_SCROLL_KINETIC));
+  g_signal_connect(scroll, "scroll-begin", G_CALLBACK(+[](GtkEventControllerScroll*, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->stopGliding();
+                   }), host.get());
+  g_signal_connect(scroll, "decelerate", G_CALLBACK(+[](GtkEventControllerScroll*, double vx, double vy, gpointer data) {
+                     static_cast<MCGtkWindowHost*>(data)->decelerate(vx, vy);
+                   }), host.get());
   g_signal_connect(scroll, "scroll", G_CALLBACK(+[](GtkEventControllerScroll* controller, double dx, double dy,
                                                     gpointer data) -> gboolean {
                      const bool precise = gtk_event_controller_scroll_get_unit(controller) == GDK_SCROLL_UNIT_SURFACE;
@@ -235,6 +243,7 @@ std::shared_ptr<MCGtkWindowHost> MCGtkWindowHost::createForView(std::shared_ptr<
 
 MCGtkWindowHost::~MCGtkWindowHost() {
   endDragInFlight();
+  stopGliding();
   removeContextMenu();
   if (window_->host() == this) window_->setHost(nullptr);
   if (widget_) g_object_unref(widget_);
@@ -502,6 +511,7 @@ bool MCGtkWindowHost::legacyEvent(GdkEvent* event) {
   lastWidgetY_ = y;
   MCEventType kind;
   const bool press = type == GDK_BUTTON_PRESS;
+  if (press) stopGliding();  // a click holds a gliding page where it is
   if (button == GDK_BUTTON_PRIMARY) kind = press ? MCEventType::LeftMouseDown : MCEventType::LeftMouseUp;
   else if (button == GDK_BUTTON_SECONDARY) kind = press ? MCEventType::RightMouseDown : MCEventType::RightMouseUp;
   else kind = press ? MCEventType::OtherMouseDown : MCEventType::OtherMouseUp;
@@ -512,6 +522,34 @@ bool MCGtkWindowHost::legacyEvent(GdkEvent* event) {
 void MCGtkWindowHost::scrolled(double dx, double dy, bool precise, unsigned state) {
   // GTK's deltas grow as the content should move up; the platform's grow as it moves down.
   deliver(MCEvent::scrollWheelEvent(pointer_, -dx, -dy, precise, modifierFlags(GdkModifierType(state))));
+}
+
+void MCGtkWindowHost::decelerate(double velocityX, double velocityY) {
+  stopGliding();
+  glide_ = MCKineticScroll({velocityX * 1000, velocityY * 1000});
+  if (!glide_.isActive() || !widget_) return;
+  glideFrameTime_ = 0;
+  glideTick_ = gtk_widget_add_tick_callback(
+      widget_,
+      +[](GtkWidget*, GdkFrameClock* clock, gpointer data) -> gboolean {
+        auto* host = static_cast<MCGtkWindowHost*>(data);
+        const gint64 now = gdk_frame_clock_get_frame_time(clock);
+        const double seconds = host->glideFrameTime_ ? double(now - host->glideFrameTime_) / 1e6 : 1.0 / 60;
+        host->glideFrameTime_ = now;
+        const MCPoint moved = host->glide_.step(seconds);
+        // As precise scrolling, without modifiers: a glide never zooms.
+        if (moved.x != 0 || moved.y != 0) host->scrolled(moved.x, moved.y, true, 0);
+        if (host->glide_.isActive()) return G_SOURCE_CONTINUE;
+        host->glideTick_ = 0;
+        return G_SOURCE_REMOVE;
+      },
+      this, nullptr);
+}
+
+void MCGtkWindowHost::stopGliding() {
+  glide_.stop();
+  if (glideTick_ && widget_) gtk_widget_remove_tick_callback(widget_, glideTick_);
+  glideTick_ = 0;
 }
 
 void MCGtkWindowHost::zoomBegan() { lastZoomScale_ = 1; }

@@ -18,6 +18,7 @@
 // event of their mask is queued. While the host lives, the general pasteboard is the desktop
 // clipboard, and drags started by views are real drags offering text/uri-list and text/plain.
 
+#include <vesperon/toolkit/MCKineticScroll.h>
 #include <vesperon/toolkit/MCWindow.h>
 #include <vesperon/toolkit/MCWindowHost.h>
 
@@ -133,6 +134,11 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   void allocated(int width, int height);
   bool legacyEvent(GdkEvent* event);
   void scrolled(double dx, double dy, bool precise, unsigned state);
+  /// A touchpad scroll ended at this velocity (points a millisecond, GTK's direction): the
+  /// content glides on, slowing down, until it stops or the next touch or click.
+  void decelerate(double velocityX, double velocityY);
+  /// Ends a glide.
+  void stopGliding();
   void zoomBegan();
   void zoomChanged(double scale);
   bool keyPressed(unsigned keyval, unsigned state, bool pressed);
@@ -168,6 +174,9 @@ class MCGtkWindowHost : public MCWindowHost, public std::enable_shared_from_this
   double lastPressX_ = -1e9, lastPressY_ = -1e9;
   int clickCount_ = 0;
   double lastZoomScale_ = 1;
+  MCKineticScroll glide_;
+  unsigned glideTick_ = 0;     // the frame clock's tick callback while gliding
+  int64_t glideFrameTime_ = 0;  // microseconds, of the frame the glide moved at last
   std::shared_ptr<MCPasteboardBackend> clipboard_;
   bool closing_ = false;
   bool fullScreen_ = false;
