@@ -288,7 +288,7 @@ TEST(BrowseThumbnailSize, TheMemoryCacheHoldsAFewScreensAtEverySize) {
     EXPECT_GT(double(kept + 1) * each, budget) << side;
   }
   // The default size keeps several screens of a dozen cards.
-  EXPECT_GE(BrowseController::thumbnailsToKeep(180, 24), 72u);
+  EXPECT_GE(BrowseController::thumbnailsToKeep(180, 24), 60u);
   // Many small cards on a large screen: never fewer than twice what the view prefetches.
   EXPECT_EQ(BrowseController::thumbnailsToKeep(180, 600), 1200u);
   EXPECT_EQ(BrowseController::thumbnailsToKeep(720, 30), 60u);

@@ -19,7 +19,7 @@
 
 class BrowseCacheWriter {
  public:
-  explicit BrowseCacheWriter(std::size_t capacity = 24);
+  explicit BrowseCacheWriter(std::size_t capacity = 16);
   ~BrowseCacheWriter();
   BrowseCacheWriter(const BrowseCacheWriter&) = delete;
   BrowseCacheWriter& operator=(const BrowseCacheWriter&) = delete;

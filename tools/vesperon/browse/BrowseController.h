@@ -85,7 +85,7 @@ class BrowseController : public MCBrowserViewDataSource,
   /// About how many bytes of thumbnails the memory cache holds: a few screens' worth, so that
   /// scrolling through a large folder keeps memory flat; what falls out comes back from the shared
   /// cache on disk without a decode.
-  static constexpr double kThumbnailBytesInMemory = 8 << 20;
+  static constexpr double kThumbnailBytesInMemory = 6 << 20;
   /// How many thumbnails of this larger side the memory cache keeps: what the byte budget holds,
   /// and never fewer than twice what the view prefetches, so that a screen of small thumbnails
   /// does not push out its own.
