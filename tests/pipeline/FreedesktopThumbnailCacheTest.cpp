@@ -162,7 +162,9 @@ TEST(FreedesktopThumbnailCache, EntriesKeepEveryPixelAndTheirTransparency) {
       for (std::size_t x = 0; x < width; ++x) {
         const uint8_t* want = (readPremultiplied ? premultiplied : pixels).data() + (y * width + x) * 4;
         const uint8_t* got = read->row(y) + x * step;
-        if (step == 4) EXPECT_EQ(got[3], want[3]) << x << "," << y;
+        if (step == 4) {
+          EXPECT_EQ(got[3], want[3]) << x << "," << y;
+        }
         for (int c = 0; c < 3; ++c) worst = std::max(worst, std::abs(int(got[c]) - int(want[c])));
       }
     // Premultiplied by an alpha of 64 or more, a straight channel comes back within 255 / 64 / 2.
