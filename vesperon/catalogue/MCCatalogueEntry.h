@@ -15,9 +15,10 @@ struct MCCatalogueEntry {
   /// The day the entry is grouped under, "YYYY-MM-DD": its capture date's, else its modification
   /// date's (local time).
   std::string day;
-  /// The file's size and modification time (seconds) as the last scan found them, so that a
-  /// browser can show the entry before it looks at the file.
+  /// The file's size as the last scan found it, so that a browser can show the entry before it
+  /// looks at the file.
   int64_t size = 0;
+  /// The file's modification time in seconds since the epoch, as the last scan found it.
   int64_t modificationTime = 0;
 };
 

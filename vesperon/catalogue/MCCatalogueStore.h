@@ -26,29 +26,30 @@
 
 /// What tells a scan that a file changed: the same path with another identity is read again.
 struct MCCatalogueFileIdentity {
-  int64_t device = 0;
-  int64_t inode = 0;
-  int64_t size = 0;
+  int64_t device = 0;          ///< the file system's device number
+  int64_t inode = 0;           ///< the file's inode on it
+  int64_t size = 0;            ///< bytes
   int64_t modificationNs = 0;  ///< nanoseconds since the epoch
   int64_t sidecarSize = -1;    ///< the XMP sidecar's size; -1 without one
-  int64_t sidecarModificationNs = -1;
+  int64_t sidecarModificationNs = -1;  ///< the sidecar's modification time as above; -1 without one
+  /// Identities are equal when every field is.
   bool operator==(const MCCatalogueFileIdentity&) const = default;
 };
 
 /// A file as a scan read it, to be stored.
 struct MCCatalogueRecord {
   std::string path;  ///< absolute, as bytes
-  MCCatalogueFileIdentity identity;
+  MCCatalogueFileIdentity identity;  ///< as the scan found it
   std::optional<std::string> type;  ///< its type identifier, when known
   MCDictionary properties;          ///< MCMediaPropertiesOfFile's, empty when it could not be read
   bool readable = false;            ///< false when its properties could not be read
-  long colorLabel = 0;
+  long colorLabel = 0;              ///< its colour label, 0 to 7; 0 for none
 };
 
 /// A stored file as a scan compares it: the store's key for it, and its identity.
 struct MCCatalogueStoredFile {
-  int64_t key = 0;
-  MCCatalogueFileIdentity identity;
+  int64_t key = 0;                   ///< the store's own key for the file
+  MCCatalogueFileIdentity identity;  ///< as the last scan stored it
 };
 
 /// A question over the stored files.

@@ -18,7 +18,9 @@ class MCKineticScroll {
   /// A motion starting at `velocity`, in points a second.
   explicit MCKineticScroll(MCPoint velocity);
 
+  /// Whether the content is still moving.
   bool isActive() const { return active_; }
+  /// The speed now, in points a second along each axis.
   MCPoint velocity() const { return velocity_; }
   /// The distance to move over the next `seconds` (none when not moving, or for no time); the
   /// velocity drops accordingly, and the motion ends when it is slow enough.
