@@ -240,7 +240,7 @@ void BrowseViewerPage::viewControllerDidAppear(bool) {
       if (auto page = weak.lock()) page->receive(std::move(pixels));
     });
     wantOnly();
-    fitRequested_ = fitPixelSize(photoSize());
+    fitRequested_ = firstFitRequest();
     loader_->loadFit(file_, fitRequested_);
     readProperties();
   }
@@ -391,7 +391,7 @@ void BrowseViewerPage::showPosition(std::size_t position) {
     showFit(found->second);
   } else {
     show(BrowseDrawableImage(sequence_.thumbnail ? sequence_.thumbnail(path) : nullptr, 1));
-    fitRequested_ = fitPixelSize(photoSize());
+    fitRequested_ = firstFitRequest();
     if (loader_) loader_->loadFit(file_, fitRequested_);
   }
   const long label = MCColorLabelMapper::labelOfFile(file_);
@@ -400,6 +400,13 @@ void BrowseViewerPage::showPosition(std::size_t position) {
   readProperties();
   if (report_) report_("viewer open " + file_.string());
   if (loaded_) lookAhead();
+}
+
+std::size_t BrowseViewerPage::firstFitRequest() const {
+  // Until the properties tell the photo's size, its proportions are the thumbnail's, a little
+  // off; asking a little more than the guess keeps the decode from being asked again at once.
+  const std::size_t guess = fitPixelSize(photoSize());
+  return photoSize_.width > 0 ? guess : guess + guess / 50 + 2;
 }
 
 MCSize BrowseViewerPage::photoSize() const {

@@ -120,6 +120,8 @@ class BrowseViewerPage : public MCViewController, public MCZoomViewDelegate {
   /// The larger side, in pixels, a photo of these proportions needs at fit in the zoom view (the
   /// view's larger side when they are not known).
   std::size_t fitPixelSize(MCSize photo) const;
+  /// The fit decode to ask for as a photo opens, while its size may be only the thumbnail's.
+  std::size_t firstFitRequest() const;
   void wantOnly();
   void lookAhead();
   bool isNeighbour(const std::filesystem::path& file) const;
