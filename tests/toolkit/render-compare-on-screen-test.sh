@@ -8,7 +8,7 @@
 # Usage: render-compare-on-screen-test.sh PROGRAM. Exit 77 (skipped) only when no X server starts.
 set -euo pipefail
 program=$1
-source "$(dirname "$0")/../../../tests/support/screen-test.sh"
+source "$(dirname "$0")/../support/screen-test.sh"
 screen_test_start 800x600 "$0" "$@"
 fail() { echo "FAIL: $*"; cat "$work/err" 2>/dev/null || true; exit 1; }
 # Both of GTK's renderers: Cairo draws the images from Cairo nodes, GL from textures.
