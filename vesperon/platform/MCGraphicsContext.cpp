@@ -157,13 +157,7 @@ std::shared_ptr<MCGraphicsContext> MCGraphicsContext::create(std::size_t width, 
   context->surface_ = cairo_image_surface_create(layout.hasAlpha() ? CAIRO_FORMAT_ARGB32 : CAIRO_FORMAT_RGB24,
                                                  int(width), int(height));
   if (cairo_surface_status(context->surface_) != CAIRO_STATUS_SUCCESS) return nullptr;
-  context->cr_ = cairo_create(context->surface_);
-  if (cairo_status(context->cr_) != CAIRO_STATUS_SUCCESS) return nullptr;
-  // Into the platform's coordinates: origin at the bottom left, y up.
-  cairo_translate(context->cr_, 0, double(height));
-  cairo_scale(context->cr_, 1, -1);
-  context->states_.emplace_back();
-  context->states_.back().clip.rect = MCMakeRect(0, 0, double(width), double(height));
+  if (!context->startDrawing()) return nullptr;
   return context;
 }
 
@@ -186,14 +180,20 @@ std::shared_ptr<MCGraphicsContext> MCGraphicsContext::createRecording(std::size_
   if (cairo_surface_status(context->surface_) != CAIRO_STATUS_SUCCESS) return nullptr;
   context->run_ = cairo_recording_surface_create(CAIRO_CONTENT_COLOR_ALPHA, &extents);
   cairo_tee_surface_add(context->surface_, context->run_);
-  context->cr_ = cairo_create(context->surface_);
-  if (cairo_status(context->cr_) != CAIRO_STATUS_SUCCESS) return nullptr;
-  cairo_translate(context->cr_, 0, double(height));
-  cairo_scale(context->cr_, 1, -1);
-  context->states_.emplace_back();
-  context->states_.back().clip.rect = MCMakeRect(0, 0, double(width), double(height));
+  if (!context->startDrawing()) return nullptr;
   context->sink_ = sink;
   return context;
+}
+
+bool MCGraphicsContext::startDrawing() {
+  cr_ = cairo_create(surface_);
+  if (cairo_status(cr_) != CAIRO_STATUS_SUCCESS) return false;
+  // Into the platform's coordinates: origin at the bottom left, y up.
+  cairo_translate(cr_, 0, double(height_));
+  cairo_scale(cr_, 1, -1);
+  states_.emplace_back();
+  states_.back().clip.rect = MCMakeRect(0, 0, double(width_), double(height_));
+  return true;
 }
 
 namespace {

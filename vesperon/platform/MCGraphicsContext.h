@@ -199,6 +199,8 @@ class MCGraphicsContext {
  private:
   struct State;
   MCGraphicsContext() = default;
+  // The Cairo context over surface_, in the platform's coordinates, with the first state.
+  bool startDrawing();
   void applySource(bool stroke);
   void applyOperator();
   void applyPath(const MCRect& rect, bool ellipse);
