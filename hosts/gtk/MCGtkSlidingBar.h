@@ -36,7 +36,7 @@ class MCGtkSlidingBar {
 
  private:
   MCGtkSlidingBar() = default;
-  static void childRevealedChanged(GtkWidget* revealer, void* spec, MCGtkSlidingBar* bar);
+  static void childRevealedChanged(GtkWidget* revealer, void* property, MCGtkSlidingBar* bar);
 
   GtkWidget* revealer_ = nullptr;
   GtkWidget* focusAfterHiding_ = nullptr;

@@ -356,7 +356,8 @@ const std::vector<MCCatalogueColumn>& MCCatalogueColumns() {
 std::string MCCatalogueWhereClause(const MCPredicateNode& predicate, MCCataloguePredicateContext& context,
                                    bool& translated) {
   Translator translator{context};
-  // Part 0 is the whole predicate, for rows whose values do not fit their columns.
+  // The first of the context's parts (index 0) is the whole predicate, for rows whose values do not
+  // fit their columns.
   context.parts.push_back(Unowned::of(predicate));
   const std::string sql = translator.predicate(Unowned::of(predicate));
   translated = translator.translated;
