@@ -10,16 +10,11 @@ graphene_rect_t grapheneRect(const MCRect& r) {
   return GRAPHENE_RECT_INIT(float(r.origin.x), float(r.origin.y), float(r.size.width), float(r.size.height));
 }
 
-bool contains(const MCRect& outer, const MCRect& inner) {
-  return MCMinX(inner) >= MCMinX(outer) && MCMinY(inner) >= MCMinY(outer) && MCMaxX(inner) <= MCMaxX(outer) &&
-         MCMaxY(inner) <= MCMaxY(outer);
-}
-
 }  // namespace
 
 int MCGtkSnapshotSink::pushClip(const MCDrawingClip& clip, const MCRect& bounds) {
   int pushed = 0;
-  if (!contains(clip.rect, bounds)) {
+  if (!MCContainsRect(clip.rect, bounds)) {
     const graphene_rect_t r = grapheneRect(clip.rect);
     gtk_snapshot_push_clip(snapshot_, &r);
     ++pushed;
@@ -58,7 +53,7 @@ bool MCGtkSnapshotSink::fillRect(const MCRect& rect, const MCDrawingClip& clip, 
   // A fill is held back until the next op: an opaque fill over all of it (a view's background
   // over the window's) means it need not be drawn at all.
   const bool opaqueCover = alpha >= 1 && clip.radius <= 0;
-  if (pending_ && !(opaqueCover && contains(rect, pending_->rect))) flushPendingFill();
+  if (pending_ && !(opaqueCover && MCContainsRect(rect, pending_->rect))) flushPendingFill();
   pending_ = PendingFill{rect, clip, {float(red), float(green), float(blue), float(alpha)}};
   return true;
 }

@@ -7,8 +7,8 @@
 #include <vesperon/platform/MCRegularFile.h>
 
 #include <cairo.h>
-#include <zlib.h>
 #include <glib.h>
+#include <zlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -31,18 +31,6 @@ std::optional<int64_t> modificationTime(const std::filesystem::path& file) {
 
 // Entries are at most 1024 pixels a side; even stored without compression they stay below this.
 constexpr std::size_t kMaxEntrySize = 16 * 1024 * 1024;
-
-void appendBigEndian(MCData& out, uint32_t value) {
-  for (int shift = 24; shift >= 0; shift -= 8) out.push_back(uint8_t(value >> shift));
-}
-
-void appendChunk(MCData& out, const char* type, const uint8_t* data, std::size_t length) {
-  appendBigEndian(out, uint32_t(length));
-  const std::size_t start = out.size();
-  out.insert(out.end(), type, type + 4);
-  if (length) out.insert(out.end(), data, data + length);
-  appendBigEndian(out, uint32_t(crc32(0, out.data() + start, uInt(length + 4))));
-}
 
 // The image as a PNG, from the same premultiplied sRGB surface that drawing uses, whatever the
 // image's own layout: RGB when every pixel is opaque, else RGBA with the alpha divided out. Each
@@ -121,9 +109,9 @@ std::optional<MCData> encodePNG(const MCRasterImageRef& image) {
   header[8] = 8;                  // bits a channel
   header[9] = opaque ? 2 : 6;     // RGB or RGBA
   header[10] = header[11] = header[12] = 0;  // deflate, adaptive filtering, no interlace
-  appendChunk(png, "IHDR", header, sizeof header);
-  appendChunk(png, "IDAT", packed.data(), packedSize);
-  appendChunk(png, "IEND", nullptr, 0);
+  mc_detail::MCAppendPNGChunk(png, "IHDR", header, sizeof header);
+  mc_detail::MCAppendPNGChunk(png, "IDAT", packed.data(), packedSize);
+  mc_detail::MCAppendPNGChunk(png, "IEND", nullptr, 0);
   return png;
 }
 

@@ -1,6 +1,6 @@
 #include <vesperon/toolkit/MCView.h>
-#include <vesperon/core/MCLog.h>
 
+#include <vesperon/core/MCLog.h>
 #include <vesperon/platform/MCGraphicsContext.h>
 #include <vesperon/toolkit/MCClipView.h>
 #include <vesperon/toolkit/MCDraggingSession.h>
