@@ -18,13 +18,19 @@ namespace exif_test {
 
 namespace fs = std::filesystem;
 
+// A folder of this test process's own, removed when the process ends.
+struct ScratchDirectory {
+  fs::path path = fs::temp_directory_path() / ("vesperon-exif-test-" + std::to_string(::getpid()));
+  ScratchDirectory() { fs::create_directories(path); }
+  ~ScratchDirectory() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+  }
+};
+
 inline fs::path scratchDirectory() {
-  static const fs::path dir = [] {
-    fs::path d = fs::temp_directory_path() / ("vesperon-exif-test-" + std::to_string(::getpid()));
-    fs::create_directories(d);
-    return d;
-  }();
-  return dir;
+  static const ScratchDirectory dir;
+  return dir.path;
 }
 
 inline std::string readText(const fs::path& file) {
